@@ -1,0 +1,82 @@
+// Connecting to the tester and finding out what it is, which language it speaks and how old it is.
+#pragma once
+
+#include "PackageFiles.h"
+#include "VersionDate.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <array>
+#include <optional>
+
+namespace kalvo::link {
+
+class Link;
+
+// What ConnectTester reads from the tester after waking it.
+struct ConnectionState {
+    bool flagsRead = false;     // false in development-terminal mode
+    bool quillbankPresent = false; // register E3: the accessory switch is offered
+    bool d3Option = false;         // register D3
+};
+
+// Closes and reopens the port, wakes the tester, stops any measurement, leaves any
+// configuration mode and reads the E3 and D3 flags (the last three steps not in
+// development-terminal mode).
+ConnectionState ConnectTester(Link &link, const QString &portName, bool developmentTerminal = false);
+
+// The five dated parts of the tester's firmware, in the order of the "ver?" fields 1 to 5.
+enum class VersionPart { System, Configuration, Pictures, Help, Sequences };
+constexpr int kVersionParts = 5;
+
+// Fields of the "idn?" answer: 0 the echo, 1 the device type, 2 the serial number,
+// 3 the eight-character short designation (the tester's name), then the firmware " V x.yy".
+constexpr int kIdentitySerialField = 2;
+constexpr int kIdentityNameField = 3;
+
+struct TesterIdentity {
+    int languageCode = 0;
+    TesterLanguage language;
+
+    QByteArray versionAnswer;
+    QList<QByteArray> versionFields;
+    std::array<QString, kVersionParts> versionTexts;
+    std::array<std::optional<QDateTime>, kVersionParts> versionDates;
+
+    QByteArray identityAnswer;
+    QList<QByteArray> identityFields;
+    QByteArray firmwareField; // the identity field that holds " V"
+    double firmwareVersion = 0;
+    QByteArray serialNumber;
+    QByteArray shortDesignation;
+
+    // The identity as the device in front answered it; holds "KYM" when the accessory answers.
+    QByteArray accessoryIdentity;
+    bool AccessoryInFront() const { return accessoryIdentity.indexOf("KYM") + 1 > 1; }
+
+    bool updateNeeded = false;
+    std::array<std::optional<QDateTime>, kVersionParts> packageFileDates;
+};
+
+struct IdentifyOptions {
+    QString updateDir;                         // where the package files lie; empty: none
+    DateOrder dateOrder = DateOrder::DayMonthYear;
+};
+
+// "dis?" (up to five tries), "ver?", "idn?"; throws ProtocolError 31995 "Identstring fehlerhaft"
+// when "dis?" never answers with a usable ".Y". Returns an empty identity when the port is closed.
+TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options);
+
+// The modification dates of the package files of `language` in `dir`, by version part.
+std::array<std::optional<QDateTime>, kVersionParts> PackageFileDates(const QString &dir,
+                                                                     const TesterLanguage &language);
+// True when the tester's pictures, help or sequences are older than the matching package file.
+bool UpdateNeeded(const std::array<std::optional<QDateTime>, kVersionParts> &testerDates,
+                  const std::array<std::optional<QDateTime>, kVersionParts> &fileDates);
+
+// The language code from a "dis?" answer: the value of the two characters before ".Y".
+int LanguageCodeFromAnswer(const QByteArray &answer);
+
+} // namespace kalvo::link

@@ -1,0 +1,29 @@
+// The names a user may give the serial port, and the system device each one means.
+#include "PortNames.h"
+
+namespace kalvo::link {
+
+QStringList StandardPortNames()
+{
+    return {QStringLiteral("COM 1"), QStringLiteral("COM 2"), QStringLiteral("COM 3"),
+            QStringLiteral("COM 4")};
+}
+
+int StandardPortNumber(const QString &name)
+{
+    return static_cast<int>(StandardPortNames().indexOf(name.trimmed().toUpper())) + 1;
+}
+
+QString SystemPortName(const QString &name)
+{
+    const int number = StandardPortNumber(name);
+    if (number == 0)
+        return name.trimmed();
+#ifdef Q_OS_WIN
+    return QStringLiteral("COM%1").arg(number);
+#else
+    return QStringLiteral("/dev/ttyS%1").arg(number - 1);
+#endif
+}
+
+} // namespace kalvo::link

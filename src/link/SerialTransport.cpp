@@ -1,0 +1,98 @@
+// The real serial line: 9600 baud, 8 data bits, no parity, one stop bit, no flow control.
+#include "SerialTransport.h"
+
+#include "Errors.h"
+#include "PortNames.h"
+
+#ifdef Q_OS_UNIX
+#include <termios.h>
+#endif
+
+namespace kalvo::link {
+
+SerialTransport::SerialTransport() = default;
+SerialTransport::~SerialTransport() = default;
+
+void SerialTransport::open(const QString &name)
+{
+    close();
+    m_port = std::make_unique<QSerialPort>();
+    m_port->setPortName(SystemPortName(name));
+    if (!m_port->open(QIODevice::ReadWrite)) {
+        const QString reason = m_port->errorString();
+        m_port.reset();
+        throw PortError(PortError::Kind::CannotOpen,
+                        QStringLiteral("%1 kann nicht geöffnet werden: %2").arg(name, reason));
+    }
+    // DC1 ends every answer and must never be taken as XON.
+    m_port->setBaudRate(QSerialPort::Baud9600);
+    m_port->setDataBits(QSerialPort::Data8);
+    m_port->setParity(QSerialPort::NoParity);
+    m_port->setStopBits(QSerialPort::OneStop);
+    m_port->setFlowControl(QSerialPort::NoFlowControl);
+    m_port->clear();
+}
+
+void SerialTransport::close()
+{
+    if (m_port && m_port->isOpen())
+        m_port->close();
+    m_port.reset();
+}
+
+bool SerialTransport::isOpen() const { return m_port && m_port->isOpen(); }
+
+void SerialTransport::CheckLost()
+{
+    const auto error = m_port->error();
+    if (error == QSerialPort::ResourceError || error == QSerialPort::ReadError ||
+        error == QSerialPort::WriteError) {
+        const QString text = QStringLiteral("Verbindung über %1 unterbrochen: %2")
+                                 .arg(m_port->portName(), m_port->errorString());
+        close();
+        throw PortError(PortError::Kind::Lost, text);
+    }
+}
+
+void SerialTransport::write(const QByteArray &bytes)
+{
+    if (!isOpen())
+        return;
+    m_port->write(bytes);
+    CheckLost();
+}
+
+void SerialTransport::drain()
+{
+    if (!isOpen())
+        return;
+    // Qt's buffer first; "written" there only means handed to the system.
+    while (m_port->bytesToWrite() > 0) {
+        if (!m_port->waitForBytesWritten(1000))
+            CheckLost();
+    }
+#ifdef Q_OS_UNIX
+    ::tcdrain(static_cast<int>(m_port->handle()));
+#endif
+}
+
+QByteArray SerialTransport::read(std::chrono::milliseconds wait)
+{
+    if (!isOpen())
+        return {};
+    if (m_port->bytesAvailable() == 0) {
+        m_port->waitForReadyRead(static_cast<int>(wait.count()));
+        CheckLost();
+    }
+    return m_port->readAll();
+}
+
+void SerialTransport::discardInput()
+{
+    if (!isOpen())
+        return;
+    m_port->clear(QSerialPort::Input);
+    m_port->readAll();
+}
+
+} // namespace kalvo::link

@@ -1,0 +1,150 @@
+// Taking tester answers apart and turning tester bytes into text.
+#include "TextRules.h"
+
+#include "Errors.h"
+
+#include <QStringDecoder>
+
+namespace kalvo::link {
+
+QByteArray StripControlChars(const QByteArray &text)
+{
+    QByteArray out;
+    out.reserve(text.size());
+    for (char ch : text)
+        if (static_cast<unsigned char>(ch) >= 30)
+            out.append(ch);
+    return out;
+}
+
+QString DecodeTesterText(const QByteArray &bytes)
+{
+    QStringDecoder decoder("IBM437");
+    if (!decoder.isValid())
+        return QString::fromLatin1(bytes);
+    return decoder.decode(bytes);
+}
+
+QString ConvertDisplayChar(unsigned char c)
+{
+    if (c < 32 || c == '#' || c == '@' || (c >= 123 && c <= 127) || c >= 253)
+        return {};
+    switch (c) {
+    case 230: return QStringLiteral("µ");
+    case 234: return QStringLiteral("Ohm");
+    case 142: return QStringLiteral("Ä");
+    case 153: return QStringLiteral("Ö");
+    case 154: return QStringLiteral("Ü");
+    case 225: return QStringLiteral("ß");
+    case 132: return QStringLiteral("ä");
+    case 148: return QStringLiteral("ö");
+    case 129: return QStringLiteral("ü");
+    default: break;
+    }
+    if (c < 128)
+        return QString(QChar(c));
+    return DecodeTesterText(QByteArray(1, static_cast<char>(c)));
+}
+
+QString ConvertDisplayText(const QByteArray &bytes)
+{
+    QString out;
+    out.reserve(bytes.size());
+    for (char ch : bytes)
+        out += ConvertDisplayChar(static_cast<unsigned char>(ch));
+    return out;
+}
+
+QByteArray FieldBetween(const QByteArray &text, const QByteArray &startMark, const QByteArray &endMark)
+{
+    // A missing start mark reads from the beginning, as the position arithmetic gives.
+    const qsizetype start = text.indexOf(startMark) + 1;
+    if (endMark.isEmpty())
+        return text.mid(start);
+    const qsizetype end = text.indexOf(endMark);
+    if (end < start)
+        throw FormatError(QStringLiteral("\"%1\"").arg(QString::fromLatin1(text)), 0,
+                          QStringLiteral("\"%1\" hinter \"%2\"")
+                              .arg(QString::fromLatin1(endMark), QString::fromLatin1(startMark)));
+    return text.mid(start, end - start);
+}
+
+qsizetype PositionOf(const QByteArray &text, const QByteArray &needle) { return text.indexOf(needle) + 1; }
+
+QByteArray ValueBeforeYes(const QByteArray &answer)
+{
+    const qsizetype yes = answer.indexOf(".Y");
+    if (yes < 0)
+        return {};
+    const qsizetype from = std::max<qsizetype>(0, yes - 2);
+    return answer.mid(from, yes - from);
+}
+
+static int DigitValue(char ch, int base)
+{
+    int v = -1;
+    if (ch >= '0' && ch <= '9')
+        v = ch - '0';
+    else if (ch >= 'A' && ch <= 'F')
+        v = ch - 'A' + 10;
+    else if (ch >= 'a' && ch <= 'f')
+        v = ch - 'a' + 10;
+    return v < base ? v : -1;
+}
+
+double NumericValue(const QByteArray &text)
+{
+    qsizetype i = 0;
+    const qsizetype n = text.size();
+    while (i < n && (text[i] == ' ' || text[i] == '\t'))
+        ++i;
+    if (i + 1 < n && text[i] == '&' && (text[i + 1] == 'H' || text[i + 1] == 'h')) {
+        long long value = 0;
+        for (i += 2; i < n && DigitValue(text[i], 16) >= 0; ++i)
+            value = value * 16 + DigitValue(text[i], 16);
+        return static_cast<double>(value);
+    }
+    double sign = 1;
+    if (i < n && (text[i] == '-' || text[i] == '+')) {
+        sign = text[i] == '-' ? -1 : 1;
+        ++i;
+    }
+    double value = 0;
+    for (; i < n && DigitValue(text[i], 10) >= 0; ++i)
+        value = value * 10 + (text[i] - '0');
+    if (i < n && text[i] == '.') {
+        double scale = 0.1;
+        for (++i; i < n && DigitValue(text[i], 10) >= 0; ++i, scale /= 10)
+            value += (text[i] - '0') * scale;
+    }
+    return sign * value;
+}
+
+QList<QByteArray> SplitFields(const QByteArray &answer)
+{
+    QList<QByteArray> fields;
+    for (const QByteArray &field : answer.split(';'))
+        fields.append(StripControlChars(field));
+    return fields;
+}
+
+QString EscapeBytes(const QByteArray &bytes)
+{
+    QString out;
+    for (char ch : bytes) {
+        const auto c = static_cast<unsigned char>(ch);
+        if (c == '\r')
+            out += QStringLiteral("\\r");
+        else if (c == '\n')
+            out += QStringLiteral("\\n");
+        else if (c == '\\')
+            out += QStringLiteral("\\\\");
+        else if (c >= 32 && c < 127)
+            out += QChar(c);
+        else
+            out += QStringLiteral("\\x%1").arg(c, 2, 16, QChar('0'));
+    }
+    return out;
+}
+
+} // namespace kalvo::link

@@ -1,0 +1,43 @@
+// Taking tester answers apart and turning tester bytes into text.
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+namespace kalvo::link {
+
+// `text` without the bytes below 30 (CR, LF, DC1 and the other control bytes).
+QByteArray StripControlChars(const QByteArray &text);
+
+// One tester character as display text: dropped codes give "", 234 gives "Ohm", umlauts and µ
+// are mapped, other bytes of 128 and above are read as the IBM PC character set.
+QString ConvertDisplayChar(unsigned char c);
+// Every byte of `bytes` through ConvertDisplayChar.
+QString ConvertDisplayText(const QByteArray &bytes);
+// Tester print text (code page 437) to display text, box-drawing characters kept.
+QString DecodeTesterText(const QByteArray &bytes);
+
+// The text from one character after the first `startMark` up to the first `endMark`
+// (the rest when `endMark` is empty). Throws FormatError when `endMark` is missing or
+// stands before the start.
+QByteArray FieldBetween(const QByteArray &text, const QByteArray &startMark, const QByteArray &endMark);
+
+// The two characters in front of the first ".Y" of a register or bit answer;
+// nullopt-like empty result when the answer has no ".Y".
+QByteArray ValueBeforeYes(const QByteArray &answer);
+// 1-based position of `needle` in `text`, 0 when absent (the position rules of the answers use it).
+qsizetype PositionOf(const QByteArray &text, const QByteArray &needle);
+
+// The numeric value of the leading number of `text`, as the tester's own tools read numbers:
+// leading blanks skipped, "&H" for hexadecimal, "." as the decimal point whatever the locale,
+// reading stops at the first character that does not fit; 0 when there is no number.
+double NumericValue(const QByteArray &text);
+
+// `answer` split at ";" into fields, each without control characters.
+QList<QByteArray> SplitFields(const QByteArray &answer);
+
+// Bytes as readable text: printable ASCII as is, everything else as \xNN (\r and \n by name).
+QString EscapeBytes(const QByteArray &bytes);
+
+} // namespace kalvo::link
