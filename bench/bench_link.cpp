@@ -1,0 +1,123 @@
+// Link benchmarks: exchange time against the wire time of its bytes, and CPU used while waiting.
+#include "link/Errors.h"
+#include "link/Link.h"
+#include "link/SerialTransport.h"
+#include "link/TextRules.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QProcess>
+
+#include <chrono>
+#include <cstdio>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/resource.h>
+#include <termios.h>
+#include <unistd.h>
+
+using namespace kalvo::link;
+
+namespace {
+
+// Messages are not part of a benchmark's figures.
+class QuietPrompter final : public Prompter {
+public:
+    void message(const QString &, Icon) override {}
+    bool confirm(const QString &) override { return false; }
+    std::optional<QString> askText(const QString &, const QString &, const QString &) override { return {}; }
+    QString askOpenFile(const QString &) override { return {}; }
+    QString askSaveFile(const QString &) override { return {}; }
+    void progress(int) override {}
+    void busy(bool) override {}
+};
+
+double CpuSeconds()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+double WireSeconds(qsizetype bytes, int baud) { return bytes * 10.0 / baud; }
+
+// (a) One exchange against kalvo-sim paced at 9600 baud, over a real pty and QSerialPort.
+void ExchangeAgainstWire(const QString &simPath)
+{
+    QProcess sim;
+    sim.start(simPath, {QStringLiteral("--baud"), QStringLiteral("9600")});
+    if (!sim.waitForStarted() || !sim.waitForReadyRead(10000)) {
+        std::printf("exchange: kalvo-sim did not start\n");
+        return;
+    }
+    const QString pty = QString::fromLocal8Bit(sim.readLine()).trimmed();
+    SerialTransport transport;
+    QuietPrompter prompter;
+    Link link(transport, prompter);
+    link.OpenPort(pty);
+    for (const QByteArray command : {QByteArray("var?D3"), QByteArray("ver?"), QByteArray("idn?")}) {
+        constexpr int kRounds = 20;
+        double worst = 0, sum = 0;
+        qsizetype bytes = 0;
+        for (int i = 0; i < kRounds; ++i) {
+            const auto start = std::chrono::steady_clock::now();
+            const QByteArray answer = link.Exchange(command);
+            const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+            bytes = command.size() + 1 + answer.size();
+            const double ratio = elapsed / WireSeconds(bytes, 9600);
+            sum += ratio;
+            worst = std::max(worst, ratio);
+        }
+        std::printf("exchange %-8s %3lld bytes on the wire (%.1f ms at 9600 baud): elapsed/wire mean %.3f, worst %.3f\n",
+                    command.constData(), static_cast<long long>(bytes), WireSeconds(bytes, 9600) * 1000,
+                    sum / kRounds, worst);
+    }
+    link.ClosePort();
+    sim.terminate();
+    sim.waitForFinished();
+}
+
+// (b) CPU time while waiting for an answer that never comes.
+void WaitForSilence(double seconds)
+{
+    const int master = posix_openpt(O_RDWR | O_NOCTTY);
+    if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0) {
+        std::printf("wait: no pseudo-terminal\n");
+        return;
+    }
+    const QString path = QString::fromLocal8Bit(ptsname(master));
+    const int slave = open(ptsname(master), O_RDWR | O_NOCTTY);
+    termios raw{};
+    tcgetattr(slave, &raw);
+    cfmakeraw(&raw);
+    tcsetattr(slave, TCSANOW, &raw);
+
+    SerialTransport transport;
+    QuietPrompter prompter;
+    Link link(transport, prompter);
+    link.setTimeout(FromSeconds(seconds));
+    link.OpenPort(path);
+    const double cpuBefore = CpuSeconds();
+    const auto start = std::chrono::steady_clock::now();
+    try {
+        link.Exchange("dis?");
+    } catch (const Timeout &) {
+    }
+    const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const double cpu = CpuSeconds() - cpuBefore;
+    std::printf("wait for an answer that never comes: %.2f s elapsed, %.4f CPU seconds (%.3f %% of one core)\n",
+                wall, cpu, 100 * cpu / wall);
+    close(slave);
+    close(master);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    const QString simPath = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("kalvo-sim"));
+    ExchangeAgainstWire(simPath);
+    WaitForSilence(5.0);
+    return 0;
+}

@@ -1,0 +1,48 @@
+// What every kalvo-cli command works with: options, the prompter, the transport and the link.
+#include "CliContext.h"
+
+#include "link/PortNames.h"
+#include "link/SerialTransport.h"
+#include "shell/Settings.h"
+#include "sim/SimTransport.h"
+#include "sim/VirtualTester.h"
+
+#include <cstdio>
+
+namespace kalvo::cli {
+
+struct CliContext::Simulator {
+    sim::VirtualTester tester{link::SteadyClock::instance()};
+};
+
+CliContext::CliContext(const CliOptions &options)
+    : m_options(options), m_prompter(options.yes), m_out(stdout)
+{
+    if (options.simulate) {
+        m_simulator = std::make_unique<Simulator>();
+        m_transport = std::make_unique<sim::SimTransport>(m_simulator->tester, link::SteadyClock::instance());
+    } else {
+        m_transport = std::make_unique<link::SerialTransport>();
+    }
+    m_link = std::make_unique<link::Link>(*m_transport, m_prompter);
+    m_link->setTimeout(link::FromSeconds(options.timeoutSeconds));
+    if (!options.traceFile.isEmpty())
+        m_link->StartTrace(options.traceFile);
+}
+
+CliContext::~CliContext()
+{
+    m_out.flush();
+    m_link->ClosePort();
+}
+
+QString CliContext::portName() const
+{
+    if (m_options.simulate)
+        return link::kSimulatorPortName;
+    if (!m_options.port.isEmpty())
+        return m_options.port;
+    return shell::ReadSettings().portName;
+}
+
+} // namespace kalvo::cli

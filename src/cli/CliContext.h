@@ -1,0 +1,36 @@
+// What every kalvo-cli command works with: options, the prompter, the transport and the link.
+#pragma once
+
+#include "CliOptions.h"
+#include "CliPrompter.h"
+#include "link/Link.h"
+#include "link/Transport.h"
+
+#include <QTextStream>
+#include <memory>
+
+namespace kalvo::cli {
+
+class CliContext {
+public:
+    explicit CliContext(const CliOptions &options);
+    ~CliContext();
+
+    const CliOptions &options() const { return m_options; }
+    CliPrompter &prompter() { return m_prompter; }
+    link::Link &link() { return *m_link; }
+    QTextStream &out() { return m_out; }
+    // The port to use: --port, else line 0 of Q417.ini, else "COM 1"; the simulator with --simulate.
+    QString portName() const;
+
+private:
+    CliOptions m_options;
+    CliPrompter m_prompter;
+    QTextStream m_out;
+    std::unique_ptr<link::Transport> m_transport;
+    std::unique_ptr<link::Link> m_link;
+    struct Simulator;
+    std::unique_ptr<Simulator> m_simulator;
+};
+
+} // namespace kalvo::cli

@@ -1,0 +1,57 @@
+// The Prompter of kalvo-cli: messages on stderr, answers from the command line.
+#include "CliPrompter.h"
+
+#include <cstdio>
+
+namespace kalvo::cli {
+
+CliPrompter::CliPrompter(bool yes) : m_yes(yes), m_err(stderr) {}
+
+void CliPrompter::message(const QString &text, Icon icon)
+{
+    if (icon == Icon::Critical)
+        m_failureShown = true;
+    m_err << text << Qt::endl;
+}
+
+bool CliPrompter::confirm(const QString &text)
+{
+    m_err << text << (m_yes ? QStringLiteral(" -> OK") : QStringLiteral(" -> Abbrechen (--yes für OK)"))
+          << Qt::endl;
+    return m_yes;
+}
+
+std::optional<QString> CliPrompter::askText(const QString &, const QString &, const QString &)
+{
+    if (m_texts.empty())
+        return std::nullopt;
+    auto text = m_texts.front();
+    m_texts.pop_front();
+    return text;
+}
+
+static QString TakeFile(std::deque<QString> &files)
+{
+    if (files.empty())
+        return {};
+    QString name = files.front();
+    files.pop_front();
+    return name;
+}
+
+QString CliPrompter::askOpenFile(const QString &) { return TakeFile(m_files); }
+
+QString CliPrompter::askSaveFile(const QString &) { return TakeFile(m_files); }
+
+void CliPrompter::progress(int percent)
+{
+    // Whole tens only: a progress line per byte would drown the terminal.
+    if (percent / 10 != m_lastProgress / 10 || percent == 100) {
+        m_err << percent << " %" << Qt::endl;
+        m_lastProgress = percent;
+    }
+}
+
+void CliPrompter::busy(bool) {}
+
+} // namespace kalvo::cli

@@ -1,0 +1,40 @@
+// The Prompter of kalvo-cli: messages on stderr, answers from the command line.
+#pragma once
+
+#include "link/Prompter.h"
+
+#include <QTextStream>
+#include <deque>
+
+namespace kalvo::cli {
+
+class CliPrompter final : public link::Prompter {
+public:
+    explicit CliPrompter(bool yes);
+
+    void message(const QString &text, Icon icon) override;
+    bool confirm(const QString &text) override;
+    std::optional<QString> askText(const QString &title, const QString &prompt,
+                                   const QString &defaultText) override;
+    QString askOpenFile(const QString &filter) override;
+    QString askSaveFile(const QString &filter) override;
+    void progress(int percent) override;
+    void busy(bool on) override;
+
+    // Answers a command gives in advance, used in order: texts for askText, names for the file questions.
+    void PresetText(const std::optional<QString> &text) { m_texts.push_back(text); }
+    void PresetFile(const QString &name) { m_files.push_back(name); }
+
+    // A critical message was shown (a refusal by the tester, for instance).
+    bool failureShown() const { return m_failureShown; }
+
+private:
+    bool m_yes;
+    bool m_failureShown = false;
+    int m_lastProgress = -1;
+    std::deque<std::optional<QString>> m_texts;
+    std::deque<QString> m_files;
+    QTextStream m_err;
+};
+
+} // namespace kalvo::cli

@@ -1,0 +1,87 @@
+// kalvo-cli identify and send: connecting, identifying and talking to the tester directly.
+#include "CliCommand.h"
+#include "CliContext.h"
+
+#include "link/Identification.h"
+#include "link/TextRules.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+namespace kalvo::cli {
+
+namespace {
+
+QString DateText(const std::optional<QDateTime> &date)
+{
+    return date ? date->date().toString(Qt::ISODate) : QStringLiteral("-");
+}
+
+int Identify(CliContext &context, const QStringList &words)
+{
+    QString updateDir = QCoreApplication::applicationDirPath();
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        if (words[i] == QLatin1String("--update-dir") && i + 1 < words.size())
+            updateDir = words[++i];
+        else
+            throw UsageError{QStringLiteral("unbekanntes Argument %1").arg(words[i])};
+    }
+    link::Link &link = context.link();
+    const link::ConnectionState state = link::ConnectTester(link, context.portName());
+    const link::TesterIdentity id =
+        link::IdentifyTester(link, {updateDir, link::SystemDateOrder()});
+
+    static const char *const kParts[link::kVersionParts] = {"system", "configuration", "pictures",
+                                                             "help", "sequences"};
+    QTextStream &out = context.out();
+    out << "language: " << id.languageCode << ' ' << id.language.menuEntry << '\n';
+    for (int part = 0; part < link::kVersionParts; ++part) {
+        const auto p = static_cast<size_t>(part);
+        out << kParts[part] << ": " << id.versionTexts[p] << " (" << DateText(id.versionDates[p]) << ")\n";
+    }
+    out << "identity: " << link::DecodeTesterText(link::StripControlChars(id.identityAnswer)) << '\n';
+    out << "serial: " << QString::fromLatin1(id.serialNumber) << '\n';
+    out << "name: " << QString::fromLatin1(id.shortDesignation) << '\n';
+    out << "firmware: " << QString::number(id.firmwareVersion, 'g', 6) << '\n';
+    out << "accessory: "
+        << (id.AccessoryInFront() ? QString::fromLatin1(id.firmwareField) : QStringLiteral("none")) << '\n';
+    out << "quillbank: " << (state.quillbankPresent ? "yes" : "no") << '\n';
+    out << "d3: " << (state.d3Option ? "on" : "off") << '\n';
+    bool anyPackageFile = false;
+    for (const auto &date : id.packageFileDates)
+        anyPackageFile = anyPackageFile || date.has_value();
+    out << "update: "
+        << (id.updateNeeded ? QStringLiteral("due")
+                            : anyPackageFile ? QStringLiteral("not due")
+                                             : QStringLiteral("unknown (no package files in %1)")
+                                                   .arg(QDir::toNativeSeparators(updateDir)))
+        << '\n';
+    return kExitDone;
+}
+
+int Send(CliContext &context, const QStringList &words)
+{
+    if (words.isEmpty())
+        throw UsageError{QStringLiteral("mindestens ein Befehl")};
+    link::Link &link = context.link();
+    link.OpenPort(context.portName());
+    for (const QString &command : words) {
+        const QByteArray answer = link.Exchange(command.toLatin1());
+        context.out() << link::EscapeBytes(answer) << Qt::endl;
+    }
+    return context.prompter().failureShown() ? kExitFailed : kExitDone;
+}
+
+} // namespace
+
+QList<CliCommand> LinkCommands()
+{
+    return {
+        {QStringLiteral("identify"), QStringLiteral("[--update-dir DIR]"),
+         QStringLiteral("connect, identify the tester and tell whether an update is due"), Identify},
+        {QStringLiteral("send"), QStringLiteral("CMD..."),
+         QStringLiteral("send each CMD as one command line and print each answer as received"), Send},
+    };
+}
+
+} // namespace kalvo::cli

@@ -1,0 +1,68 @@
+// kalvo-cli: every device operation without a window, for scripts, service benches and tests.
+#include "CliCommand.h"
+#include "CliContext.h"
+#include "CliOptions.h"
+
+#include "link/Errors.h"
+
+#include <QCoreApplication>
+#include <QTextStream>
+
+using namespace kalvo;
+using namespace kalvo::cli;
+
+namespace {
+
+QList<CliCommand> AllCommands() { return LinkCommands(); }
+
+void PrintHelp(QTextStream &out)
+{
+    out << "kalvo-cli [--port NAME] [--simulate] [--timeout SECONDS] [--yes] [--trace FILE] [--lang NAME]\n"
+           "          <command> [arguments]\n\n";
+    for (const CliCommand &command : AllCommands())
+        out << "  " << command.name << ' ' << command.synopsis << "\n      " << command.summary << '\n';
+    out << "  help\n      this list\n\n"
+           "exit codes: 0 done, 1 refused or failed, 2 usage, 3 no answer from the tester\n";
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QTextStream err(stderr);
+    QString error;
+    const auto options = ParseCliOptions(app.arguments().mid(1), error);
+    if (!options) {
+        err << "kalvo-cli: " << error << " (kalvo-cli help)" << Qt::endl;
+        return kExitUsage;
+    }
+    const QString name = options->words.first();
+    if (name == QLatin1String("help")) {
+        QTextStream out(stdout);
+        PrintHelp(out);
+        return kExitDone;
+    }
+    for (const CliCommand &command : AllCommands()) {
+        if (command.name != name)
+            continue;
+        CliContext context(*options);
+        try {
+            return command.run(context, options->words.mid(1));
+        } catch (const UsageError &e) {
+            err << "kalvo-cli " << name << ' ' << command.synopsis << ": " << e.text << Qt::endl;
+            return kExitUsage;
+        } catch (const link::Timeout &e) {
+            err << e.message() << Qt::endl;
+            return kExitNoAnswer;
+        } catch (const link::PortError &e) {
+            err << e.message() << Qt::endl;
+            return e.kind() == link::PortError::Kind::Lost ? kExitNoAnswer : kExitFailed;
+        } catch (const link::KalvoError &e) {
+            err << e.message() << Qt::endl;
+            return kExitFailed;
+        }
+    }
+    err << "kalvo-cli: unbekannter Befehl " << name << " (kalvo-cli help)" << Qt::endl;
+    return kExitUsage;
+}

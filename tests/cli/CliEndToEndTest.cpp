@@ -1,0 +1,178 @@
+// kalvo-cli against kalvo-sim over a real pseudo-terminal: what it prints and the bytes that reach the tester.
+#include "SimProcess.h"
+
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+using namespace kalvo::testing;
+
+namespace {
+
+QStringList Escaped(const QList<ReceivedLine> &lines)
+{
+    QStringList out;
+    for (const ReceivedLine &line : lines)
+        out << line.bytes;
+    return out;
+}
+
+// A pseudo-terminal nobody answers on.
+class SilentPty {
+public:
+    SilentPty()
+    {
+        m_master = posix_openpt(O_RDWR | O_NOCTTY);
+        if (m_master < 0 || grantpt(m_master) != 0 || unlockpt(m_master) != 0)
+            return;
+        m_path = QString::fromLocal8Bit(ptsname(m_master));
+        // Hold the slave open so that the client's close does not hang up the line.
+        m_slave = open(ptsname(m_master), O_RDWR | O_NOCTTY);
+        termios raw{};
+        tcgetattr(m_slave, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(m_slave, TCSANOW, &raw);
+    }
+    ~SilentPty()
+    {
+        if (m_slave >= 0)
+            close(m_slave);
+        if (m_master >= 0)
+            close(m_master);
+    }
+    const QString &path() const { return m_path; }
+    QByteArray Drain()
+    {
+        QByteArray all;
+        char buffer[256];
+        fcntl(m_master, F_SETFL, O_NONBLOCK);
+        for (ssize_t n; (n = read(m_master, buffer, sizeof buffer)) > 0;)
+            all.append(buffer, n);
+        return all;
+    }
+
+private:
+    int m_master = -1;
+    int m_slave = -1;
+    QString m_path;
+};
+
+} // namespace
+
+TEST(CliEndToEnd, IdentifyWakesConnectsAndIdentifiesInOrder)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
+                                     {QStringLiteral("--port"), sim.pty(), QStringLiteral("identify")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.out.contains(QStringLiteral("language: 0 deutsch"))) << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains(QStringLiteral("firmware: 1.52"))) << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains(QStringLiteral("name: KALVO-01"))) << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains(QStringLiteral("Kalvomer 9000"))) << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains(QStringLiteral("d3: on"))) << run.out.toStdString();
+
+    const QList<ReceivedLine> lines = sim.ReceivedLines();
+    const QStringList expected = {"\\r", "\\r", "\\x04\\r", "\\x07\\r", "mes!0\\r", "kal!aus\\r",
+                                  "var?E3\\r", "var?D3\\r", "dis?\\r", "ver?\\r", "idn?\\r"};
+    EXPECT_EQ(Escaped(lines), expected);
+    ASSERT_GE(lines.size(), 4);
+    // The wake-up bytes go out 0.1 s apart.
+    EXPECT_GE(lines[2].ms - lines[1].ms, 95.0);
+    EXPECT_GE(lines[3].ms - lines[2].ms, 95.0);
+}
+
+TEST(CliEndToEnd, SendPrintsEachAnswerWithControlCharactersEscaped)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    const RunResult run =
+        RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("--port"), sim.pty(), QStringLiteral("send"),
+                                                 QStringLiteral("var?D3"), QStringLiteral("bit?4")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QStringList out = run.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    ASSERT_EQ(out.size(), 2) << run.out.toStdString();
+    EXPECT_TRUE(out[0].startsWith(QStringLiteral("var?D3 01.Y"))) << out[0].toStdString();
+    EXPECT_TRUE(out[0].endsWith(QStringLiteral("\\x11")));
+    EXPECT_TRUE(out[1].startsWith(QStringLiteral("bit?4"))) << out[1].toStdString();
+    EXPECT_EQ(Escaped(sim.ReceivedLines()), (QStringList{"var?D3\\r", "bit?4\\r"}));
+}
+
+TEST(CliEndToEnd, RefusalIsReportedWithItsNumberAndFailsTheRun)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
+                                     {QStringLiteral("--port"), sim.pty(), QStringLiteral("send"), QStringLiteral("xyz?")});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.err.contains(QStringLiteral("31995:  "))) << run.err.toStdString();
+    EXPECT_TRUE(run.out.contains(QStringLiteral("Protokoll"))) << run.out.toStdString();
+}
+
+TEST(CliEndToEnd, SilentPortEndsWithTheTimeoutMessageAndExitThree)
+{
+    SilentPty pty;
+    ASSERT_FALSE(pty.path().isEmpty());
+    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
+                                     {QStringLiteral("--timeout"), QStringLiteral("1"), QStringLiteral("--port"),
+                                      pty.path(), QStringLiteral("identify")});
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_EQ(run.err.trimmed(), QStringLiteral("3:  Kein Kalvomer gefunden"));
+    EXPECT_EQ(pty.Drain(), QByteArray("\r\r\x04\r\x07\r"));
+}
+
+TEST(CliEndToEnd, UsageErrorsAndMissingPortsHaveTheirExitCodes)
+{
+    struct Case {
+        QStringList args;
+        int exitCode;
+    };
+    const Case cases[] = {
+        {{QStringLiteral("frobnicate")}, 2},
+        {{QStringLiteral("--timeout"), QStringLiteral("x"), QStringLiteral("identify")}, 2},
+        {{QStringLiteral("send")}, 2},
+        {{QStringLiteral("--port"), QStringLiteral("/dev/kalvo-no-such-port"), QStringLiteral("identify")}, 1},
+    };
+    for (const Case &c : cases) {
+        const RunResult run = RunProgram(QStringLiteral("kalvo-cli"), c.args);
+        EXPECT_EQ(run.exitCode, c.exitCode) << c.args.join(' ').toStdString() << ": " << run.err.toStdString();
+        EXPECT_FALSE(run.err.isEmpty());
+    }
+}
+
+TEST(CliEndToEnd, VanishedLineEndsWithExitThree)
+{
+    SimProcess sim({QStringLiteral("--fault"), QStringLiteral("vanish:var?E3")});
+    ASSERT_TRUE(sim.started());
+    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
+                                     {QStringLiteral("--timeout"), QStringLiteral("3"), QStringLiteral("--port"),
+                                      sim.pty(), QStringLiteral("identify")});
+    EXPECT_EQ(run.exitCode, 3) << run.err.toStdString();
+    EXPECT_FALSE(run.err.isEmpty());
+}
+
+TEST(CliEndToEnd, SimulatedTesterIdentifiesWithoutAnyPort)
+{
+    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("--simulate"), QStringLiteral("identify")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.out.contains(QStringLiteral("firmware: 1.52")));
+}
+
+TEST(CliEndToEnd, PortComesFromTheSettingsFileOfTheCurrentDirectory)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    QTemporaryDir dir;
+    QFile ini(dir.filePath(QStringLiteral("Q417.ini")));
+    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
+    ini.write(sim.pty().toLocal8Bit() + ";port of the bench tester\r\n1\r\ndeutsch\r\n");
+    ini.close();
+    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("send"), QStringLiteral("dis?")},
+                                     60, dir.path());
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.out.startsWith(QStringLiteral("dis? 00.Y"))) << run.out.toStdString();
+}

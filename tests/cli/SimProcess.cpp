@@ -1,0 +1,72 @@
+// Runs kalvo-sim on a pseudo-terminal for a test and reads back what reached the tester.
+#include "SimProcess.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcessEnvironment>
+
+namespace kalvo::testing {
+
+QString BuiltProgram(const QString &name)
+{
+    return QDir(qEnvironmentVariable("KALVO_BIN_DIR")).filePath(name);
+}
+
+SimProcess::SimProcess(const QStringList &arguments)
+{
+    m_process.setProgram(BuiltProgram(QStringLiteral("kalvo-sim")));
+    m_process.setArguments(QStringList{QStringLiteral("--log"), m_dir.filePath(QStringLiteral("sim.log"))} +
+                           arguments);
+    m_process.start();
+    if (!m_process.waitForStarted(10000))
+        return;
+    while (!m_process.canReadLine() && m_process.waitForReadyRead(10000)) {
+    }
+    m_pty = QString::fromLocal8Bit(m_process.readLine()).trimmed();
+}
+
+SimProcess::~SimProcess()
+{
+    if (m_process.state() != QProcess::NotRunning) {
+        m_process.terminate();
+        if (!m_process.waitForFinished(5000))
+            m_process.kill();
+        m_process.waitForFinished(5000);
+    }
+}
+
+QList<ReceivedLine> SimProcess::ReceivedLines() const
+{
+    QList<ReceivedLine> lines;
+    QFile log(m_dir.filePath(QStringLiteral("sim.log")));
+    if (!log.open(QIODevice::ReadOnly))
+        return lines;
+    for (const QByteArray &line : log.readAll().split('\n')) {
+        const qsizetype tab = line.indexOf('\t');
+        if (tab < 0)
+            continue;
+        lines.append({line.left(tab).toDouble(), QString::fromLatin1(line.mid(tab + 1))});
+    }
+    return lines;
+}
+
+RunResult RunProgram(const QString &name, const QStringList &arguments, int seconds, const QString &workingDir)
+{
+    QProcess process;
+    if (!workingDir.isEmpty())
+        process.setWorkingDirectory(workingDir);
+    process.start(BuiltProgram(name), arguments);
+    RunResult result;
+    if (!process.waitForFinished(seconds * 1000)) {
+        process.kill();
+        process.waitForFinished();
+        result.err = QStringLiteral("did not finish in %1 s").arg(seconds);
+        return result;
+    }
+    result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    result.out = QString::fromUtf8(process.readAllStandardOutput());
+    result.err = QString::fromUtf8(process.readAllStandardError());
+    return result;
+}
+
+} // namespace kalvo::testing

@@ -1,0 +1,44 @@
+// Runs kalvo-sim on a pseudo-terminal for a test and reads back what reached the tester.
+#pragma once
+
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+
+namespace kalvo::testing {
+
+struct ReceivedLine {
+    double ms;
+    QString bytes; // escaped as kalvo-sim logs them, e.g. "dis?\r"
+};
+
+class SimProcess {
+public:
+    explicit SimProcess(const QStringList &arguments = {});
+    ~SimProcess();
+
+    bool started() const { return !m_pty.isEmpty(); }
+    const QString &pty() const { return m_pty; }
+    // The command lines the virtual tester received, in order.
+    QList<ReceivedLine> ReceivedLines() const;
+
+private:
+    QTemporaryDir m_dir;
+    QProcess m_process;
+    QString m_pty;
+};
+
+// Path of a program built next to the tests (KALVO_BIN_DIR).
+QString BuiltProgram(const QString &name);
+
+struct RunResult {
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+// Runs a built program to its end (at most `seconds`).
+RunResult RunProgram(const QString &name, const QStringList &arguments, int seconds = 60,
+                     const QString &workingDir = QString());
+
+} // namespace kalvo::testing
