@@ -47,7 +47,8 @@ QByteArray FlagsToHex(const Flags &flags)
 
 Flags HexToFlags(const QByteArray &hex)
 {
-    const auto value = static_cast<long long>(NumericValue("&H" + hex));
+    // A one-digit value is cut from its answer with a blank in front (" 1"); "&H 1" would read as 0.
+    const auto value = static_cast<long long>(NumericValue("&H" + hex.trimmed()));
     Flags flags{};
     for (int i = 0; i < 8; ++i)
         flags[static_cast<size_t>(i)] = (value >> i) & 1;

@@ -36,7 +36,8 @@ QString HexToBinary(const QByteArray &hex, BinaryGroups &groups);
 QString HexToBinary(const QByteArray &hex);
 // The byte that eight flags form (flag i weighs 2^i), as upper-case hexadecimal without padding.
 QByteArray FlagsToHex(const Flags &flags);
-// The eight flags of a byte text, bit 0 first; text that is not hexadecimal gives all off.
+// The eight flags of a byte text, bit 0 first; blanks around it are ignored, text that is not
+// hexadecimal gives all off.
 Flags HexToFlags(const QByteArray &hex);
 
 // "bit?0".."bit?7" and "var?CF".."var?FF"; fills bytes and flags.

@@ -4,6 +4,7 @@
 #include "Errors.h"
 
 #include <QStringDecoder>
+#include <QStringEncoder>
 
 namespace kalvo::link {
 
@@ -23,6 +24,14 @@ QString DecodeTesterText(const QByteArray &bytes)
     if (!decoder.isValid())
         return QString::fromLatin1(bytes);
     return decoder.decode(bytes);
+}
+
+QByteArray EncodeTesterText(const QString &text)
+{
+    QStringEncoder encoder("IBM437");
+    if (!encoder.isValid())
+        return text.toLatin1();
+    return encoder.encode(text);
 }
 
 QString ConvertDisplayChar(unsigned char c)

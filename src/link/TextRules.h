@@ -17,6 +17,8 @@ QString ConvertDisplayChar(unsigned char c);
 QString ConvertDisplayText(const QByteArray &bytes);
 // Tester print text (code page 437) to display text, box-drawing characters kept.
 QString DecodeTesterText(const QByteArray &bytes);
+// Text typed on the PC in the tester's character set; what it cannot hold becomes "?".
+QByteArray EncodeTesterText(const QString &text);
 
 // The text from one character after the first `startMark` up to the first `endMark`
 // (the rest when `endMark` is empty). Throws FormatError when `endMark` is missing or

@@ -9,7 +9,7 @@ namespace kalvo::testing {
 
 QString BuiltProgram(const QString &name)
 {
-    return QDir(qEnvironmentVariable("KALVO_BIN_DIR")).filePath(name);
+    return QDir(qEnvironmentVariable("KALVO_BIN_DIR", QStringLiteral(KALVO_BUILT_BIN_DIR))).filePath(name);
 }
 
 SimProcess::SimProcess(const QStringList &arguments)

@@ -1,0 +1,59 @@
+// Setting the tester's clock from the PC and giving the tester a name.
+#include "ClockAndName.h"
+
+#include "LanguageTable.h"
+#include "link/Link.h"
+#include "link/TextRules.h"
+
+namespace kalvo::shell {
+
+TesterClock ReadTesterClock(link::Link &link)
+{
+    const QByteArray answer = link.Exchange("dat?");
+    return {answer.mid(answer.indexOf('=') + 2, 8), answer.mid(answer.indexOf(';') + 2, 8)};
+}
+
+QString ClockProposal(const QDateTime &now)
+{
+    return now.toString(QStringLiteral("dd.MM.yy")) + QLatin1Char(';') + now.toString(QStringLiteral("hh:mm"));
+}
+
+bool SetTesterClock(link::Link &link, link::Prompter &prompter, const QDateTime &now)
+{
+    const TesterClock clock = ReadTesterClock(link);
+    const QString prompt = QStringLiteral("Kalvomer:\nDatum %1\nUhrzeit %2")
+                               .arg(link::DecodeTesterText(clock.date), link::DecodeTesterText(clock.time));
+    const auto text =
+        prompter.askText(QStringLiteral("Datum und Uhrzeit ändern"), prompt, ClockProposal(now));
+    if (!text || text->isEmpty())
+        return false;
+    link.Exchange("dat!" + link::EncodeTesterText(*text));
+    return true;
+}
+
+NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const LanguageTable &texts,
+                            const QString &name)
+{
+    if (name.size() > kMaxNameLength) {
+        prompter.message(texts.text(TxtNameTooLong), link::Prompter::Icon::Warning);
+        return NamingResult::TooLong;
+    }
+    if (name.isEmpty())
+        return NamingResult::Cancelled;
+    link.Exchange("kal!aus");
+    link.Exchange("idn!1," + link::EncodeTesterText(name));
+    link.Exchange("cfg!pgm");
+    return NamingResult::Sent;
+}
+
+NamingResult NameTester(link::Link &link, link::Prompter &prompter, const LanguageTable &texts)
+{
+    const QString prompt = texts.text(TxtNamePrompt) + QStringLiteral("\n\n(") + texts.text(TxtNameLimit) +
+                           QLatin1Char(')');
+    const auto name = prompter.askText(texts.text(TxtMenuName), prompt, QString());
+    if (!name)
+        return NamingResult::Cancelled;
+    return SendTesterName(link, prompter, texts, *name);
+}
+
+} // namespace kalvo::shell

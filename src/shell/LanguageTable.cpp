@@ -1,0 +1,116 @@
+// The language table: the program's texts in one of seven languages, read from "sprachen.TXT".
+#include "LanguageTable.h"
+
+#include "link/Errors.h"
+
+#include <QFile>
+#include <QStringDecoder>
+
+namespace kalvo::shell {
+
+LanguageGrid ReadLanguageGrid(const QByteArray &bytes)
+{
+    LanguageGrid grid;
+    QList<QByteArray> row;
+    QByteArray cell;
+    bool rowOpen = false;
+    for (char ch : bytes) {
+        const auto c = static_cast<unsigned char>(ch);
+        if (ch == ';') {
+            row.append(cell);
+            cell.clear();
+            rowOpen = true;
+        } else if (ch == '\r') {
+            row.append(cell);
+            grid.append(row);
+            row.clear();
+            cell.clear();
+            rowOpen = false;
+        } else if (c >= 32) {
+            cell.append(ch);
+            rowOpen = true;
+        }
+    }
+    if (rowOpen) {
+        row.append(cell);
+        grid.append(row);
+    }
+    return grid;
+}
+
+QString DecodeLanguageCell(const QByteArray &cell)
+{
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    const QString text = utf8.decode(cell);
+    if (!utf8.hasError())
+        return text;
+    QStringDecoder cp1252("windows-1252");
+    return cp1252.isValid() ? QString(cp1252.decode(cell)) : QString::fromLatin1(cell);
+}
+
+const std::array<LanguageColumn, 7> &LanguageColumns()
+{
+    static const std::array<LanguageColumn, 7> kColumns = {{
+        {QStringLiteral("deutsch"), 1, QStringLiteral("Q417G.html"), QStringLiteral("deutsch")},
+        {QStringLiteral("englisch"), 2, QStringLiteral("Q417GB.html"), QStringLiteral("english")},
+        {QStringLiteral("französisch"), 3, QStringLiteral("Q417FR.html"), QStringLiteral("france")},
+        {QStringLiteral("italienisch"), 4, QStringLiteral("Q417IT.html"), QStringLiteral("italiano")},
+        {QStringLiteral("tschechisch"), 5, QStringLiteral("Q417TS.html"), QStringLiteral("tschech")},
+        {QStringLiteral("nederlandske"), 6, QStringLiteral("Q417NL.html"), QStringLiteral("nederlandske")},
+        {QStringLiteral("spain"), 7, QStringLiteral("Q417ES.html"), QStringLiteral("spain")},
+    }};
+    return kColumns;
+}
+
+std::optional<LanguageColumn> FindLanguage(const QString &name)
+{
+    for (const LanguageColumn &column : LanguageColumns())
+        if (column.name == name)
+            return column;
+    return std::nullopt;
+}
+
+LanguageTable::LanguageTable()
+{
+    for (const TextDefault &entry : TextDefaults())
+        m_texts[static_cast<size_t>(entry.id)] = QString::fromUtf8(entry.german);
+    m_helpFile = LanguageColumns()[0].helpFile;
+}
+
+bool LanguageTable::SetLanguage(const QString &name, const LanguageGrid &grid)
+{
+    const auto column = FindLanguage(name);
+    if (!column)
+        return false;
+    if (grid.size() > kEntries)
+        throw link::FormatError(kLanguageFileName, kEntries + 1,
+                                QStringLiteral("höchstens %1 Zeilen, gefunden %2").arg(kEntries).arg(grid.size()));
+    std::array<QString, kEntries> texts;
+    for (qsizetype row = 0; row < grid.size(); ++row)
+        if (column->column < grid[row].size())
+            texts[static_cast<size_t>(row)] = DecodeLanguageCell(grid[row][column->column]);
+    m_texts = texts;
+    m_language = column->name;
+    m_helpFile = column->helpFile;
+    return true;
+}
+
+bool LanguageTable::SetLanguageFromFile(const QString &name, const QString &path, QString *error)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error)
+            *error = QStringLiteral("%1 kann nicht gelesen werden: %2").arg(path, file.errorString());
+        return false;
+    }
+    return SetLanguage(name, ReadLanguageGrid(file.readAll()));
+}
+
+QString LanguageTable::text(int id) const
+{
+    if (id < 0 || id >= kEntries)
+        return {};
+    return m_texts[static_cast<size_t>(id)];
+}
+
+} // namespace kalvo::shell

@@ -1,0 +1,56 @@
+// The language table: the program's texts in one of seven languages, read from "sprachen.TXT".
+#pragma once
+
+#include "TextIds.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <array>
+#include <optional>
+
+namespace kalvo::shell {
+
+inline const QString kLanguageFileName = QStringLiteral("sprachen.TXT");
+
+// "sprachen.TXT" as rows of cells: ";" ends a cell, CR ends a row, other control bytes are dropped.
+using LanguageGrid = QList<QList<QByteArray>>;
+LanguageGrid ReadLanguageGrid(const QByteArray &bytes);
+// A cell as text: UTF-8 when it is valid UTF-8, otherwise Windows-1252.
+QString DecodeLanguageCell(const QByteArray &cell);
+
+struct LanguageColumn {
+    QString name;     // as the language switch takes it: "deutsch", "englisch", ...
+    int column;       // its column in the grid
+    QString helpFile; // the help file of the language, in the program folder
+    QString menuEntry; // the language menu entry that chooses it
+};
+// In the order the switch compares them: deutsch, englisch, französisch, italienisch,
+// tschechisch, nederlandske, spain.
+const std::array<LanguageColumn, 7> &LanguageColumns();
+std::optional<LanguageColumn> FindLanguage(const QString &name);
+
+class LanguageTable {
+public:
+    static constexpr int kEntries = 201;
+
+    // Starts with the built-in German texts.
+    LanguageTable();
+
+    // Copies the column of `name` from `grid`; an unknown name changes nothing and returns false.
+    // Throws FormatError when the grid has more rows than the table has entries.
+    bool SetLanguage(const QString &name, const LanguageGrid &grid);
+    // Reads `path` and switches to `name`; nullopt with `error` set when the file cannot be read.
+    bool SetLanguageFromFile(const QString &name, const QString &path, QString *error = nullptr);
+
+    QString text(int id) const;
+    const QString &language() const { return m_language; }
+    const QString &helpFile() const { return m_helpFile; }
+
+private:
+    std::array<QString, kEntries> m_texts;
+    QString m_language = QStringLiteral("deutsch");
+    QString m_helpFile;
+};
+
+} // namespace kalvo::shell

@@ -1,0 +1,111 @@
+// The service terminal's operations: single commands, command scripts, help-text stepping,
+// direct printing and the views of the development trace.
+#include "ServiceTerminal.h"
+
+#include "link/Errors.h"
+#include "link/Link.h"
+#include "link/TextRules.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+namespace kalvo::shell {
+
+QByteArray SendTerminalCommand(link::Link &link, const QString &command)
+{
+    link.setTraceRecordEnds(command == QLatin1String("wer?"));
+    return link.Exchange(link::EncodeTesterText(command));
+}
+
+int RunCommandScript(link::Link &link, const QString &scriptPath, const QString &resultPath,
+                     const std::function<void(const QString &)> &showLine)
+{
+    QFile script(scriptPath);
+    if (!script.open(QIODevice::ReadOnly))
+        throw link::FormatError(scriptPath, 0, QStringLiteral("eine lesbare Ablaufdatei (%1)").arg(script.errorString()));
+    QSaveFile result(resultPath);
+    if (!result.open(QIODevice::WriteOnly))
+        throw link::FormatError(resultPath, 0, QStringLiteral("eine schreibbare Datei (%1)").arg(result.errorString()));
+
+    int count = 0;
+    while (!script.atEnd()) {
+        QByteArray line = script.readLine();
+        while (line.endsWith('\n') || line.endsWith('\r'))
+            line.chop(1);
+        const qsizetype comment = line.indexOf(';');
+        if (comment >= 0)
+            result.write(line.mid(comment) + "\r\n");
+        if (showLine)
+            showLine(link::DecodeTesterText(line));
+        const QByteArray answer = link.Exchange(line);
+        if (answer.contains("Wertx="))
+            result.write(answer + "\r\n");
+        ++count;
+    }
+    if (!result.commit())
+        throw link::FormatError(resultPath, 0, QStringLiteral("eine schreibbare Datei (%1)").arg(result.errorString()));
+    return count;
+}
+
+QString ReadScriptResult(const QString &resultPath)
+{
+    QFile file(resultPath);
+    if (!file.open(QIODevice::ReadOnly))
+        throw link::FormatError(resultPath, 0, QStringLiteral("eine lesbare Datei (%1)").arg(file.errorString()));
+    QString text;
+    while (!file.atEnd()) {
+        QByteArray line = file.readLine();
+        while (line.endsWith('\n') || line.endsWith('\r'))
+            line.chop(1);
+        text += link::DecodeTesterText(line) + QStringLiteral("\r\n");
+    }
+    return text;
+}
+
+void HelpStepper::Next(link::Link &link)
+{
+    if (m_next != 1)
+        link.Exchange("tas!1");
+    link.Exchange("brk!H " + QByteArray::number(m_next));
+    link.Exchange("tas!1");
+    ++m_next;
+}
+
+void HelpStepper::Stop(link::Link &link) { link.Exchange("sst!0"); }
+
+void SetDirectPrinting(link::Link &link, bool on) { link.Exchange(on ? "bit!04 1" : "bit!04 0"); }
+
+QString TraceAsText(const QByteArray &trace) { return link::DecodeTesterText(trace); }
+
+QString TraceAsCodes(const QByteArray &trace)
+{
+    QString text;
+    for (char ch : trace) {
+        if (ch == '\n')
+            continue;
+        if (ch == '\r')
+            text += QStringLiteral(" 13 10\n");
+        else
+            text += QLatin1Char(' ') + QString::number(static_cast<unsigned char>(ch));
+    }
+    return text;
+}
+
+QByteArray TakeTrace(link::Link &link, const QString &tracePath)
+{
+    const bool wasTracing = link.tracing();
+    link.StopTrace();
+    QFile file(tracePath);
+    QByteArray trace;
+    if (file.open(QIODevice::ReadOnly))
+        trace = file.readAll();
+    file.close();
+    // The trace starts afresh: the old one lives on only in what is returned.
+    if (wasTracing)
+        link.StartTrace(tracePath);
+    else if (file.exists() && file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        file.close();
+    return trace;
+}
+
+} // namespace kalvo::shell

@@ -1,0 +1,54 @@
+// The service terminal's operations: single commands, command scripts, help-text stepping,
+// direct printing and the views of the development trace.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <functional>
+
+namespace kalvo::link {
+class Link;
+}
+
+namespace kalvo::shell {
+
+inline const QString kScriptFileName = QStringLiteral("beispiel.abl");
+inline const QString kScriptResultFileName = QStringLiteral("beispiel.txt");
+inline const QString kTraceFileName = QStringLiteral("test.log");
+
+// Sends one typed command and returns the answer as received. Typing exactly "wer?" makes the
+// development trace break its lines behind each record end.
+QByteArray SendTerminalCommand(link::Link &link, const QString &command);
+
+// Runs a command script: every line is sent as it stands (a comment behind ";" included);
+// comments and answers holding "Wertx=" go to `resultPath`, which is replaced only when the
+// whole run succeeds. `showLine` gets each script line as it is sent. Returns the lines run.
+int RunCommandScript(link::Link &link, const QString &scriptPath, const QString &resultPath,
+                     const std::function<void(const QString &)> &showLine = {});
+// The result file, each line followed by CR LF, for the terminal panel.
+QString ReadScriptResult(const QString &resultPath);
+
+// Steps the tester's built-in help texts on its display by remote keys.
+class HelpStepper {
+public:
+    void Begin() { m_next = 1; }
+    // Closes the text shown before (not before the first), shows text `next()`, counts on.
+    void Next(link::Link &link);
+    void Stop(link::Link &link);
+    int next() const { return m_next; }
+
+private:
+    int m_next = 1;
+};
+
+// The tester's configuration bit 4: its direct printing.
+void SetDirectPrinting(link::Link &link, bool on);
+
+// The trace as text, and as decimal character codes (" 65" for "A"; CR gives " 13 10" and a
+// line break, LF nothing).
+QString TraceAsText(const QByteArray &trace);
+QString TraceAsCodes(const QByteArray &trace);
+// Closes the trace, reads it and starts it afresh: what was read is only in the returned bytes.
+QByteArray TakeTrace(link::Link &link, const QString &tracePath);
+
+} // namespace kalvo::shell

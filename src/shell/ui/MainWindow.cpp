@@ -1,0 +1,294 @@
+// The main window IEC601: settings frame, configuration, clock and name, languages, help, service.
+#include "MainWindow.h"
+
+#include "ConfigFrame.h"
+#include "HelpWindow.h"
+#include "RemoteDisplay.h"
+#include "ServiceWindow.h"
+#include "SettingsFrame.h"
+#include "link/Errors.h"
+#include "link/PortNames.h"
+#include "link/Registers.h"
+#include "link/ServiceSession.h"
+#include "shell/ClockAndName.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace kalvo::shell::ui {
+
+namespace {
+const QString kTitle = QStringLiteral("kalvo");
+constexpr int kExitNoAnswer = 3;
+
+struct LanguageEntry {
+    const char *objectName;
+    const char *caption; // each language by its own name
+    const char *language;
+};
+const LanguageEntry kLanguageEntries[] = {
+    {"deutsch", "Deutsch", "deutsch"},          {"english", "English", "englisch"},
+    {"france", "Français", "französisch"},      {"italiano", "Italiano", "italienisch"},
+    {"nederlandske", "Nederlands", "nederlandske"}, {"spain", "Español", "spain"},
+    {"tschech", "Čeština", "tschechisch"},
+};
+} // namespace
+
+MainWindow::MainWindow(const Startup &startup, QWidget *parent)
+    : QMainWindow(parent), m_startup(startup), m_prompter(new GuiPrompter(this, kTitle))
+{
+    setObjectName(QStringLiteral("IEC601"));
+    setWindowTitle(kTitle);
+    m_device = std::make_unique<DeviceThread>(m_startup.transportFactory, *m_prompter);
+    m_device->Configure([seconds = m_startup.switches.timeoutSeconds](link::Link &link) {
+        link.setTimeout(link::FromSeconds(seconds));
+    });
+
+    auto *central = new QWidget(this);
+    auto *layout = new QVBoxLayout(central);
+    m_settings = new SettingsFrame(central);
+    m_config = new ConfigFrame(central);
+    m_display = new RemoteDisplay(central);
+    layout->addWidget(m_settings);
+    layout->addWidget(m_config);
+    layout->addWidget(m_display);
+    layout->addStretch();
+    setCentralWidget(central);
+    BuildMenus();
+
+    // Start-up: ports, settings file, language, switches; the port stays closed until OK.
+    m_settings->FillPorts(true);
+    m_settings->SelectPort(m_startup.switches.simulate ? link::kSimulatorPortName : m_startup.settings.portName);
+    SetLanguage(m_startup.settings.language.value_or(QStringLiteral("deutsch")));
+    m_deviceWidgets = {m_settings->activateButton(), m_config->storeButton()};
+    if (m_startup.switches.development) {
+        m_developmentAction->setVisible(true);
+        const QString trace = QDir::current().filePath(QStringLiteral("test.log"));
+        m_device->Configure([trace](link::Link &link) { link.StartTrace(trace); });
+    }
+    if (m_startup.switches.openConfiguration)
+        QTimer::singleShot(0, this, &MainWindow::OpenConfig);
+
+    connect(m_settings, &SettingsFrame::activateRequested, this, &MainWindow::Connect);
+    connect(m_config, &ConfigFrame::storeRequested, this, &MainWindow::StoreConfig);
+    connect(m_device.get(), &DeviceThread::busyChanged, this, &MainWindow::SetBusy);
+    connect(m_device.get(), &DeviceThread::fatal, this, &MainWindow::Fatal);
+    connect(m_device.get(), &DeviceThread::failed, this, &MainWindow::Failed);
+    connect(m_device.get(), &DeviceThread::displayBytes, m_display, &RemoteDisplay::Show);
+    resize(640, 520);
+}
+
+MainWindow::~MainWindow()
+{
+    delete m_service;
+    m_device.reset();
+}
+
+void MainWindow::BuildMenus()
+{
+    const auto action = [this](QMenu *menu, const char *name, auto slot) {
+        QAction *a = menu ? menu->addAction(QString()) : menuBar()->addAction(QString());
+        a->setObjectName(QString::fromLatin1(name));
+        connect(a, &QAction::triggered, this, slot);
+        return a;
+    };
+    m_settingsMenu = menuBar()->addMenu(QString());
+    m_settingsMenu->setObjectName(QStringLiteral("einstellungen"));
+    m_connection_ = action(m_settingsMenu, "verbindung", [this] { m_settings->show(); });
+    m_configAction = action(m_settingsMenu, "config", &MainWindow::OpenConfig);
+    m_clockAction = action(m_settingsMenu, "UhrStellen", &MainWindow::SetClock);
+    m_nameAction = action(m_settingsMenu, "Taufe", &MainWindow::NameTester);
+    m_serviceAction = action(nullptr, "service", &MainWindow::OpenService);
+
+    m_languageMenu = menuBar()->addMenu(QString());
+    m_languageMenu->setObjectName(QStringLiteral("sprache"));
+    for (const LanguageEntry &entry : kLanguageEntries) {
+        QAction *a = m_languageMenu->addAction(QString::fromUtf8(entry.caption));
+        a->setObjectName(QString::fromLatin1(entry.objectName));
+        a->setCheckable(true);
+        const QString language = QString::fromUtf8(entry.language);
+        connect(a, &QAction::triggered, this, [this, language] { SetLanguage(language); });
+        m_languageActions << a;
+    }
+    m_helpMenu = menuBar()->addMenu(QString());
+    m_helpMenu->setObjectName(QStringLiteral("hilfeMenu"));
+    m_helpContents = action(m_helpMenu, "Inhalt", &MainWindow::ShowHelp);
+    m_infoAction = action(m_helpMenu, "info", &MainWindow::ShowInfo);
+    m_developmentAction = action(nullptr, "Entw", [this] { m_developmentTerminal = m_developmentAction->isChecked(); });
+    m_developmentAction->setCheckable(true);
+    m_developmentAction->setVisible(false);
+    m_exitAction = action(nullptr, "Beenden", [] { QCoreApplication::exit(0); });
+    m_deviceActions = {m_configAction, m_clockAction, m_nameAction};
+}
+
+void MainWindow::SetLanguage(const QString &name)
+{
+    const QString path = QDir(m_startup.programDir).filePath(kLanguageFileName);
+    QString error;
+    try {
+        if (!m_texts.SetLanguageFromFile(name, path, &error) && !error.isEmpty() && !m_languageFileMissingShown) {
+            m_languageFileMissingShown = true;
+            QMessageBox::warning(this, kTitle, error + QStringLiteral("\nDie eingebauten deutschen Texte bleiben."));
+        }
+    } catch (const link::KalvoError &e) {
+        QMessageBox::critical(this, kTitle, e.message());
+    }
+    ApplyTexts();
+}
+
+void MainWindow::ApplyTexts()
+{
+    m_settingsMenu->setTitle(m_texts.text(TxtMenuSettings));
+    m_connection_->setText(m_texts.text(TxtMenuConnection));
+    m_configAction->setText(m_texts.text(TxtMenuConfig));
+    m_clockAction->setText(m_texts.text(TxtMenuClock));
+    m_nameAction->setText(m_texts.text(TxtMenuName));
+    m_serviceAction->setText(m_texts.text(TxtMenuService));
+    m_languageMenu->setTitle(m_texts.text(TxtMenuLanguage));
+    m_helpMenu->setTitle(m_texts.text(TxtMenuHelp));
+    m_helpContents->setText(m_texts.text(TxtMenuHelpContents));
+    m_infoAction->setText(m_texts.text(TxtMenuInfo));
+    m_exitAction->setText(m_texts.text(TxtMenuExit));
+    m_developmentAction->setText(m_texts.text(TxtMenuDevelopment));
+    for (qsizetype i = 0; i < m_languageActions.size(); ++i)
+        m_languageActions[i]->setChecked(QString::fromUtf8(kLanguageEntries[i].language) == m_texts.language());
+    m_settings->ApplyTexts(m_texts);
+    m_config->ApplyTexts(m_texts);
+    m_display->setTitle(m_texts.text(TxtLabelDisplay));
+    if (m_help)
+        m_help->setWindowTitle(m_texts.text(TxtHelpWindow));
+    if (m_service)
+        m_service->ApplyTexts(m_texts);
+    m_device->Configure([portNotOpen = m_texts.text(TxtPortNotOpen),
+                         protocol = m_texts.text(TxtProtocolError)](link::Link &link) {
+        link.setPortNotOpenText(portNotOpen);
+        link.setProtocolErrorText(protocol);
+    });
+}
+
+void MainWindow::SetBusy(bool busy)
+{
+    for (QAction *a : std::as_const(m_deviceActions))
+        a->setEnabled(!busy);
+    for (QWidget *w : std::as_const(m_deviceWidgets))
+        w->setEnabled(!busy);
+    if (m_service)
+        m_service->SetBusy(busy);
+    if (busy)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QApplication::restoreOverrideCursor();
+}
+
+void MainWindow::Fatal(const QString &message)
+{
+    // A tester that stops answering ends the program; the user reconnects and starts again.
+    QMessageBox::critical(this, kTitle, message);
+    QCoreApplication::exit(kExitNoAnswer);
+}
+
+void MainWindow::Failed(const QString &message) { QMessageBox::critical(this, kTitle, message); }
+
+void MainWindow::OnWindow(std::function<void()> call) { QMetaObject::invokeMethod(this, std::move(call)); }
+
+void MainWindow::PostChecked(DeviceThread::Job job)
+{
+    m_device->Post([job = std::move(job)](link::Link &link) {
+        if (!link.PortClosed())
+            job(link);
+    });
+}
+
+void MainWindow::Connect()
+{
+    const QString port = m_settings->port();
+    const bool developmentTerminal = m_developmentTerminal;
+    const link::IdentifyOptions options{m_startup.programDir, link::SystemDateOrder()};
+    m_device->Post([this, port, developmentTerminal, options](link::Link &link) {
+        const link::ConnectionState state = link::ConnectTester(link, port, developmentTerminal);
+        const link::TesterIdentity identity = link::IdentifyTester(link, options);
+        OnWindow([this, state, identity] { ShowIdentity(state, identity); });
+    });
+}
+
+void MainWindow::ShowIdentity(const link::ConnectionState &state, const link::TesterIdentity &identity)
+{
+    if (state.flagsRead)
+        m_connection = state;
+    m_identity = identity;
+    // The tester's display language becomes the program's language.
+    SetLanguage(identity.language.name);
+    m_settings->ShowIdentity(identity, m_texts);
+    const QString name = QString::fromLatin1(identity.shortDesignation);
+    setWindowTitle(name.isEmpty() ? kTitle : QStringLiteral("%1 - %2").arg(kTitle, name));
+    emit identified();
+}
+
+void MainWindow::OpenConfig()
+{
+    PostChecked([this](link::Link &link) {
+        link::RegisterTable table;
+        link::ReadRegisters(link, table);
+        OnWindow([this, table] { m_config->ShowRegisters(table); });
+    });
+}
+
+void MainWindow::StoreConfig()
+{
+    PostChecked([this](link::Link &link) { link::StoreChanges(link, *m_prompter, link::StoreCommand::Configuration); });
+}
+
+void MainWindow::SetClock()
+{
+    PostChecked([this](link::Link &link) { SetTesterClock(link, *m_prompter, QDateTime::currentDateTime()); });
+}
+
+void MainWindow::NameTester()
+{
+    m_settings->show();
+    const link::IdentifyOptions options{m_startup.programDir, link::SystemDateOrder()};
+    PostChecked([this, options, texts = m_texts](link::Link &link) {
+        const link::TesterIdentity identity = link::IdentifyTester(link, options);
+        OnWindow([this, identity] { ShowIdentity(m_connection, identity); });
+        shell::NameTester(link, *m_prompter, texts);
+    });
+}
+
+void MainWindow::OpenService()
+{
+    if (!m_service) {
+        m_service = new ServiceWindow(*m_device, *m_prompter, m_texts);
+        m_service->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_service, &ServiceWindow::terminalOpened, this, [this] {
+            m_developmentTerminal = false;
+            m_developmentAction->setChecked(false);
+        });
+        m_service->SetBusy(m_device->busy());
+    }
+    m_service->show();
+    m_service->raise();
+}
+
+void MainWindow::ShowHelp()
+{
+    if (!m_help)
+        m_help = new HelpWindow(this);
+    m_help->ShowPage(QDir(m_startup.programDir).filePath(m_texts.helpFile()), m_texts.text(TxtHelpWindow));
+}
+
+QString MainWindow::InformationText()
+{
+    return QStringLiteral("Version 7.23-10.9.2009\n\n"
+                          "Service- und Konfigurationsprogramm für Kalvomer-Prüfgeräte\n"
+                          "Fragen zum Prüfgerät beantwortet Ihr Kalvomer-Servicepartner.");
+}
+
+void MainWindow::ShowInfo() { QMessageBox::about(this, kTitle, InformationText()); }
+
+} // namespace kalvo::shell::ui

@@ -1,0 +1,46 @@
+// The tester-settings frame: the port chooser, its OK button and what identification found.
+#pragma once
+
+#include "link/Identification.h"
+
+#include <QGroupBox>
+
+class QComboBox;
+class QLabel;
+class QPushButton;
+
+namespace kalvo::shell {
+class LanguageTable;
+}
+
+namespace kalvo::shell::ui {
+
+class SettingsFrame : public QGroupBox {
+    Q_OBJECT
+public:
+    explicit SettingsFrame(QWidget *parent = nullptr);
+
+    // "COM 1" to "COM 4", the ports the system reports, and the built-in simulator.
+    void FillPorts(bool withSimulator);
+    void SelectPort(const QString &name);
+    QString port() const;
+    QPushButton *activateButton() const { return m_activate; }
+
+    void ShowIdentity(const link::TesterIdentity &identity, const LanguageTable &texts);
+    void ApplyTexts(const LanguageTable &texts);
+
+signals:
+    void activateRequested();
+
+private:
+    QComboBox *m_port;
+    QPushButton *m_activate;
+    QLabel *m_portLabel;
+    QLabel *m_captions[6];
+    QLabel *m_values[6]; // SystVer, KonfigVer, bilderver, hilfever, ablaufVer, Version
+    QLabel *m_identity;
+    QLabel *m_update;
+    bool m_updateDue = false;
+};
+
+} // namespace kalvo::shell::ui

@@ -1,0 +1,116 @@
+// Tester characters to display text, answer cutting, numbers and register bytes.
+#include "link/Errors.h"
+#include "link/Registers.h"
+#include "link/TextRules.h"
+
+#include <gtest/gtest.h>
+
+using namespace kalvo::link;
+
+namespace
+{
+
+TEST(Conversion, DisplayCharacters)
+{
+    const struct {
+        int code;
+        const char *text; // UTF-8
+    } cases[] = {
+        {'#', ""},  {'@', ""},   {123, ""},   {127, ""},    {0, ""},    {17, ""},   {31, ""},
+        {253, ""},  {254, ""},   {255, ""},   {234, "Ohm"}, {230, "µ"}, {142, "Ä"}, {153, "Ö"},
+        {154, "Ü"}, {225, "ß"},  {132, "ä"},  {148, "ö"},   {129, "ü"}, {'A', "A"}, {' ', " "},
+        {'z', "z"}, {0xC4, "─"}, {0xB3, "│"}, {0xDA, "┌"},  {160, "á"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(ConvertDisplayChar(static_cast<unsigned char>(c.code)), QString::fromUtf8(c.text))
+            << "code " << c.code;
+}
+
+TEST(Conversion, HexToBinaryKeepsTheGroupOfAnInvalidDigitFromTheLastCall)
+{
+    const struct {
+        const char *hex;
+        const char *bits;
+    } cases[] = {
+        {"D3", "1101 0011"}, {"00", "0000 0000"}, {"FF", "1111 1111"}, {"9A", "1001 1010"},
+        {"x5", "1001 0101"}, {"7a", "0111 0101"}, {"C", "1100 0101"},
+    };
+    BinaryGroups groups; // shared by the rows, in order
+    for (const auto &c : cases)
+        EXPECT_EQ(HexToBinary(c.hex, groups), QString::fromLatin1(c.bits)) << c.hex;
+}
+
+TEST(Conversion, FlagsAndHexRoundTripForEveryByte)
+{
+    for (int value = 0; value < 256; ++value) {
+        const QByteArray hex = QByteArray::number(value, 16).toUpper();
+        const Flags flags = HexToFlags(hex);
+        for (int bit = 0; bit < 8; ++bit)
+            ASSERT_EQ(flags[size_t(bit)], ((value >> bit) & 1) != 0) << hex.constData() << " bit " << bit;
+        ASSERT_EQ(FlagsToHex(flags), hex);
+    }
+    EXPECT_EQ(HexToFlags("D3"), (Flags{true, true, false, false, true, false, true, true}));
+    EXPECT_EQ(HexToFlags("0"), Flags{});
+    EXPECT_EQ(FlagsToHex(HexToFlags("FF")), QByteArray("FF"));
+    // A one-digit register value comes out of the answer with a blank in front.
+    EXPECT_EQ(HexToFlags(" 1"), (Flags{true}));
+}
+
+TEST(Conversion, FieldBetween)
+{
+    const struct {
+        const char *text, *start, *end, *field;
+    } cases[] = {
+        {"12,136:", ",", ":", "136"},     {"12,136:", ",", "", "136:"},
+        {"12,136:7,8:", ",", ":", "136"}, {"136:", ",", ":", "136"}, // no start mark: from the beginning
+        {"12,:", ",", ":", ""},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(FieldBetween(c.text, c.start, c.end), QByteArray(c.field)) << c.text << " " << c.end;
+    EXPECT_THROW(FieldBetween("12,136", ",", ":"), FormatError);
+    EXPECT_THROW(FieldBetween("1:2,3", ",", ":"), FormatError);
+}
+
+TEST(Conversion, ValueBeforeYes)
+{
+    const struct {
+        const char *answer, *value;
+    } cases[] = {
+        {"bit?0 3A.Y\r\n\x11", "3A"}, {"var?D3 1.Y", " 1"}, {"x.Y", "x"}, {".Y", ""}, {"var?D3 .N", ""},
+        {"ab.Ycd.Y", "ab"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(ValueBeforeYes(c.answer), QByteArray(c.value)) << c.answer;
+}
+
+TEST(Conversion, NumericValueReadsTheLeadingNumberWhateverTheLocale)
+{
+    const struct {
+        const char *text;
+        double value;
+    } cases[] = {
+        {"&HD3", 211}, {"&hff", 255}, {" 1.52abc", 1.52}, {"-3", -3},  {"+7", 7},
+        {"", 0},       {"x", 0},      {"12,5", 12},       {".5", 0.5}, {"&H", 0},
+    };
+    for (const auto &c : cases)
+        EXPECT_DOUBLE_EQ(NumericValue(c.text), c.value) << c.text;
+}
+
+TEST(Conversion, StripControlCharsAndSplitFields)
+{
+    EXPECT_EQ(StripControlChars("\x01"
+                                "A\r\nB\x11\x1d\x1e\x1f\xea"),
+              QByteArray("AB\x1e\x1f\xea"));
+    const struct {
+        const char *answer;
+        QList<QByteArray> fields;
+    } cases[] = {
+        {"ver?;24.12.2003;01.01.04\r\n\x11", {"ver?", "24.12.2003", "01.01.04"}},
+        {"a;;b", {"a", "", "b"}},
+        {"", {""}},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(SplitFields(c.answer), c.fields) << c.answer;
+}
+
+} // namespace

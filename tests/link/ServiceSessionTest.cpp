@@ -1,0 +1,80 @@
+// The order every change to the tester is wrapped in, and the names of the serial port.
+#include "LinkFixture.h"
+
+#include "link/PortNames.h"
+#include "link/ServiceSession.h"
+
+using namespace kalvo::link;
+
+namespace kalvo::testing
+{
+namespace
+{
+
+TEST(ServiceSession, CommandsComeInTheFixedOrderAndTheRestartEndsWithALoneEot)
+{
+    const struct {
+        const char *name;
+        StoreCommand store;
+        bool restart;
+        QByteArray storeAnswer;
+        bool stored;
+    } cases[] = {
+        {"configuration with restart", StoreCommand::Configuration, true, "cfg!pgm .Y\x11", true},
+        {"refused configuration", StoreCommand::Configuration, true, "cfg!pgm .Nx\x11", false},
+        {"calibration", StoreCommand::Calibration, false, "kal!pgm .Y\x11", true},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        ScriptedLink s;
+        s.transport.Expect("idn!99\r").Reply("idn!99 .Y\x11");
+        s.transport.Expect("kal!ein\r").Reply("kal!ein .Y\x11");
+        s.transport.Expect("var!D3 1\r").Reply("var!D3 1 .Y\x11");
+        s.transport.Expect(c.store == StoreCommand::Configuration ? "cfg!pgm\r" : "kal!pgm\r")
+            .Reply(c.storeAnswer);
+        if (c.restart) {
+            s.transport.Expect("rst!0\r").Reply("rst!0 .Y\x11");
+            s.transport.Expect("\x04"); // the tester restarts and says nothing
+        }
+        const bool stored =
+            RunServiceSession(s.link, s.prompter, c.store, c.restart, [&] { s.link.Exchange("var!D3 1"); });
+        EXPECT_EQ(stored, c.stored);
+        EXPECT_TRUE(s.transport.allExpectationsMet());
+        EXPECT_EQ(s.clock.now(), s.transport.writes().back().at); // nothing waited for after the last write
+        if (c.stored) {
+            EXPECT_TRUE(s.prompter.messages.empty());
+        } else {
+            ASSERT_EQ(s.prompter.messages.size(), 1u);
+            EXPECT_EQ(s.prompter.messages[0].text,
+                      QStringLiteral("Die Konfiguration konnten nicht gespeichert werden"));
+        }
+    }
+}
+
+TEST(PortNames, TheFourStandardNamesMapToTheSystemsFirstPortsOthersStandAsTheyAre)
+{
+    const struct {
+        const char *name, *system;
+    } cases[] = {
+#ifdef Q_OS_WIN
+        {"COM 1", "COM1"},
+        {"COM 4", "COM4"},
+        {"com 2", "COM2"},
+#else
+        {"COM 1", "/dev/ttyS0"},
+        {"COM 2", "/dev/ttyS1"},
+        {"COM 3", "/dev/ttyS2"},
+        {"COM 4", "/dev/ttyS3"},
+        {"com 2", "/dev/ttyS1"},
+#endif
+        {"COM 5", "COM 5"},
+        {"COM12", "COM12"},
+        {"/dev/ttyUSB0", "/dev/ttyUSB0"},
+        {"/dev/serial/by-id/usb-x", "/dev/serial/by-id/usb-x"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(SystemPortName(QString::fromLatin1(c.name)), QString::fromLatin1(c.system)) << c.name;
+}
+
+} // namespace
+} // namespace kalvo::testing

@@ -1,0 +1,1 @@
+// LanguageDataTest: being written

@@ -1,0 +1,1 @@
+// LanguageTableTest: being written

@@ -1,0 +1,149 @@
+// kalvo-sim as a program: its pseudo-terminal, its log, its faults and how it ends.
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace
+{
+
+QString SimProgram()
+{
+    return QDir(qEnvironmentVariable("KALVO_BIN_DIR", QStringLiteral(KALVO_BUILT_BIN_DIR)))
+        .filePath(QStringLiteral("kalvo-sim"));
+}
+
+// kalvo-sim started with a log; the client end of its terminal opened raw.
+class RunningSim
+{
+public:
+    explicit RunningSim(const QStringList &arguments)
+    {
+        m_process.start(SimProgram(), QStringList{QStringLiteral("--log"), logPath()} + arguments);
+        if (!m_process.waitForStarted(10000))
+            return;
+        while (!m_process.canReadLine() && m_process.waitForReadyRead(10000)) {
+        }
+        const QByteArray path = m_process.readLine().trimmed();
+        m_fd = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+        if (m_fd < 0)
+            return;
+        termios raw{};
+        tcgetattr(m_fd, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(m_fd, TCSANOW, &raw);
+    }
+    ~RunningSim()
+    {
+        if (m_fd >= 0)
+            ::close(m_fd);
+        if (m_process.state() != QProcess::NotRunning) {
+            m_process.kill();
+            m_process.waitForFinished(5000);
+        }
+    }
+    bool ready() const { return m_fd >= 0; }
+    void Write(const QByteArray &bytes)
+    {
+        ASSERT_EQ(::write(m_fd, bytes.constData(), bytes.size()), bytes.size());
+    }
+    // Reads until DC1, the line fails, or 5 seconds pass; a failed line adds "<lost>".
+    QByteArray ReadAnswer()
+    {
+        QByteArray answer;
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        while (!answer.endsWith('\x11') && std::chrono::steady_clock::now() < end) {
+            pollfd fd{m_fd, POLLIN, 0};
+            poll(&fd, 1, 100);
+            char buffer[256];
+            const ssize_t n = ::read(m_fd, buffer, sizeof buffer);
+            if (n > 0)
+                answer.append(buffer, n);
+            else if ((n < 0 && errno != EAGAIN) || (fd.revents & POLLHUP))
+                return answer + "<lost>";
+        }
+        return answer;
+    }
+    QStringList LoggedLines() const
+    {
+        QFile log(logPath());
+        QStringList lines;
+        if (log.open(QIODevice::ReadOnly)) {
+            for (const QByteArray &line : log.readAll().split('\n')) {
+                if (!line.isEmpty())
+                    lines << QString::fromLatin1(line.mid(line.indexOf('\t') + 1));
+            }
+        }
+        return lines;
+    }
+    QProcess &process() { return m_process; }
+
+private:
+    QString logPath() const { return m_dir.filePath(QStringLiteral("sim.log")); }
+
+    QTemporaryDir m_dir;
+    QProcess m_process;
+    int m_fd = -1;
+};
+
+} // namespace
+
+TEST(KalvoSim, AnswersOnItsTerminalLogsEveryLineAndEndsCleanlyOnSigterm)
+{
+    RunningSim sim(
+        {QStringLiteral("--baud"), QStringLiteral("0"), QStringLiteral("--name"), QStringLiteral("PTY-1")});
+    ASSERT_TRUE(sim.ready());
+    sim.Write("rst!0\r");
+    EXPECT_EQ(sim.ReadAnswer(), QByteArray("rst!0.Y\r\n\x11"));
+    sim.Write("\x04");
+    sim.Write("idn?\r");
+    EXPECT_EQ(sim.ReadAnswer(),
+              QByteArray("idn?;Kalvomer 9000;0471 1203 5567;PTY-1;Firmware V 1.52\r\n\x11"));
+    sim.process().terminate();
+    ASSERT_TRUE(sim.process().waitForFinished(5000));
+    EXPECT_EQ(sim.process().exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(sim.process().exitCode(), 0);
+    EXPECT_EQ(sim.LoggedLines(), (QStringList{"rst!0\\r", "\\x04", "idn?\\r"}));
+}
+
+TEST(KalvoSim, VanishingLineHangsUpTheTerminal)
+{
+    RunningSim sim({QStringLiteral("--fault"), QStringLiteral("vanish:dis?")});
+    ASSERT_TRUE(sim.ready());
+    sim.Write("dis?\r");
+    EXPECT_TRUE(sim.ReadAnswer().endsWith("<lost>"));
+    EXPECT_TRUE(sim.process().waitForFinished(5000));
+}
+
+TEST(KalvoSim, RejectsBadOptionsWithAReason)
+{
+    struct Case {
+        QStringList args;
+        int exitCode;
+        const char *mentions;
+    };
+    const Case cases[] = {
+        {{QStringLiteral("--fault"), QStringLiteral("explode:dis?")}, 2, "trailingjunk"},
+        {{QStringLiteral("--name"), QStringLiteral("NINE-CHAR")}, 2, "NINE-CHAR"},
+        {{QStringLiteral("--baud")}, 2, "--baud"},
+        {{QStringLiteral("--frobnicate")}, 2, "--frobnicate"},
+        {{QStringLiteral("--help")}, 0, "--fault SPEC"},
+    };
+    for (const Case &c : cases) {
+        QProcess process;
+        process.start(SimProgram(), c.args);
+        ASSERT_TRUE(process.waitForFinished(5000)) << c.args.join(' ').toStdString();
+        EXPECT_EQ(process.exitCode(), c.exitCode) << c.args.join(' ').toStdString();
+        const QString said =
+            QString::fromLocal8Bit(process.readAllStandardError() + process.readAllStandardOutput());
+        EXPECT_TRUE(said.contains(QString::fromLatin1(c.mentions))) << said.toStdString();
+    }
+}
