@@ -36,10 +36,14 @@ double CpuSeconds()
 {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
+           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
 }
 
-double WireSeconds(qsizetype bytes, int baud) { return bytes * 10.0 / baud; }
+double WireSeconds(qsizetype bytes, int baud)
+{
+    return bytes * 10.0 / baud;
+}
 
 // (a) One exchange against kalvo-sim paced at 9600 baud, over a real pty and QSerialPort.
 void ExchangeAgainstWire(const QString &simPath)
@@ -62,13 +66,15 @@ void ExchangeAgainstWire(const QString &simPath)
         for (int i = 0; i < kRounds; ++i) {
             const auto start = std::chrono::steady_clock::now();
             const QByteArray answer = link.Exchange(command);
-            const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+            const double elapsed =
+                std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
             bytes = command.size() + 1 + answer.size();
             const double ratio = elapsed / WireSeconds(bytes, 9600);
             sum += ratio;
             worst = std::max(worst, ratio);
         }
-        std::printf("exchange %-8s %3lld bytes on the wire (%.1f ms at 9600 baud): elapsed/wire mean %.3f, worst %.3f\n",
+        std::printf("exchange %-8s %3lld bytes on the wire (%.1f ms at 9600 baud): elapsed/wire mean %.3f, "
+                    "worst %.3f\n",
                     command.constData(), static_cast<long long>(bytes), WireSeconds(bytes, 9600) * 1000,
                     sum / kRounds, worst);
     }
@@ -105,8 +111,9 @@ void WaitForSilence(double seconds)
     }
     const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     const double cpu = CpuSeconds() - cpuBefore;
-    std::printf("wait for an answer that never comes: %.2f s elapsed, %.4f CPU seconds (%.3f %% of one core)\n",
-                wall, cpu, 100 * cpu / wall);
+    std::printf(
+        "wait for an answer that never comes: %.2f s elapsed, %.4f CPU seconds (%.3f %% of one core)\n", wall,
+        cpu, 100 * cpu / wall);
     close(slave);
     close(master);
 }
@@ -116,7 +123,8 @@ void WaitForSilence(double seconds)
 int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
-    const QString simPath = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("kalvo-sim"));
+    const QString simPath =
+        QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("kalvo-sim"));
     ExchangeAgainstWire(simPath);
     WaitForSilence(5.0);
     return 0;

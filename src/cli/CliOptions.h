@@ -8,7 +8,7 @@
 namespace kalvo::cli {
 
 struct CliOptions {
-    QString port;      // empty: line 0 of Q417.ini, else "COM 1"
+    QString port; // empty: line 0 of Q417.ini, else "COM 1"
     bool simulate = false;
     double timeoutSeconds = 40;
     bool yes = false;  // answer OK to every question

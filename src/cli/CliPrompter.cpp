@@ -5,7 +5,8 @@
 
 namespace kalvo::cli {
 
-CliPrompter::CliPrompter(bool yes) : m_yes(yes), m_err(stderr) {}
+CliPrompter::CliPrompter(bool yes) : m_yes(yes), m_err(stderr)
+{}
 
 void CliPrompter::message(const QString &text, Icon icon)
 {
@@ -39,9 +40,15 @@ static QString TakeFile(std::deque<QString> &files)
     return name;
 }
 
-QString CliPrompter::askOpenFile(const QString &) { return TakeFile(m_files); }
+QString CliPrompter::askOpenFile(const QString &)
+{
+    return TakeFile(m_files);
+}
 
-QString CliPrompter::askSaveFile(const QString &) { return TakeFile(m_files); }
+QString CliPrompter::askSaveFile(const QString &)
+{
+    return TakeFile(m_files);
+}
 
 void CliPrompter::progress(int percent)
 {
@@ -52,6 +59,7 @@ void CliPrompter::progress(int percent)
     }
 }
 
-void CliPrompter::busy(bool) {}
+void CliPrompter::busy(bool)
+{}
 
 } // namespace kalvo::cli

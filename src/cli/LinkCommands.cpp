@@ -28,11 +28,10 @@ int Identify(CliContext &context, const QStringList &words)
     }
     link::Link &link = context.link();
     const link::ConnectionState state = link::ConnectTester(link, context.portName());
-    const link::TesterIdentity id =
-        link::IdentifyTester(link, {updateDir, link::SystemDateOrder()});
+    const link::TesterIdentity id = link::IdentifyTester(link, {updateDir, link::SystemDateOrder()});
 
-    static const char *const kParts[link::kVersionParts] = {"system", "configuration", "pictures",
-                                                             "help", "sequences"};
+    static const char *const kParts[link::kVersionParts] = {"system", "configuration", "pictures", "help",
+                                                            "sequences"};
     QTextStream &out = context.out();
     out << "language: " << id.languageCode << ' ' << id.language.menuEntry << '\n';
     for (int part = 0; part < link::kVersionParts; ++part) {
@@ -52,9 +51,9 @@ int Identify(CliContext &context, const QStringList &words)
         anyPackageFile = anyPackageFile || date.has_value();
     out << "update: "
         << (id.updateNeeded ? QStringLiteral("due")
-                            : anyPackageFile ? QStringLiteral("not due")
-                                             : QStringLiteral("unknown (no package files in %1)")
-                                                   .arg(QDir::toNativeSeparators(updateDir)))
+            : anyPackageFile
+                ? QStringLiteral("not due")
+                : QStringLiteral("unknown (no package files in %1)").arg(QDir::toNativeSeparators(updateDir)))
         << '\n';
     return kExitDone;
 }

@@ -13,7 +13,10 @@ using namespace kalvo::cli;
 
 namespace {
 
-QList<CliCommand> AllCommands() { return LinkCommands(); }
+QList<CliCommand> AllCommands()
+{
+    return LinkCommands();
+}
 
 void PrintHelp(QTextStream &out)
 {

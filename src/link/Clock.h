@@ -39,7 +39,10 @@ private:
     Duration m_now{};
 };
 
-inline double ToSeconds(Duration d) { return std::chrono::duration<double>(d).count(); }
+inline double ToSeconds(Duration d)
+{
+    return std::chrono::duration<double>(d).count();
+}
 inline Duration FromSeconds(double s)
 {
     return std::chrono::duration_cast<Duration>(std::chrono::duration<double>(s));

@@ -4,21 +4,20 @@
 namespace kalvo::link {
 
 KalvoError::KalvoError(int number, const QString &text)
-    : std::runtime_error(QStringLiteral("%1:  %2").arg(number).arg(text).toStdString()),
-      m_number(number), m_text(text)
-{
-}
+    : std::runtime_error(QStringLiteral("%1:  %2").arg(number).arg(text).toStdString()), m_number(number),
+      m_text(text)
+{}
 
 QString KalvoError::message() const
 {
     return QStringLiteral("%1:  %2").arg(m_number).arg(m_text);
 }
 
-Timeout::Timeout() : KalvoError(kTimeoutNumber, QStringLiteral("Kein Kalvomer gefunden")) {}
+Timeout::Timeout() : KalvoError(kTimeoutNumber, QStringLiteral("Kein Kalvomer gefunden"))
+{}
 
 PortError::PortError(Kind kind, const QString &text) : KalvoError(kPortErrorNumber, text), m_kind(kind)
-{
-}
+{}
 
 static QString DescribeFormat(const QString &where, int line, const QString &expected)
 {
@@ -29,7 +28,6 @@ static QString DescribeFormat(const QString &where, int line, const QString &exp
 
 FormatError::FormatError(const QString &where, int line, const QString &expected)
     : KalvoError(kFormatErrorNumber, DescribeFormat(where, line, expected))
-{
-}
+{}
 
 } // namespace kalvo::link

@@ -17,7 +17,7 @@ class Link;
 
 // What ConnectTester reads from the tester after waking it.
 struct ConnectionState {
-    bool flagsRead = false;     // false in development-terminal mode
+    bool flagsRead = false;        // false in development-terminal mode
     bool quillbankPresent = false; // register E3: the accessory switch is offered
     bool d3Option = false;         // register D3
 };
@@ -61,7 +61,7 @@ struct TesterIdentity {
 };
 
 struct IdentifyOptions {
-    QString updateDir;                         // where the package files lie; empty: none
+    QString updateDir; // where the package files lie; empty: none
     DateOrder dateOrder = DateOrder::DayMonthYear;
 };
 

@@ -18,8 +18,7 @@ Link::Link(Transport &transport, Prompter &prompter, Clock &clock)
     : m_transport(transport), m_prompter(prompter), m_clock(clock), m_timeout(kAnswerTimeout),
       m_protocolNumber(kProtocolErrorNumber), m_protocolText(kDefaultProtocolText),
       m_portNotOpenText(kDefaultPortNotOpen)
-{
-}
+{}
 
 Link::~Link() = default;
 
@@ -36,7 +35,10 @@ void Link::ClosePort()
         m_transport.close();
 }
 
-bool Link::IsOpen() const { return m_transport.isOpen(); }
+bool Link::IsOpen() const
+{
+    return m_transport.isOpen();
+}
 
 void Link::Lost(const PortError &error)
 {
@@ -134,7 +136,10 @@ bool Link::PortClosed()
     return true;
 }
 
-void Link::Wait(double seconds) { m_clock.sleepFor(FromSeconds(seconds)); }
+void Link::Wait(double seconds)
+{
+    m_clock.sleepFor(FromSeconds(seconds));
+}
 
 void Link::WakeUp()
 {
@@ -196,7 +201,10 @@ void Link::setProtocolError(int number, const QString &text)
     m_protocolText = text;
 }
 
-void Link::setProtocolErrorText(const QString &text) { m_protocolText = text; }
+void Link::setProtocolErrorText(const QString &text)
+{
+    m_protocolText = text;
+}
 
 void Link::StartTrace(const QString &path)
 {
@@ -236,6 +244,9 @@ ProtocolErrorScope::ProtocolErrorScope(Link &link, int number, const QString &te
     link.setProtocolError(number, text);
 }
 
-ProtocolErrorScope::~ProtocolErrorScope() { m_link.setProtocolError(m_number, m_text); }
+ProtocolErrorScope::~ProtocolErrorScope()
+{
+    m_link.setProtocolError(m_number, m_text);
+}
 
 } // namespace kalvo::link

@@ -23,8 +23,8 @@ TesterLanguage LanguageForCode(int code)
 
 PackageFiles PackageFilesFor(const QString &packageCode)
 {
-    return {QStringLiteral("med.hex"), QStringLiteral("bilder.p"),
-            QStringLiteral("ab%1.p").arg(packageCode), QStringLiteral("hlf%1.p").arg(packageCode)};
+    return {QStringLiteral("med.hex"), QStringLiteral("bilder.p"), QStringLiteral("ab%1.p").arg(packageCode),
+            QStringLiteral("hlf%1.p").arg(packageCode)};
 }
 
 } // namespace kalvo::link

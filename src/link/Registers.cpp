@@ -14,9 +14,8 @@ QByteArray RegisterTable::Address(int index)
 
 QString HexToBinary(const QByteArray &hex, BinaryGroups &groups)
 {
-    static const char *const kNibbles[16] = {"0000", "0001", "0010", "0011", "0100", "0101",
-                                             "0110", "0111", "1000", "1001", "1010", "1011",
-                                             "1100", "1101", "1110", "1111"};
+    static const char *const kNibbles[16] = {"0000", "0001", "0010", "0011", "0100", "0101", "0110", "0111",
+                                             "1000", "1001", "1010", "1011", "1100", "1101", "1110", "1111"};
     for (qsizetype i = 0; i < hex.size() && i < 2; ++i) {
         const char ch = hex[i];
         int v = -1;

@@ -40,7 +40,10 @@ void SerialTransport::close()
     m_port.reset();
 }
 
-bool SerialTransport::isOpen() const { return m_port && m_port->isOpen(); }
+bool SerialTransport::isOpen() const
+{
+    return m_port && m_port->isOpen();
+}
 
 void SerialTransport::CheckLost()
 {

@@ -15,11 +15,8 @@ void OpenServiceSession(Link &link)
 bool StoreChanges(Link &link, Prompter &prompter, StoreCommand store)
 {
     switch (store) {
-    case StoreCommand::None:
-        return true;
-    case StoreCommand::Calibration:
-        link.Exchange("kal!pgm");
-        return true;
+    case StoreCommand::None: return true;
+    case StoreCommand::Calibration: link.Exchange("kal!pgm"); return true;
     case StoreCommand::Configuration:
         if (link.Exchange("cfg!pgm").contains(".Nx")) {
             prompter.message(QStringLiteral("Die Konfiguration konnten nicht gespeichert werden"),

@@ -78,7 +78,10 @@ QByteArray FieldBetween(const QByteArray &text, const QByteArray &startMark, con
     return text.mid(start, end - start);
 }
 
-qsizetype PositionOf(const QByteArray &text, const QByteArray &needle) { return text.indexOf(needle) + 1; }
+qsizetype PositionOf(const QByteArray &text, const QByteArray &needle)
+{
+    return text.indexOf(needle) + 1;
+}
 
 QByteArray ValueBeforeYes(const QByteArray &answer)
 {

@@ -15,7 +15,8 @@ TesterClock ReadTesterClock(link::Link &link)
 
 QString ClockProposal(const QDateTime &now)
 {
-    return now.toString(QStringLiteral("dd.MM.yy")) + QLatin1Char(';') + now.toString(QStringLiteral("hh:mm"));
+    return now.toString(QStringLiteral("dd.MM.yy")) + QLatin1Char(';') +
+           now.toString(QStringLiteral("hh:mm"));
 }
 
 bool SetTesterClock(link::Link &link, link::Prompter &prompter, const QDateTime &now)
@@ -48,8 +49,8 @@ NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const La
 
 NamingResult NameTester(link::Link &link, link::Prompter &prompter, const LanguageTable &texts)
 {
-    const QString prompt = texts.text(TxtNamePrompt) + QStringLiteral("\n\n(") + texts.text(TxtNameLimit) +
-                           QLatin1Char(')');
+    const QString prompt =
+        texts.text(TxtNamePrompt) + QStringLiteral("\n\n(") + texts.text(TxtNameLimit) + QLatin1Char(')');
     const auto name = prompter.askText(texts.text(TxtMenuName), prompt, QString());
     if (!name)
         return NamingResult::Cancelled;

@@ -83,8 +83,9 @@ bool LanguageTable::SetLanguage(const QString &name, const LanguageGrid &grid)
     if (!column)
         return false;
     if (grid.size() > kEntries)
-        throw link::FormatError(kLanguageFileName, kEntries + 1,
-                                QStringLiteral("höchstens %1 Zeilen, gefunden %2").arg(kEntries).arg(grid.size()));
+        throw link::FormatError(
+            kLanguageFileName, kEntries + 1,
+            QStringLiteral("höchstens %1 Zeilen, gefunden %2").arg(kEntries).arg(grid.size()));
     std::array<QString, kEntries> texts;
     for (qsizetype row = 0; row < grid.size(); ++row)
         if (column->column < grid[row].size())

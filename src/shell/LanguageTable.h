@@ -20,9 +20,9 @@ LanguageGrid ReadLanguageGrid(const QByteArray &bytes);
 QString DecodeLanguageCell(const QByteArray &cell);
 
 struct LanguageColumn {
-    QString name;     // as the language switch takes it: "deutsch", "englisch", ...
-    int column;       // its column in the grid
-    QString helpFile; // the help file of the language, in the program folder
+    QString name;      // as the language switch takes it: "deutsch", "englisch", ...
+    int column;        // its column in the grid
+    QString helpFile;  // the help file of the language, in the program folder
     QString menuEntry; // the language menu entry that chooses it
 };
 // In the order the switch compares them: deutsch, englisch, französisch, italienisch,

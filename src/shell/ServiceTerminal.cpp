@@ -22,10 +22,12 @@ int RunCommandScript(link::Link &link, const QString &scriptPath, const QString 
 {
     QFile script(scriptPath);
     if (!script.open(QIODevice::ReadOnly))
-        throw link::FormatError(scriptPath, 0, QStringLiteral("eine lesbare Ablaufdatei (%1)").arg(script.errorString()));
+        throw link::FormatError(scriptPath, 0,
+                                QStringLiteral("eine lesbare Ablaufdatei (%1)").arg(script.errorString()));
     QSaveFile result(resultPath);
     if (!result.open(QIODevice::WriteOnly))
-        throw link::FormatError(resultPath, 0, QStringLiteral("eine schreibbare Datei (%1)").arg(result.errorString()));
+        throw link::FormatError(resultPath, 0,
+                                QStringLiteral("eine schreibbare Datei (%1)").arg(result.errorString()));
 
     int count = 0;
     while (!script.atEnd()) {
@@ -43,7 +45,8 @@ int RunCommandScript(link::Link &link, const QString &scriptPath, const QString 
         ++count;
     }
     if (!result.commit())
-        throw link::FormatError(resultPath, 0, QStringLiteral("eine schreibbare Datei (%1)").arg(result.errorString()));
+        throw link::FormatError(resultPath, 0,
+                                QStringLiteral("eine schreibbare Datei (%1)").arg(result.errorString()));
     return count;
 }
 
@@ -51,7 +54,8 @@ QString ReadScriptResult(const QString &resultPath)
 {
     QFile file(resultPath);
     if (!file.open(QIODevice::ReadOnly))
-        throw link::FormatError(resultPath, 0, QStringLiteral("eine lesbare Datei (%1)").arg(file.errorString()));
+        throw link::FormatError(resultPath, 0,
+                                QStringLiteral("eine lesbare Datei (%1)").arg(file.errorString()));
     QString text;
     while (!file.atEnd()) {
         QByteArray line = file.readLine();
@@ -71,11 +75,20 @@ void HelpStepper::Next(link::Link &link)
     ++m_next;
 }
 
-void HelpStepper::Stop(link::Link &link) { link.Exchange("sst!0"); }
+void HelpStepper::Stop(link::Link &link)
+{
+    link.Exchange("sst!0");
+}
 
-void SetDirectPrinting(link::Link &link, bool on) { link.Exchange(on ? "bit!04 1" : "bit!04 0"); }
+void SetDirectPrinting(link::Link &link, bool on)
+{
+    link.Exchange(on ? "bit!04 1" : "bit!04 0");
+}
 
-QString TraceAsText(const QByteArray &trace) { return link::DecodeTesterText(trace); }
+QString TraceAsText(const QByteArray &trace)
+{
+    return link::DecodeTesterText(trace);
+}
 
 QString TraceAsCodes(const QByteArray &trace)
 {

@@ -7,9 +7,11 @@ const std::array<TextDefault, 60> &TextDefaults()
 {
     static const std::array<TextDefault, 60> kDefaults = {{
         {TxtPortNotOpen, "port not open",
-         "Die Schnittstelle ist nicht geöffnet. Bitte unter Einstellungen die Schnittstelle wählen und mit OK "
+         "Die Schnittstelle ist nicht geöffnet. Bitte unter Einstellungen die Schnittstelle wählen und mit "
+         "OK "
          "verbinden."},
-        {TxtProtocolError, "protocol error", "Der Kalvomer hat den Befehl nicht angenommen (Protokollfehler)."},
+        {TxtProtocolError, "protocol error",
+         "Der Kalvomer hat den Befehl nicht angenommen (Protokollfehler)."},
         {TxtNamePrompt, "naming prompt", "Bitte den neuen Namen des Kalvomer eingeben:"},
         {TxtNameLimit, "naming limit", "höchstens 8 Zeichen"},
         {TxtNameTooLong, "name too long", "Der Name ist zu lang: erlaubt sind höchstens 8 Zeichen."},

@@ -1,4 +1,5 @@
-// kalvo-cli against kalvo-sim over a real pseudo-terminal: what it prints and the bytes that reach the tester.
+// kalvo-cli against kalvo-sim over a real pseudo-terminal: what it prints and the bytes that reach the
+// tester.
 #include "SimProcess.h"
 
 #include <QTemporaryDir>
@@ -77,8 +78,8 @@ TEST(CliEndToEnd, IdentifyWakesConnectsAndIdentifiesInOrder)
     EXPECT_TRUE(run.out.contains(QStringLiteral("d3: on"))) << run.out.toStdString();
 
     const QList<ReceivedLine> lines = sim.ReceivedLines();
-    const QStringList expected = {"\\r", "\\r", "\\x04\\r", "\\x07\\r", "mes!0\\r", "kal!aus\\r",
-                                  "var?E3\\r", "var?D3\\r", "dis?\\r", "ver?\\r", "idn?\\r"};
+    const QStringList expected = {"\\r",       "\\r",       "\\x04\\r", "\\x07\\r", "mes!0\\r", "kal!aus\\r",
+                                  "var?E3\\r", "var?D3\\r", "dis?\\r",  "ver?\\r",  "idn?\\r"};
     EXPECT_EQ(Escaped(lines), expected);
     ASSERT_GE(lines.size(), 4);
     // The wake-up bytes go out 0.1 s apart.
@@ -106,8 +107,9 @@ TEST(CliEndToEnd, RefusalIsReportedWithItsNumberAndFailsTheRun)
 {
     SimProcess sim;
     ASSERT_TRUE(sim.started());
-    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
-                                     {QStringLiteral("--port"), sim.pty(), QStringLiteral("send"), QStringLiteral("xyz?")});
+    const RunResult run =
+        RunProgram(QStringLiteral("kalvo-cli"),
+                   {QStringLiteral("--port"), sim.pty(), QStringLiteral("send"), QStringLiteral("xyz?")});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_TRUE(run.err.contains(QStringLiteral("31995:  "))) << run.err.toStdString();
     EXPECT_TRUE(run.out.contains(QStringLiteral("Protokoll"))) << run.out.toStdString();
@@ -118,8 +120,8 @@ TEST(CliEndToEnd, SilentPortEndsWithTheTimeoutMessageAndExitThree)
     SilentPty pty;
     ASSERT_FALSE(pty.path().isEmpty());
     const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
-                                     {QStringLiteral("--timeout"), QStringLiteral("1"), QStringLiteral("--port"),
-                                      pty.path(), QStringLiteral("identify")});
+                                     {QStringLiteral("--timeout"), QStringLiteral("1"),
+                                      QStringLiteral("--port"), pty.path(), QStringLiteral("identify")});
     EXPECT_EQ(run.exitCode, 3);
     EXPECT_EQ(run.err.trimmed(), QStringLiteral("3:  Kein Kalvomer gefunden"));
     EXPECT_EQ(pty.Drain(), QByteArray("\r\r\x04\r\x07\r"));
@@ -135,11 +137,13 @@ TEST(CliEndToEnd, UsageErrorsAndMissingPortsHaveTheirExitCodes)
         {{QStringLiteral("frobnicate")}, 2},
         {{QStringLiteral("--timeout"), QStringLiteral("x"), QStringLiteral("identify")}, 2},
         {{QStringLiteral("send")}, 2},
-        {{QStringLiteral("--port"), QStringLiteral("/dev/kalvo-no-such-port"), QStringLiteral("identify")}, 1},
+        {{QStringLiteral("--port"), QStringLiteral("/dev/kalvo-no-such-port"), QStringLiteral("identify")},
+         1},
     };
     for (const Case &c : cases) {
         const RunResult run = RunProgram(QStringLiteral("kalvo-cli"), c.args);
-        EXPECT_EQ(run.exitCode, c.exitCode) << c.args.join(' ').toStdString() << ": " << run.err.toStdString();
+        EXPECT_EQ(run.exitCode, c.exitCode)
+            << c.args.join(' ').toStdString() << ": " << run.err.toStdString();
         EXPECT_FALSE(run.err.isEmpty());
     }
 }
@@ -149,15 +153,16 @@ TEST(CliEndToEnd, VanishedLineEndsWithExitThree)
     SimProcess sim({QStringLiteral("--fault"), QStringLiteral("vanish:var?E3")});
     ASSERT_TRUE(sim.started());
     const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
-                                     {QStringLiteral("--timeout"), QStringLiteral("3"), QStringLiteral("--port"),
-                                      sim.pty(), QStringLiteral("identify")});
+                                     {QStringLiteral("--timeout"), QStringLiteral("3"),
+                                      QStringLiteral("--port"), sim.pty(), QStringLiteral("identify")});
     EXPECT_EQ(run.exitCode, 3) << run.err.toStdString();
     EXPECT_FALSE(run.err.isEmpty());
 }
 
 TEST(CliEndToEnd, SimulatedTesterIdentifiesWithoutAnyPort)
 {
-    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("--simulate"), QStringLiteral("identify")});
+    const RunResult run =
+        RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("--simulate"), QStringLiteral("identify")});
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     EXPECT_TRUE(run.out.contains(QStringLiteral("firmware: 1.52")));
 }
@@ -171,8 +176,8 @@ TEST(CliEndToEnd, PortComesFromTheSettingsFileOfTheCurrentDirectory)
     ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
     ini.write(sim.pty().toLocal8Bit() + ";port of the bench tester\r\n1\r\ndeutsch\r\n");
     ini.close();
-    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("send"), QStringLiteral("dis?")},
-                                     60, dir.path());
+    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
+                                     {QStringLiteral("send"), QStringLiteral("dis?")}, 60, dir.path());
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     EXPECT_TRUE(run.out.startsWith(QStringLiteral("dis? 00.Y"))) << run.out.toStdString();
 }

@@ -50,7 +50,8 @@ QList<ReceivedLine> SimProcess::ReceivedLines() const
     return lines;
 }
 
-RunResult RunProgram(const QString &name, const QStringList &arguments, int seconds, const QString &workingDir)
+RunResult RunProgram(const QString &name, const QStringList &arguments, int seconds,
+                     const QString &workingDir)
 {
     QProcess process;
     if (!workingDir.isEmpty())

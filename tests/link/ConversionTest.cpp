@@ -7,8 +7,7 @@
 
 using namespace kalvo::link;
 
-namespace
-{
+namespace {
 
 TEST(Conversion, DisplayCharacters)
 {

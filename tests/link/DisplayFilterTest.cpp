@@ -5,8 +5,7 @@
 
 using namespace kalvo::link;
 
-namespace
-{
+namespace {
 
 TEST(DisplayFilter, MarkersCutsCharacterClassesAndClears)
 {

@@ -7,10 +7,8 @@
 using namespace std::chrono_literals;
 using namespace kalvo::link;
 
-namespace kalvo::testing
-{
-namespace
-{
+namespace kalvo::testing {
+namespace {
 
 using Framing = LinkFixture;
 

@@ -10,10 +10,8 @@
 
 using namespace kalvo::link;
 
-namespace kalvo::testing
-{
-namespace
-{
+namespace kalvo::testing {
+namespace {
 
 const QByteArray kVersion = "ver?;15.06.2020;15.06.2020;15.06.2020;15.06.2020;15.06.2020\r\n\x11";
 const QByteArray kIdentity = "idn?;Kalvomer 701;4711;BENCH001; V 1.52\r\n\x11";

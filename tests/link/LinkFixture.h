@@ -7,8 +7,7 @@
 
 #include <gtest/gtest.h>
 
-namespace kalvo::testing
-{
+namespace kalvo::testing {
 
 // One scripted tester at the end of one link; a fresh one per table row where rows must not meet.
 struct ScriptedLink {
@@ -18,8 +17,6 @@ struct ScriptedLink {
     link::Link link{transport, prompter, clock};
 };
 
-class LinkFixture : public ::testing::Test, protected ScriptedLink
-{
-};
+class LinkFixture : public ::testing::Test, protected ScriptedLink {};
 
 } // namespace kalvo::testing

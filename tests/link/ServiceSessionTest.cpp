@@ -6,10 +6,8 @@
 
 using namespace kalvo::link;
 
-namespace kalvo::testing
-{
-namespace
-{
+namespace kalvo::testing {
+namespace {
 
 TEST(ServiceSession, CommandsComeInTheFixedOrderAndTheRestartEndsWithALoneEot)
 {

@@ -10,10 +10,8 @@
 using namespace std::chrono_literals;
 using namespace kalvo::link;
 
-namespace kalvo::testing
-{
-namespace
-{
+namespace kalvo::testing {
+namespace {
 
 TEST(WakeUp, PassesRepeatUntilThePromptStandsEarlyOrIsMissing)
 {

@@ -19,8 +19,7 @@ using namespace kalvo;
 using namespace std::chrono_literals;
 using link::Duration;
 
-namespace
-{
+namespace {
 
 struct Bench {
     explicit Bench(int baud = 0) { tester.setBaud(baud); }

@@ -12,8 +12,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-namespace
-{
+namespace {
 
 QString SimProgram()
 {
@@ -22,8 +21,7 @@ QString SimProgram()
 }
 
 // kalvo-sim started with a log; the client end of its terminal opened raw.
-class RunningSim
-{
+class RunningSim {
 public:
     explicit RunningSim(const QStringList &arguments)
     {
@@ -135,7 +133,7 @@ TEST(KalvoSim, RejectsBadOptionsWithAReason)
         {{QStringLiteral("--name"), QStringLiteral("NINE-CHAR")}, 2, "NINE-CHAR"},
         {{QStringLiteral("--baud")}, 2, "--baud"},
         {{QStringLiteral("--frobnicate")}, 2, "--frobnicate"},
-        {{QStringLiteral("--help")}, 0, "--fault SPEC"},
+        {{QStringLiteral("--help")}, 0, "--fault FAULT"},
     };
     for (const Case &c : cases) {
         QProcess process;

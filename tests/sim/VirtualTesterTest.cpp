@@ -14,8 +14,7 @@ using sim::FaultKind;
 using sim::FaultPlan;
 using sim::VirtualTester;
 
-namespace
-{
+namespace {
 
 // One line in, everything it produced out (unpaced, so all of it is there at once).
 QByteArray Ask(VirtualTester &tester, link::ManualClock &clock, const QByteArray &line)
@@ -147,7 +146,7 @@ TEST(VirtualTester, FaultsSpoilTheAnswerButOnlyRefusalsKeepTheLineFromBeingCarri
 {
     const QByteArray normal = Answer("var!D3 0.Y");
     struct Case {
-        const char *spec;
+        const char *kind;
         std::function<bool(const QByteArray &)> answerOk;
         bool carriedOut;
     };
@@ -168,12 +167,12 @@ TEST(VirtualTester, FaultsSpoilTheAnswerButOnlyRefusalsKeepTheLineFromBeingCarri
     for (const Case &c : cases) {
         link::ManualClock clock;
         VirtualTester tester(clock);
-        ASSERT_TRUE(tester.faults().add(QString::fromLatin1(c.spec) + ":var!"));
+        ASSERT_TRUE(tester.faults().add(QString::fromLatin1(c.kind) + ":var!"));
         const QByteArray answer = Ask(tester, clock, "var!D3 0");
-        EXPECT_TRUE(c.answerOk(answer)) << c.spec << ": " << link::EscapeBytes(answer).toStdString();
-        EXPECT_EQ(tester.model().working().Register(0xD3), c.carriedOut ? 0 : 1) << c.spec;
+        EXPECT_TRUE(c.answerOk(answer)) << c.kind << ": " << link::EscapeBytes(answer).toStdString();
+        EXPECT_EQ(tester.model().working().Register(0xD3), c.carriedOut ? 0 : 1) << c.kind;
         // The next line is answered normally again: the fault was for "var!" only.
-        EXPECT_EQ(Ask(tester, clock, "dis?"), Answer("dis? 00.Y")) << c.spec;
+        EXPECT_EQ(Ask(tester, clock, "dis?"), Answer("dis? 00.Y")) << c.kind;
     }
 }
 
@@ -203,7 +202,7 @@ TEST(VirtualTester, VanishedLineTakesNothingMore)
 TEST(FaultPlan, HitsTheMatchingExchangesForItsCount)
 {
     struct Case {
-        const char *spec;
+        const char *fault;
         std::vector<QByteArray> lines;
         std::vector<bool> hit;
     };
@@ -215,14 +214,14 @@ TEST(FaultPlan, HitsTheMatchingExchangesForItsCount)
     };
     for (const Case &c : cases) {
         FaultPlan plan;
-        ASSERT_TRUE(plan.add(QString::fromLatin1(c.spec)));
+        ASSERT_TRUE(plan.add(QString::fromLatin1(c.fault)));
         for (size_t i = 0; i < c.lines.size(); ++i)
             EXPECT_EQ(plan.Take(c.lines[i], static_cast<int>(i) + 1).has_value(), c.hit[i])
-                << c.spec << " line " << i + 1;
+                << c.fault << " line " << i + 1;
     }
 }
 
-TEST(FaultPlan, ParsesTheSpecificationTextAndExplainsMistakes)
+TEST(FaultPlan, ParsesFaultTextAndExplainsMistakes)
 {
     struct Good {
         const char *text;

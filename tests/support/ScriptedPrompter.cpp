@@ -51,8 +51,14 @@ QString ScriptedPrompter::askSaveFile(const QString &filter)
     return NextFile(fileAnswers);
 }
 
-void ScriptedPrompter::progress(int percent) { progressValues.push_back(percent); }
+void ScriptedPrompter::progress(int percent)
+{
+    progressValues.push_back(percent);
+}
 
-void ScriptedPrompter::busy(bool on) { busyDepth += on ? 1 : -1; }
+void ScriptedPrompter::busy(bool on)
+{
+    busyDepth += on ? 1 : -1;
+}
 
 } // namespace kalvo::testing

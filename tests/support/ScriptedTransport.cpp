@@ -4,8 +4,7 @@
 #include "link/Errors.h"
 #include "link/TextRules.h"
 
-namespace kalvo::testing
-{
+namespace kalvo::testing {
 
 using link::Duration;
 
@@ -38,8 +37,7 @@ ScriptedTransport::Step &ScriptedTransport::Step::Vanish(Duration after)
 }
 
 ScriptedTransport::ScriptedTransport(link::ManualClock &clock) : m_clock(clock)
-{
-}
+{}
 
 ScriptedTransport::Step &ScriptedTransport::Expect(const QByteArray &bytes)
 {

@@ -12,8 +12,7 @@
 #include <optional>
 #include <vector>
 
-namespace kalvo::testing
-{
+namespace kalvo::testing {
 
 // Each step says which bytes the link must write next and what arrives after that write:
 //
@@ -22,11 +21,9 @@ namespace kalvo::testing
 // Delays are measured from the write on the manual clock, so a 40-second time-out passes in no
 // real time. A step without a reply is a silent tester. A write that differs from the script
 // fails the running test and shows both sides escaped.
-class ScriptedTransport final : public link::Transport
-{
+class ScriptedTransport final : public link::Transport {
 public:
-    class Step
-    {
+    class Step {
     public:
         // One burst of bytes, arriving `after` the write.
         Step &Reply(const QByteArray &bytes, link::Duration after = {});

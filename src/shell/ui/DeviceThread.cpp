@@ -21,7 +21,8 @@ DeviceThread::DeviceThread(TransportFactory factory, link::Prompter &prompter, Q
 
 DeviceThread::~DeviceThread()
 {
-    QMetaObject::invokeMethod(m_worker, [w = m_worker] { w->Stop(); }, Qt::BlockingQueuedConnection);
+    QMetaObject::invokeMethod(
+        m_worker, [w = m_worker] { w->Stop(); }, Qt::BlockingQueuedConnection);
     m_thread.quit();
     m_thread.wait();
 }
@@ -43,7 +44,8 @@ void DeviceThread::Configure(Job job)
 
 void DeviceThread::RunAndWait(const Job &job)
 {
-    QMetaObject::invokeMethod(m_worker, [w = m_worker, &job] { w->Run(job); }, Qt::BlockingQueuedConnection);
+    QMetaObject::invokeMethod(
+        m_worker, [w = m_worker, &job] { w->Run(job); }, Qt::BlockingQueuedConnection);
 }
 
 void DeviceThread::Finished()

@@ -14,8 +14,7 @@ constexpr int kDisplayPollMs = 50;
 
 DeviceWorker::DeviceWorker(DeviceThread::TransportFactory factory, link::Prompter &prompter)
     : m_factory(std::move(factory)), m_prompter(prompter)
-{
-}
+{}
 
 DeviceWorker::~DeviceWorker() = default;
 

@@ -9,7 +9,8 @@
 
 namespace kalvo::shell::ui {
 
-GuiPrompter::GuiPrompter(QWidget *window, const QString &title) : m_window(window), m_title(title) {}
+GuiPrompter::GuiPrompter(QWidget *window, const QString &title) : m_window(window), m_title(title)
+{}
 
 template <typename F> auto GuiPrompter::OnWindowThread(F call) -> decltype(call())
 {
@@ -20,7 +21,8 @@ template <typename F> auto GuiPrompter::OnWindowThread(F call) -> decltype(call(
         QMetaObject::invokeMethod(this, call, Qt::BlockingQueuedConnection);
     } else {
         Result result{};
-        QMetaObject::invokeMethod(this, [&] { result = call(); }, Qt::BlockingQueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [&] { result = call(); }, Qt::BlockingQueuedConnection);
         return result;
     }
 }
@@ -90,8 +92,12 @@ QString GuiPrompter::askSaveFile(const QString &filter)
         [&] { return QFileDialog::getSaveFileName(m_window, m_title, m_directory, QtFileFilter(filter)); });
 }
 
-void GuiPrompter::progress(int percent) { emit progressChanged(percent); }
+void GuiPrompter::progress(int percent)
+{
+    emit progressChanged(percent);
+}
 
-void GuiPrompter::busy(bool) {}
+void GuiPrompter::busy(bool)
+{}
 
 } // namespace kalvo::shell::ui

@@ -32,6 +32,9 @@ void HelpWindow::ShowPage(const QString &path, const QString &title)
     raise();
 }
 
-QString HelpWindow::html() const { return m_browser->toHtml(); }
+QString HelpWindow::html() const
+{
+    return m_browser->toHtml();
+}
 
 } // namespace kalvo::shell::ui

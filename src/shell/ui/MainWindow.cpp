@@ -33,9 +33,12 @@ struct LanguageEntry {
     const char *language;
 };
 const LanguageEntry kLanguageEntries[] = {
-    {"deutsch", "Deutsch", "deutsch"},          {"english", "English", "englisch"},
-    {"france", "Français", "französisch"},      {"italiano", "Italiano", "italienisch"},
-    {"nederlandske", "Nederlands", "nederlandske"}, {"spain", "Español", "spain"},
+    {"deutsch", "Deutsch", "deutsch"},
+    {"english", "English", "englisch"},
+    {"france", "Français", "französisch"},
+    {"italiano", "Italiano", "italienisch"},
+    {"nederlandske", "Nederlands", "nederlandske"},
+    {"spain", "Español", "spain"},
     {"tschech", "Čeština", "tschechisch"},
 };
 } // namespace
@@ -64,7 +67,8 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
 
     // Start-up: ports, settings file, language, switches; the port stays closed until OK.
     m_settings->FillPorts(true);
-    m_settings->SelectPort(m_startup.switches.simulate ? link::kSimulatorPortName : m_startup.settings.portName);
+    m_settings->SelectPort(m_startup.switches.simulate ? link::kSimulatorPortName
+                                                       : m_startup.settings.portName);
     SetLanguage(m_startup.settings.language.value_or(QStringLiteral("deutsch")));
     m_deviceWidgets = {m_settings->activateButton(), m_config->storeButton()};
     if (m_startup.switches.development) {
@@ -120,7 +124,8 @@ void MainWindow::BuildMenus()
     m_helpMenu->setObjectName(QStringLiteral("hilfeMenu"));
     m_helpContents = action(m_helpMenu, "Inhalt", &MainWindow::ShowHelp);
     m_infoAction = action(m_helpMenu, "info", &MainWindow::ShowInfo);
-    m_developmentAction = action(nullptr, "Entw", [this] { m_developmentTerminal = m_developmentAction->isChecked(); });
+    m_developmentAction =
+        action(nullptr, "Entw", [this] { m_developmentTerminal = m_developmentAction->isChecked(); });
     m_developmentAction->setCheckable(true);
     m_developmentAction->setVisible(false);
     m_exitAction = action(nullptr, "Beenden", [] { QCoreApplication::exit(0); });
@@ -132,9 +137,11 @@ void MainWindow::SetLanguage(const QString &name)
     const QString path = QDir(m_startup.programDir).filePath(kLanguageFileName);
     QString error;
     try {
-        if (!m_texts.SetLanguageFromFile(name, path, &error) && !error.isEmpty() && !m_languageFileMissingShown) {
+        if (!m_texts.SetLanguageFromFile(name, path, &error) && !error.isEmpty() &&
+            !m_languageFileMissingShown) {
             m_languageFileMissingShown = true;
-            QMessageBox::warning(this, kTitle, error + QStringLiteral("\nDie eingebauten deutschen Texte bleiben."));
+            QMessageBox::warning(this, kTitle,
+                                 error + QStringLiteral("\nDie eingebauten deutschen Texte bleiben."));
         }
     } catch (const link::KalvoError &e) {
         QMessageBox::critical(this, kTitle, e.message());
@@ -157,7 +164,8 @@ void MainWindow::ApplyTexts()
     m_exitAction->setText(m_texts.text(TxtMenuExit));
     m_developmentAction->setText(m_texts.text(TxtMenuDevelopment));
     for (qsizetype i = 0; i < m_languageActions.size(); ++i)
-        m_languageActions[i]->setChecked(QString::fromUtf8(kLanguageEntries[i].language) == m_texts.language());
+        m_languageActions[i]->setChecked(QString::fromUtf8(kLanguageEntries[i].language) ==
+                                         m_texts.language());
     m_settings->ApplyTexts(m_texts);
     m_config->ApplyTexts(m_texts);
     m_display->setTitle(m_texts.text(TxtLabelDisplay));
@@ -193,9 +201,15 @@ void MainWindow::Fatal(const QString &message)
     QCoreApplication::exit(kExitNoAnswer);
 }
 
-void MainWindow::Failed(const QString &message) { QMessageBox::critical(this, kTitle, message); }
+void MainWindow::Failed(const QString &message)
+{
+    QMessageBox::critical(this, kTitle, message);
+}
 
-void MainWindow::OnWindow(std::function<void()> call) { QMetaObject::invokeMethod(this, std::move(call)); }
+void MainWindow::OnWindow(std::function<void()> call)
+{
+    QMetaObject::invokeMethod(this, std::move(call));
+}
 
 void MainWindow::PostChecked(DeviceThread::Job job)
 {
@@ -241,12 +255,15 @@ void MainWindow::OpenConfig()
 
 void MainWindow::StoreConfig()
 {
-    PostChecked([this](link::Link &link) { link::StoreChanges(link, *m_prompter, link::StoreCommand::Configuration); });
+    PostChecked([this](link::Link &link) {
+        link::StoreChanges(link, *m_prompter, link::StoreCommand::Configuration);
+    });
 }
 
 void MainWindow::SetClock()
 {
-    PostChecked([this](link::Link &link) { SetTesterClock(link, *m_prompter, QDateTime::currentDateTime()); });
+    PostChecked(
+        [this](link::Link &link) { SetTesterClock(link, *m_prompter, QDateTime::currentDateTime()); });
 }
 
 void MainWindow::NameTester()
@@ -289,6 +306,9 @@ QString MainWindow::InformationText()
                           "Fragen zum Prüfgerät beantwortet Ihr Kalvomer-Servicepartner.");
 }
 
-void MainWindow::ShowInfo() { QMessageBox::about(this, kTitle, InformationText()); }
+void MainWindow::ShowInfo()
+{
+    QMessageBox::about(this, kTitle, InformationText());
+}
 
 } // namespace kalvo::shell::ui

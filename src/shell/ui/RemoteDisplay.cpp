@@ -37,6 +37,9 @@ void RemoteDisplay::Show(const QByteArray &bytes)
     m_text->insertPlainText(text);
 }
 
-QString RemoteDisplay::text() const { return m_text->toPlainText(); }
+QString RemoteDisplay::text() const
+{
+    return m_text->toPlainText();
+}
 
 } // namespace kalvo::shell::ui

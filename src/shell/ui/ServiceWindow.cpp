@@ -136,7 +136,10 @@ void ServiceWindow::SetBusy(bool busy)
         w->setEnabled(!busy);
 }
 
-QString ServiceWindow::FilePath(const QString &name) const { return QDir(m_dir).filePath(name); }
+QString ServiceWindow::FilePath(const QString &name) const
+{
+    return QDir(m_dir).filePath(name);
+}
 
 void ServiceWindow::SendCommandLine()
 {
@@ -205,7 +208,8 @@ void ServiceWindow::NextHelpText()
 {
     m_device.Post([this](link::Link &link) {
         m_helpStepper.Next(link);
-        QMetaObject::invokeMethod(this, [this, next = m_helpStepper.next()] { m_ahnr->setText(QString::number(next)); });
+        QMetaObject::invokeMethod(
+            this, [this, next = m_helpStepper.next()] { m_ahnr->setText(QString::number(next)); });
     });
 }
 

@@ -15,8 +15,8 @@ namespace kalvo::shell::ui {
 
 namespace {
 const char *const kValueNames[6] = {"SystVer", "KonfigVer", "bilderver", "hilfever", "ablaufVer", "Version"};
-const TextId kCaptionTexts[6] = {TxtLabelSystem,   TxtLabelConfiguration, TxtLabelPictures,
-                                 TxtLabelHelp,     TxtLabelSequences,     TxtLabelVersion};
+const TextId kCaptionTexts[6] = {TxtLabelSystem, TxtLabelConfiguration, TxtLabelPictures,
+                                 TxtLabelHelp,   TxtLabelSequences,     TxtLabelVersion};
 } // namespace
 
 SettingsFrame::SettingsFrame(QWidget *parent) : QGroupBox(parent)
@@ -77,7 +77,10 @@ void SettingsFrame::SelectPort(const QString &name)
         m_port->setEditText(name);
 }
 
-QString SettingsFrame::port() const { return m_port->currentText().trimmed(); }
+QString SettingsFrame::port() const
+{
+    return m_port->currentText().trimmed();
+}
 
 void SettingsFrame::ShowIdentity(const link::TesterIdentity &id, const LanguageTable &texts)
 {

@@ -1,0 +1,210 @@
+// Serves the virtual tester on a pseudo-terminal, so that real serial-port code can talk to it.
+#include "PtyHost.h"
+
+#include "DisplayFrame.h"
+#include "link/TextRules.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace kalvo::sim {
+
+namespace {
+// Upper bound of one poll, so that a signal that slips in just before poll() is seen soon.
+constexpr int kLongestPollMs = 250;
+
+QString SystemError(const char *what)
+{
+    return QStringLiteral("%1: %2").arg(QLatin1String(what), QString::fromLocal8Bit(std::strerror(errno)));
+}
+
+int CeilMs(link::Duration d)
+{
+    if (d <= link::Duration::zero())
+        return 0;
+    return static_cast<int>(
+        std::min<long long>(std::chrono::ceil<std::chrono::milliseconds>(d).count(), kLongestPollMs));
+}
+} // namespace
+
+PtyHost::PtyHost(VirtualTester &tester) : m_tester(tester), m_clock(tester.clock())
+{}
+
+PtyHost::~PtyHost()
+{
+    CloseTerminal();
+    if (m_log)
+        std::fclose(m_log);
+}
+
+bool PtyHost::Open(QString *error)
+{
+    m_master = posix_openpt(O_RDWR | O_NOCTTY);
+    if (m_master < 0) {
+        *error = SystemError("posix_openpt");
+        return false;
+    }
+    if (grantpt(m_master) != 0 || unlockpt(m_master) != 0) {
+        *error = SystemError("grantpt/unlockpt");
+        return false;
+    }
+    char name[256];
+    if (ptsname_r(m_master, name, sizeof name) != 0) {
+        *error = SystemError("ptsname");
+        return false;
+    }
+    m_slavePath = QString::fromLocal8Bit(name);
+    // Our own slave descriptor stays open, so that a client's close does not hang up the line.
+    m_slave = ::open(name, O_RDWR | O_NOCTTY);
+    if (m_slave < 0) {
+        *error = SystemError("open slave");
+        return false;
+    }
+    // Raw from what the kernel set up: a zeroed termios would leave undefined speeds and flags.
+    termios raw{};
+    if (tcgetattr(m_slave, &raw) != 0) {
+        *error = SystemError("tcgetattr");
+        return false;
+    }
+    cfmakeraw(&raw);
+    if (tcsetattr(m_slave, TCSANOW, &raw) != 0) {
+        *error = SystemError("tcsetattr");
+        return false;
+    }
+    if (fcntl(m_master, F_SETFL, fcntl(m_master, F_GETFL) | O_NONBLOCK) != 0) {
+        *error = SystemError("fcntl");
+        return false;
+    }
+    m_start = m_clock.now();
+    m_lastActivity = m_start;
+    return true;
+}
+
+bool PtyHost::OpenLog(const QString &path, QString *error)
+{
+    m_log = std::fopen(path.toLocal8Bit().constData(), "w");
+    if (!m_log) {
+        *error = SystemError(path.toLocal8Bit().constData());
+        return false;
+    }
+    return true;
+}
+
+PtyHost::End PtyHost::Run(const volatile std::sig_atomic_t &stop)
+{
+    while (!stop) {
+        WriteOutput();
+        if (m_tester.vanished()) {
+            // Closing the master is what a pulled cable looks like to the client: reads fail.
+            CloseTerminal();
+            return End::Vanished;
+        }
+        if (!m_failure.isEmpty()) {
+            CloseTerminal();
+            return End::Failed;
+        }
+        const link::Duration now = m_clock.now();
+        if (m_displayEvery > link::Duration::zero() && !m_tester.hasOutput() && m_pending.isEmpty() &&
+            now - m_lastActivity >= m_displayEvery) {
+            m_tester.pushDisplay(DisplayFrame(m_frames++));
+            m_lastActivity = now;
+            continue;
+        }
+        pollfd fd{m_master, static_cast<short>(POLLIN | (m_pending.isEmpty() ? 0 : POLLOUT)), 0};
+        if (poll(&fd, 1, PollTimeoutMs()) < 0) {
+            if (errno == EINTR)
+                continue;
+            m_failure = SystemError("poll");
+            continue;
+        }
+        if (fd.revents & (POLLERR | POLLNVAL))
+            m_failure = QStringLiteral("the pseudo-terminal failed");
+        else if (fd.revents & POLLIN)
+            ReadInput();
+    }
+    CloseTerminal();
+    return End::Stopped;
+}
+
+int PtyHost::PollTimeoutMs() const
+{
+    const link::Duration now = m_clock.now();
+    int timeout = kLongestPollMs;
+    if (m_tester.hasOutput())
+        timeout = std::min(timeout, CeilMs(m_tester.nextOutputAt() - now));
+    if (m_displayEvery > link::Duration::zero())
+        timeout = std::min(timeout, CeilMs(m_lastActivity + m_displayEvery - now));
+    return timeout;
+}
+
+void PtyHost::ReadInput()
+{
+    QByteArray bytes;
+    char buffer[512];
+    for (;;) {
+        const ssize_t n = ::read(m_master, buffer, sizeof buffer);
+        if (n > 0) {
+            bytes.append(buffer, n);
+            continue;
+        }
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0 && errno != EAGAIN && errno != EWOULDBLOCK)
+            m_failure = SystemError("read");
+        break;
+    }
+    if (bytes.isEmpty())
+        return;
+    m_tester.feed(bytes);
+    m_lastActivity = m_clock.now();
+    LogNewLines();
+}
+
+void PtyHost::WriteOutput()
+{
+    m_pending += m_tester.takeOutput(m_clock.now());
+    while (!m_pending.isEmpty()) {
+        const ssize_t n = ::write(m_master, m_pending.constData(), static_cast<size_t>(m_pending.size()));
+        if (n > 0) {
+            m_pending.remove(0, n);
+            continue;
+        }
+        if (n < 0 && errno == EINTR)
+            continue;
+        // A full terminal (nobody reading) keeps the rest for later; nothing new is queued meanwhile.
+        if (n < 0 && errno != EAGAIN && errno != EWOULDBLOCK)
+            m_pending.clear();
+        break;
+    }
+}
+
+void PtyHost::LogNewLines()
+{
+    const auto &lines = m_tester.receivedLines();
+    for (; m_logged < lines.size(); ++m_logged) {
+        if (!m_log)
+            continue;
+        const auto &line = lines[m_logged];
+        const double ms = link::ToSeconds(line.at - m_start) * 1000.0;
+        std::fprintf(m_log, "%.1f\t%s\n", ms, link::EscapeBytes(line.bytes).toLatin1().constData());
+        std::fflush(m_log);
+    }
+}
+
+void PtyHost::CloseTerminal()
+{
+    if (m_master >= 0)
+        ::close(m_master);
+    if (m_slave >= 0)
+        ::close(m_slave);
+    m_master = -1;
+    m_slave = -1;
+}
+
+} // namespace kalvo::sim

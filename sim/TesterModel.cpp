@@ -1,0 +1,293 @@
+// What the virtual tester answers to one command line, and the memory its answers come from.
+#include "TesterModel.h"
+
+#include <QRegularExpression>
+
+namespace kalvo::sim {
+
+namespace {
+
+constexpr char kDC1 = '\x11';
+const QByteArray kYes = ".Y";
+const QByteArray kNo = ".N";
+const QByteArray kRefusedSetting = ".Nx";
+
+bool IsHexDigit(char c)
+{
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+}
+
+// One or two hexadecimal digits and nothing else; the tester is no more lenient than that.
+std::optional<int> HexByte(const QByteArray &text, int minDigits = 1)
+{
+    if (text.size() < minDigits || text.size() > 2)
+        return std::nullopt;
+    for (char c : text) {
+        if (!IsHexDigit(c))
+            return std::nullopt;
+    }
+    return text.toInt(nullptr, 16);
+}
+
+std::optional<int> Decimal(const QByteArray &text, int maxDigits)
+{
+    if (text.isEmpty() || text.size() > maxDigits)
+        return std::nullopt;
+    for (char c : text) {
+        if (c < '0' || c > '9')
+            return std::nullopt;
+    }
+    return text.toInt();
+}
+
+QByteArray HexText(int value)
+{
+    return QByteArray::number(value, 16).toUpper().rightJustified(2, '0');
+}
+
+// "D3 1" or "D3,1": the argument and the value behind one blank or one comma.
+std::optional<std::pair<QByteArray, QByteArray>> ArgumentAndValue(const QByteArray &text)
+{
+    qsizetype separator = -1;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == ' ' || text[i] == ',') {
+            separator = i;
+            break;
+        }
+    }
+    if (separator < 0)
+        return std::nullopt;
+    return std::make_pair(text.left(separator), text.mid(separator + 1));
+}
+
+std::optional<int> BitNumber(const QByteArray &text)
+{
+    const auto bit = Decimal(text, 2);
+    if (!bit || *bit >= TesterState::kBitBytes)
+        return std::nullopt;
+    return bit;
+}
+
+std::optional<int> RegisterAddress(const QByteArray &text)
+{
+    const auto address = HexByte(text, 2);
+    if (!address || !TesterState::IsRegister(*address))
+        return std::nullopt;
+    return address;
+}
+
+// "dd.mm.yy;hh:mm" (seconds optional), the form the clock is set in.
+std::optional<QDateTime> ParseClockSetting(const QByteArray &text)
+{
+    static const QRegularExpression pattern(
+        QStringLiteral(R"(^(\d\d)\.(\d\d)\.(\d\d);(\d\d):(\d\d)(?::(\d\d))?$)"));
+    const auto match = pattern.match(QString::fromLatin1(text.trimmed()));
+    if (!match.hasMatch())
+        return std::nullopt;
+    const auto number = [&](int group) { return match.captured(group).toInt(); };
+    const QDate date(2000 + number(3), number(2), number(1));
+    const QTime time(number(4), number(5), match.captured(6).isEmpty() ? 0 : number(6));
+    if (!date.isValid() || !time.isValid())
+        return std::nullopt;
+    return QDateTime(date, time);
+}
+
+} // namespace
+
+TesterModel::TesterModel(link::Clock &clock)
+    : m_clock(clock), m_dateBase(QDateTime::currentDateTime()), m_dateSetAt(clock.now())
+{
+    m_stored = m_working;
+}
+
+QByteArray TesterModel::Refusal(const QByteArray &line)
+{
+    return line + " Protokoll .N\r\n" + kDC1;
+}
+
+QByteArray TesterModel::StoreRefusal(const QByteArray &line)
+{
+    return line + kRefusedSetting + "\r\n" + kDC1;
+}
+
+QByteArray TesterModel::Prompt()
+{
+    return QByteArray("\r\n>") + kDC1;
+}
+
+TesterModel::Reply TesterModel::Answer(const QByteArray &line)
+{
+    Reply reply;
+    // CR, EOT CR and BEL CR wake the tester; it shows its prompt.
+    if (line.isEmpty() || line == "\x04" || line == "\x07") {
+        reply.answer = Prompt();
+        return reply;
+    }
+    const auto payload = Payload(line, reply.restartArmed);
+    reply.answer = payload ? line + *payload + "\r\n" + kDC1 : Refusal(line);
+    return reply;
+}
+
+void TesterModel::Restart()
+{
+    m_working = m_stored;
+    m_configurationMode = false;
+}
+
+void TesterModel::setLanguage(int code)
+{
+    m_working.languageCode = code;
+    m_stored.languageCode = code;
+}
+
+void TesterModel::setName(const QByteArray &name)
+{
+    m_working.name = name;
+    m_stored.name = name;
+}
+
+void TesterModel::setDateTime(const QDateTime &when)
+{
+    m_dateBase = when;
+    m_dateSetAt = m_clock.now();
+}
+
+QDateTime TesterModel::dateTime() const
+{
+    const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(m_clock.now() - m_dateSetAt);
+    return m_dateBase.addMSecs(elapsed.count());
+}
+
+std::optional<QByteArray> TesterModel::Payload(const QByteArray &line, bool &restartArmed)
+{
+    // The tester takes mnemonics and keywords in either case ("RST!0", "kal!PGM").
+    const QByteArray lower = line.toLower();
+    if (lower.size() < 4)
+        return std::nullopt;
+    if (lower[3] == '?')
+        return Query(lower, line);
+    if (lower[3] == '!')
+        return Setting(lower, line, restartArmed);
+    return std::nullopt;
+}
+
+std::optional<QByteArray> TesterModel::Query(const QByteArray &lower, const QByteArray &line)
+{
+    const QByteArray mnemonic = lower.left(4);
+    const QByteArray argument = line.mid(4);
+    if (lower == "dis?")
+        return " " + QByteArray::number(m_working.languageCode).rightJustified(2, '0') + kYes;
+    if (lower == "ver?") {
+        QByteArray fields;
+        for (const QByteArray &date : m_versionDates)
+            fields += ';' + date;
+        return fields;
+    }
+    if (lower == "idn?")
+        return Identity();
+    if (lower == "dat?") {
+        // The date stands two characters after "=", the time two characters after ";".
+        const QDateTime now = dateTime();
+        return "= " + now.date().toString(QStringLiteral("dd.MM.yy")).toLatin1() + "; " +
+               now.time().toString(QStringLiteral("hh:mm:ss")).toLatin1();
+    }
+    if (mnemonic == "var?") {
+        const auto address = RegisterAddress(argument);
+        if (!address)
+            return kNo;
+        return " " + HexText(m_working.Register(*address)) + kYes;
+    }
+    if (mnemonic == "bit?") {
+        const auto bit = BitNumber(argument);
+        if (!bit)
+            return kNo;
+        return " " + HexText(m_working.bits[static_cast<size_t>(*bit)]) + kYes;
+    }
+    if (mnemonic == "str?") {
+        const auto number = Decimal(argument, 3);
+        if (!number)
+            return kNo;
+        return "," + m_working.strings.value(*number) + kYes;
+    }
+    return std::nullopt;
+}
+
+std::optional<QByteArray> TesterModel::Setting(const QByteArray &lower, const QByteArray &line,
+                                               bool &restartArmed)
+{
+    const QByteArray mnemonic = lower.left(4);
+    const QByteArray argument = line.mid(4);
+    if (lower == "idn!99" || lower == "idn!0" || lower == "mes!0")
+        return kYes;
+    if (lower == "kal!ein" || lower == "kal!aus") {
+        m_configurationMode = lower == "kal!ein";
+        return kYes;
+    }
+    if (lower == "kal!pgm") {
+        // Calibration values are only stored from inside a service session.
+        if (!m_configurationMode)
+            return kRefusedSetting;
+        Store();
+        return kYes;
+    }
+    if (lower == "cfg!pgm") {
+        Store();
+        return kYes;
+    }
+    if (lower == "rst!0") {
+        restartArmed = true;
+        return kYes;
+    }
+    if (lower.startsWith("idn!1,")) {
+        const QByteArray name = line.mid(6);
+        if (name.size() > TesterState::kMaxNameLength)
+            return kRefusedSetting;
+        m_working.name = name;
+        return kYes;
+    }
+    if (mnemonic == "var!") {
+        const auto parts = ArgumentAndValue(argument);
+        const auto address = parts ? RegisterAddress(parts->first) : std::nullopt;
+        const auto value = parts ? HexByte(parts->second) : std::nullopt;
+        if (!address || !value)
+            return kNo;
+        m_working.Register(*address) = static_cast<quint8>(*value);
+        return kYes;
+    }
+    if (mnemonic == "bit!") {
+        const auto parts = ArgumentAndValue(argument);
+        const auto bit = parts ? BitNumber(parts->first) : std::nullopt;
+        const auto value = parts ? HexByte(parts->second) : std::nullopt;
+        if (!bit || !value)
+            return kNo;
+        m_working.bits[static_cast<size_t>(*bit)] = static_cast<quint8>(*value);
+        return kYes;
+    }
+    if (mnemonic == "str!") {
+        // The text may hold blanks and commas of its own: only the first comma separates.
+        const qsizetype comma = argument.indexOf(',');
+        const auto number = comma < 0 ? std::nullopt : Decimal(argument.left(comma), 3);
+        if (!number)
+            return kNo;
+        m_working.strings[*number] = argument.mid(comma + 1);
+        return kYes;
+    }
+    if (mnemonic == "dat!") {
+        const auto when = ParseClockSetting(argument);
+        if (!when)
+            return kNo;
+        setDateTime(*when);
+        return kYes;
+    }
+    return std::nullopt;
+}
+
+QByteArray TesterModel::Identity() const
+{
+    // With the accessory switched on in front of the tester, the accessory answers.
+    if (m_kymInFront)
+        return ";KYM QRT4027;0815 0042;KYM-BOX;Firmware V 2.10";
+    return ";Kalvomer 9000;" + m_serial + ';' + m_working.name + ";Firmware V " + m_firmware;
+}
+
+} // namespace kalvo::sim

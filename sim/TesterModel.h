@@ -1,0 +1,78 @@
+// What the virtual tester answers to one command line, and the memory its answers come from.
+#pragma once
+
+#include "TesterState.h"
+#include "link/Clock.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <array>
+#include <optional>
+
+namespace kalvo::sim {
+
+class TesterModel {
+public:
+    static constexpr int kVersionParts = 5;
+
+    struct Reply {
+        QByteArray answer;         // echo, payload, CR LF, DC1
+        bool restartArmed = false; // "rst!0": a lone EOT restarts the tester
+    };
+
+    explicit TesterModel(link::Clock &clock);
+
+    // The answer to one command line (without its CR); carries out what the line asks for.
+    Reply Answer(const QByteArray &line);
+    // The tester's refusal of a line it does not understand: echo, " Protokoll .N".
+    static QByteArray Refusal(const QByteArray &line);
+    // A setting the tester will not take: echo, ".Nx".
+    static QByteArray StoreRefusal(const QByteArray &line);
+    // The prompt that answers a wake-up line.
+    static QByteArray Prompt();
+
+    // Back to the stored copy, out of configuration mode: what a restart does.
+    void Restart();
+
+    // Settings of the device itself. Language and name go into both copies.
+    void setLanguage(int code);
+    void setName(const QByteArray &name);
+    void setKymInFront(bool on) { m_kymInFront = on; }
+    bool kymInFront() const { return m_kymInFront; }
+    // "dd.mm.yy hh:mm" for system, configuration, pictures, help, sequences.
+    void setVersionDates(const std::array<QByteArray, kVersionParts> &dates) { m_versionDates = dates; }
+    const std::array<QByteArray, kVersionParts> &versionDates() const { return m_versionDates; }
+    void setSerialNumber(const QByteArray &serial) { m_serial = serial; }
+    void setFirmware(const QByteArray &version) { m_firmware = version; }
+    // The tester's clock; it runs on with the clock it was given.
+    void setDateTime(const QDateTime &when);
+    QDateTime dateTime() const;
+
+    bool configurationMode() const { return m_configurationMode; }
+    TesterState &working() { return m_working; }
+    const TesterState &working() const { return m_working; }
+    const TesterState &stored() const { return m_stored; }
+
+private:
+    // The payload after the echo; nullopt for a line the tester does not understand.
+    std::optional<QByteArray> Payload(const QByteArray &line, bool &restartArmed);
+    std::optional<QByteArray> Query(const QByteArray &lower, const QByteArray &line);
+    std::optional<QByteArray> Setting(const QByteArray &lower, const QByteArray &line, bool &restartArmed);
+    QByteArray Identity() const;
+    void Store() { m_stored = m_working; }
+
+    link::Clock &m_clock;
+    TesterState m_working;
+    TesterState m_stored;
+    bool m_configurationMode = false;
+    bool m_kymInFront = false;
+    std::array<QByteArray, kVersionParts> m_versionDates{
+        "17.03.09 10:42", "17.03.09 10:45", "02.02.09 08:15", "05.02.09 09:30", "20.02.09 14:05",
+    };
+    QByteArray m_serial = "0471 1203 5567";
+    QByteArray m_firmware = "1.52";
+    QDateTime m_dateBase;
+    link::Duration m_dateSetAt{};
+};
+
+} // namespace kalvo::sim

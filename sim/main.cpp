@@ -1,0 +1,178 @@
+// kalvo-sim: a virtual Kalvomer tester on a pseudo-terminal; prints the terminal's path and serves it.
+#include "FaultPlan.h"
+#include "PtyHost.h"
+#include "VirtualTester.h"
+#include "link/Clock.h"
+
+#include <QString>
+#include <QStringList>
+#include <csignal>
+#include <cstdio>
+
+using namespace kalvo;
+
+namespace {
+
+volatile std::sig_atomic_t g_stop = 0;
+
+void OnSignal(int)
+{
+    g_stop = 1;
+}
+
+struct Options {
+    int baud = 9600;
+    QStringList faults;
+    int language = 0;
+    QByteArray name;
+    bool kym = false;
+    QString logPath;
+    double displayEvery = 0;
+    double restartDelay = 0;
+};
+
+void PrintUsage(std::FILE *to)
+{
+    std::fprintf(
+        to,
+        "kalvo-sim [options]\n"
+        "A virtual Kalvomer tester on a pseudo-terminal. The first line on stdout is the path of\n"
+        "the terminal to open; the tester answers there until SIGINT or SIGTERM.\n\n"
+        "  --baud N                 answer at N baud, 10 bits a byte (default 9600; 0: at once)\n"
+        "  --fault FAULT            spoil answers, repeatable: KIND[:COMMAND][@N][xCOUNT]\n"
+        "                           KIND: %s\n"
+        "                           e.g. silence:dis?  garbage@3  refuse:dis?x5\n"
+        "  --language CODE          display language code 0..99 (default 0, deutsch)\n"
+        "  --name NAME              the tester's name, at most 8 characters (default KALVO-01)\n"
+        "  --kym                    the KYM accessory is switched on in front of the tester\n"
+        "  --log FILE               one line per received command line: ms since start, TAB, bytes\n"
+        "  --display-every SECONDS  send a remote-display frame whenever the line is idle that long\n"
+        "  --restart-delay SECONDS  how long a restart keeps the tester from answering (default 0)\n"
+        "  --help                   this text\n",
+        qPrintable(sim::FaultPlan::KindNames().join(QStringLiteral(", "))));
+}
+
+bool Fail(const QString &message)
+{
+    std::fprintf(stderr, "kalvo-sim: %s (see --help)\n", qPrintable(message));
+    return false;
+}
+
+bool NonNegativeNumber(const QString &text, double &value)
+{
+    bool ok = false;
+    value = text.toDouble(&ok);
+    return ok && value >= 0;
+}
+
+// False after telling the user what is wrong.
+bool ParseOptions(const QStringList &args, Options &options, bool &help)
+{
+    for (qsizetype i = 1; i < args.size(); ++i) {
+        const QString &arg = args[i];
+        if (arg == QLatin1String("--help") || arg == QLatin1String("-h")) {
+            help = true;
+            return true;
+        }
+        if (arg == QLatin1String("--kym")) {
+            options.kym = true;
+            continue;
+        }
+        const QStringList valued = {"--baud", "--fault",         "--language",     "--name",
+                                    "--log",  "--display-every", "--restart-delay"};
+        if (!valued.contains(arg))
+            return Fail(QStringLiteral("unknown option \"%1\"").arg(arg));
+        if (i + 1 >= args.size())
+            return Fail(QStringLiteral("%1 needs a value").arg(arg));
+        const QString value = args[++i];
+        bool ok = true;
+        if (arg == QLatin1String("--baud")) {
+            options.baud = value.toInt(&ok);
+            if (!ok || options.baud < 0)
+                return Fail(
+                    QStringLiteral("--baud wants a whole number of 0 or more, not \"%1\"").arg(value));
+        } else if (arg == QLatin1String("--fault")) {
+            QString error;
+            if (!sim::FaultPlan::Parse(value, &error))
+                return Fail(error);
+            options.faults << value;
+        } else if (arg == QLatin1String("--language")) {
+            options.language = value.toInt(&ok);
+            if (!ok || options.language < 0 || options.language > 99)
+                return Fail(QStringLiteral("--language wants a code from 0 to 99, not \"%1\"").arg(value));
+        } else if (arg == QLatin1String("--name")) {
+            options.name = value.toLatin1();
+            if (options.name.isEmpty() || options.name.size() > 8)
+                return Fail(QStringLiteral("--name wants 1 to 8 characters, not \"%1\"").arg(value));
+        } else if (arg == QLatin1String("--log")) {
+            options.logPath = value;
+        } else if (arg == QLatin1String("--display-every")) {
+            if (!NonNegativeNumber(value, options.displayEvery))
+                return Fail(QStringLiteral("--display-every wants seconds, not \"%1\"").arg(value));
+        } else if (arg == QLatin1String("--restart-delay")) {
+            if (!NonNegativeNumber(value, options.restartDelay))
+                return Fail(QStringLiteral("--restart-delay wants seconds, not \"%1\"").arg(value));
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QStringList args;
+    for (int i = 0; i < argc; ++i)
+        args << QString::fromLocal8Bit(argv[i]);
+    Options options;
+    bool help = false;
+    if (!ParseOptions(args, options, help))
+        return 2;
+    if (help) {
+        PrintUsage(stdout);
+        return 0;
+    }
+
+    sim::VirtualTester tester(link::SteadyClock::instance());
+    tester.setBaud(options.baud);
+    tester.setRestartDelay(link::FromSeconds(options.restartDelay));
+    tester.model().setLanguage(options.language);
+    tester.model().setKymInFront(options.kym);
+    if (!options.name.isEmpty())
+        tester.model().setName(options.name);
+    for (const QString &fault : std::as_const(options.faults))
+        tester.faults().add(fault);
+
+    sim::PtyHost host(tester);
+    host.setDisplayEvery(link::FromSeconds(options.displayEvery));
+    QString error;
+    if (!options.logPath.isEmpty() && !host.OpenLog(options.logPath, &error)) {
+        std::fprintf(stderr, "kalvo-sim: cannot write the log %s\n", qPrintable(error));
+        return 1;
+    }
+    if (!host.Open(&error)) {
+        std::fprintf(stderr, "kalvo-sim: no pseudo-terminal: %s\n", qPrintable(error));
+        return 1;
+    }
+
+    struct sigaction action {};
+    action.sa_handler = OnSignal;
+    sigemptyset(&action.sa_mask);
+    // No SA_RESTART: the signal must wake poll().
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+
+    std::printf("%s\n", qPrintable(host.slavePath()));
+    std::fflush(stdout);
+
+    switch (host.Run(g_stop)) {
+    case sim::PtyHost::End::Stopped: return 0;
+    case sim::PtyHost::End::Vanished:
+        std::fprintf(stderr, "kalvo-sim: the line vanished, as the fault plan asked\n");
+        return 0;
+    case sim::PtyHost::End::Failed:
+        std::fprintf(stderr, "kalvo-sim: %s\n", qPrintable(host.failure()));
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,33 @@
+// Answers the message boxes and input dialogs a window opens, and remembers what they said.
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <QTimer>
+#include <deque>
+
+namespace kalvo::testing {
+
+class DialogAnswerer : public QObject {
+    Q_OBJECT
+public:
+    DialogAnswerer();
+
+    // Texts to type into input dialogs, in order; an empty optional cancels the dialog.
+    std::deque<std::optional<QString>> inputs;
+    // Whether to press OK (true) or Cancel (false) on question boxes, in order; OK when none is left.
+    std::deque<bool> confirmations;
+
+    QStringList messages;  // the text of every message box, in order
+    QStringList prompts;   // the label of every input dialog, in order
+    QStringList proposals; // the default text every input dialog offered
+
+private:
+    void Look();
+    QTimer m_timer;
+};
+
+// Waits until `done` holds, letting the event loop run; false after `ms`.
+bool WaitUntil(const std::function<bool()> &done, int ms = 10000);
+
+} // namespace kalvo::testing

@@ -1,0 +1,131 @@
+// The main window offscreen: start-up, connecting to the virtual tester, languages, time-out.
+#include "WindowFixture.h"
+
+#include "shell/TextIds.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QFile>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSet>
+
+using namespace kalvo;
+using namespace kalvo::testing;
+
+namespace {
+
+QString LabelText(QWidget &window, const char *name)
+{
+    auto *label = window.findChild<QLabel *>(QString::fromLatin1(name));
+    return label ? label->text() : QStringLiteral("<no %1>").arg(QString::fromLatin1(name));
+}
+
+void WriteFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+QStringList MenuTitles(QMainWindow &window)
+{
+    QStringList titles;
+    for (QAction *action : window.menuBar()->actions())
+        titles << action->text();
+    return titles;
+}
+
+} // namespace
+
+class MainWindowTest : public WindowFixture {};
+
+TEST_F(MainWindowTest, StartsFromTheSettingsFileWithItsPortAndLanguage)
+{
+    WriteFile(m_dir.filePath(QStringLiteral("Q417.ini")), "com 3;bench\r\n3\r\nenglisch;language\r\n");
+    auto &window = Open({});
+    EXPECT_EQ(window.findChild<QComboBox *>(QStringLiteral("COM"))->currentText(), QStringLiteral("COM 3"));
+    EXPECT_EQ(window.texts().language(), QStringLiteral("englisch"));
+    EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
+              window.texts().text(shell::TxtMenuSettings));
+    EXPECT_NE(window.texts().text(shell::TxtMenuSettings), QStringLiteral("Einstellungen"));
+    // The port stays closed until OK: nothing reached the tester.
+    qsizetype received = -1;
+    window.device().RunAndWait([&](link::Link &link) {
+        EXPECT_FALSE(link.IsOpen());
+        received = m_tester.load()->receivedLines().size();
+    });
+    EXPECT_EQ(received, 0);
+}
+
+TEST_F(MainWindowTest, ConnectingThroughTheSettingsFrameShowsVersionsAndIdentity)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    EXPECT_EQ(LabelText(window, "SystVer"), QStringLiteral("17.03.09 10:42"));
+    EXPECT_EQ(LabelText(window, "KonfigVer"), QStringLiteral("17.03.09 10:45"));
+    EXPECT_EQ(LabelText(window, "bilderver"), QStringLiteral("02.02.09 08:15"));
+    EXPECT_EQ(LabelText(window, "hilfever"), QStringLiteral("05.02.09 09:30"));
+    EXPECT_EQ(LabelText(window, "ablaufVer"), QStringLiteral("20.02.09 14:05"));
+    EXPECT_TRUE(LabelText(window, "Version").contains(QStringLiteral("1.52")));
+    EXPECT_TRUE(LabelText(window, "identity").contains(QStringLiteral("KALVO-01")));
+    EXPECT_TRUE(window.windowTitle().contains(QStringLiteral("KALVO-01")));
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('\n').toStdString();
+    window.resize(720, 560);
+    Screenshot(window, QStringLiteral("main-connected"));
+}
+
+TEST_F(MainWindowTest, TheTestersDisplayLanguageBecomesTheProgramsLanguage)
+{
+    auto &window = Open();
+    WaitUntil([&] { return m_tester.load() != nullptr; });
+    shell::ui::DeviceThread &device = window.device();
+    device.RunAndWait([this](link::Link &) { m_tester.load()->model().setLanguage(3); });
+    ASSERT_TRUE(ConnectToSimulator());
+    EXPECT_EQ(window.texts().language(), QStringLiteral("französisch"));
+    EXPECT_TRUE(window.findChild<QAction *>(QStringLiteral("france"))->isChecked());
+}
+
+TEST_F(MainWindowTest, EveryLanguageEntryChangesEveryMenuCaption)
+{
+    auto &window = Open();
+    QSet<QString> seen;
+    for (const char *entry :
+         {"deutsch", "english", "france", "italiano", "nederlandske", "spain", "tschech"}) {
+        window.findChild<QAction *>(QString::fromLatin1(entry))->trigger();
+        const QStringList titles = MenuTitles(window);
+        for (const QString &title : titles)
+            EXPECT_FALSE(title.isEmpty()) << entry;
+        seen.insert(titles.join('|'));
+    }
+    EXPECT_EQ(seen.size(), 7) << "each language must caption the menus differently";
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('\n').toStdString();
+}
+
+TEST_F(MainWindowTest, ATesterThatNeverAnswersEndsTheProgramAfterTheMessage)
+{
+    auto &window = Open({QStringLiteral("--simulate"), QStringLiteral("--timeout"), QStringLiteral("0.3")},
+                        {QStringLiteral("silence")});
+    QMetaObject::invokeMethod(window.findChild<QWidget *>(QStringLiteral("activate")), "click",
+                              Qt::QueuedConnection);
+    const int code = QApplication::exec();
+    EXPECT_EQ(code, 3);
+    ASSERT_EQ(m_dialogs.messages.size(), 1);
+    EXPECT_EQ(m_dialogs.messages.first(), QStringLiteral("3:  Kein Kalvomer gefunden"));
+}
+
+TEST_F(MainWindowTest, ConfigurationNeedsAnOpenPortAndShowsTheRegisters)
+{
+    auto &window = Open();
+    window.findChild<QAction *>(QStringLiteral("config"))->trigger();
+    ASSERT_TRUE(WaitUntil([&] { return m_dialogs.messages.size() == 1; }));
+    EXPECT_EQ(m_dialogs.messages.first(), window.texts().text(shell::TxtPortNotOpen));
+
+    ASSERT_TRUE(ConnectToSimulator());
+    window.findChild<QAction *>(QStringLiteral("config"))->trigger();
+    auto *frame = window.findChild<QWidget *>(QStringLiteral("configFrame"));
+    ASSERT_TRUE(WaitUntil([&] { return frame->isVisible(); }));
+    EXPECT_EQ(m_dialogs.messages.size(), 1);
+}

@@ -1,0 +1,78 @@
+// Builds the main window over the built-in virtual tester, in a directory of its own.
+#pragma once
+
+#include "DialogAnswerer.h"
+#include "shell/ui/MainWindow.h"
+#include "sim/PortTransport.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <atomic>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace kalvo::testing {
+
+class WindowFixture : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        m_previousDir = QDir::currentPath();
+        QDir::setCurrent(m_dir.path());
+    }
+    void TearDown() override
+    {
+        m_window.reset();
+        QDir::setCurrent(m_previousDir);
+    }
+
+    // The window as kalvo starts it; `faults` are put into the virtual tester (e.g. "silence").
+    shell::ui::MainWindow &Open(const QStringList &arguments = {QStringLiteral("--simulate")},
+                                const QStringList &faults = {})
+    {
+        shell::ui::Startup startup;
+        startup.switches = shell::ParseSwitches(arguments);
+        startup.settings = shell::ReadSettings();
+        startup.programDir = QStringLiteral(KALVO_BUILT_BIN_DIR);
+        startup.transportFactory = [this, faults] {
+            auto transport = std::make_unique<sim::PortTransport>();
+            for (const QString &fault : faults)
+                transport->tester().faults().add(fault);
+            m_tester = &transport->tester();
+            return transport;
+        };
+        m_window = std::make_unique<shell::ui::MainWindow>(startup);
+        m_window->show();
+        return *m_window;
+    }
+
+    // Presses OK on the settings frame and waits for the identification to be shown.
+    bool ConnectToSimulator()
+    {
+        if (!WaitUntil([this] { return !m_window->device().busy(); }))
+            return false;
+        bool done = false;
+        QObject::connect(m_window.get(), &shell::ui::MainWindow::identified, [&done] { done = true; });
+        auto *ok = m_window->findChild<QWidget *>(QStringLiteral("activate"));
+        QMetaObject::invokeMethod(ok, "click");
+        return WaitUntil([&] { return done; });
+    }
+
+    // Saves a picture of `widget` next to the test programs, for a person to look at.
+    static QString Screenshot(QWidget &widget, const QString &name)
+    {
+        QDir dir(QStringLiteral(KALVO_BUILT_BIN_DIR));
+        dir.mkpath(QStringLiteral("screenshots"));
+        const QString path = dir.filePath(QStringLiteral("screenshots/%1.png").arg(name));
+        widget.grab().save(path);
+        return path;
+    }
+
+    QTemporaryDir m_dir;
+    QString m_previousDir;
+    std::unique_ptr<shell::ui::MainWindow> m_window;
+    std::atomic<sim::VirtualTester *> m_tester{nullptr};
+    DialogAnswerer m_dialogs;
+};
+
+} // namespace kalvo::testing
