@@ -1,1 +1,175 @@
-// LanguageDataTest: being written
+// The language file and the help pages that ship with the program, checked against the rows it uses.
+#include "shell/LanguageTable.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QSet>
+#include <QStringDecoder>
+#include <gtest/gtest.h>
+#include <string>
+
+using namespace kalvo::shell;
+
+namespace {
+
+const QString kDataDir = QStringLiteral(KALVO_DATA_DIR);
+
+std::string Str(const QString &text)
+{
+    return text.toStdString();
+}
+
+QByteArray ReadDataFile(const QString &name)
+{
+    QFile file(kDataDir + QLatin1Char('/') + name);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return file.readAll();
+}
+
+bool IsUtf8(const QByteArray &bytes)
+{
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    (void)utf8.decode(bytes);
+    return !utf8.hasError();
+}
+
+// The shipped grid, read by the program's own rules.
+const LanguageGrid &ShippedGrid()
+{
+    static const LanguageGrid grid = ReadLanguageGrid(ReadDataFile(kLanguageFileName));
+    return grid;
+}
+
+// The text of a used row in one language, or empty when the cell is missing.
+QString Cell(int row, int column)
+{
+    const LanguageGrid &grid = ShippedGrid();
+    if (row >= grid.size() || column >= grid[row].size())
+        return {};
+    return DecodeLanguageCell(grid[row][column]);
+}
+
+// The captions a help page refers to; they must read exactly as the program shows them.
+constexpr TextId kCaptionsInHelp[] = {
+    TxtMenuSettings,       TxtMenuConnection,     TxtMenuConfig,
+    TxtMenuClock,          TxtMenuName,           TxtMenuService,
+    TxtMenuLanguage,       TxtMenuHelp,           TxtMenuHelpContents,
+    TxtMenuInfo,           TxtMenuExit,           TxtButtonOk,
+    TxtButtonStore,        TxtButtonCancel,       TxtServiceTerminal,
+    TxtServiceClear,       TxtServiceLogAscii,    TxtServiceLogHex,
+    TxtServiceScript,      TxtServiceScriptStart, TxtServiceScriptResult,
+    TxtServiceAllHelp,     TxtServiceNextHelp,    TxtServiceHelpStop,
+    TxtServicePrintDirect, TxtServiceCommand,     TxtServiceAnswer,
+};
+
+// A page as the reader sees its words: runs of white space count as one blank.
+QString PageText(const QByteArray &html)
+{
+    return QString::fromUtf8(html).replace(QRegularExpression(QStringLiteral("\\s+")), QStringLiteral(" "));
+}
+
+} // namespace
+
+TEST(LanguageData, FileIsUtf8WithCrLfAndFitsTheTable)
+{
+    const QByteArray bytes = ReadDataFile(kLanguageFileName);
+    ASSERT_FALSE(bytes.isEmpty()) << "missing " << Str(kDataDir) << "/sprachen.TXT";
+    EXPECT_TRUE(IsUtf8(bytes));
+    // A checkout that turned CR LF into LF would leave one single row.
+    EXPECT_EQ(bytes.count('\r'), bytes.count('\n'));
+    EXPECT_EQ(bytes.count("\r\n"), bytes.count('\n'));
+    EXPECT_LE(ShippedGrid().size(), LanguageTable::kEntries);
+    EXPECT_GT(ShippedGrid().size(), static_cast<qsizetype>(TextDefaults().back().id));
+
+    ASSERT_FALSE(ShippedGrid().isEmpty());
+    EXPECT_EQ(ShippedGrid()[0].size(), 1 + static_cast<qsizetype>(LanguageColumns().size()))
+        << "column heads";
+    EXPECT_EQ(Str(Cell(0, 0)), "key");
+}
+
+TEST(LanguageData, EveryUsedRowStandsAtItsNumberWithTheBuiltInGerman)
+{
+    for (const TextDefault &entry : TextDefaults()) {
+        EXPECT_EQ(Str(Cell(entry.id, 0)), entry.key) << "row " << entry.id;
+        EXPECT_EQ(Str(Cell(entry.id, 1)), entry.german) << "row " << entry.id << " (" << entry.key << ")";
+    }
+    // Rows the program does not use hold a comment at most, so that no text is read at a wrong number.
+    QSet<int> used;
+    for (const TextDefault &entry : TextDefaults())
+        used.insert(entry.id);
+    for (int row = 1; row < ShippedGrid().size(); ++row)
+        if (!used.contains(row))
+            EXPECT_EQ(ShippedGrid()[row].size(), 1) << "unused row " << row << " has language cells";
+}
+
+TEST(LanguageData, EveryUsedRowHasATextInEveryLanguage)
+{
+    const QString path = kDataDir + QLatin1Char('/') + kLanguageFileName;
+    for (const LanguageColumn &language : LanguageColumns()) {
+        LanguageTable table;
+        QString error;
+        ASSERT_TRUE(table.SetLanguageFromFile(language.name, path, &error)) << Str(error);
+        for (const TextDefault &entry : TextDefaults()) {
+            const QString text = table.text(entry.id);
+            EXPECT_FALSE(text.isEmpty())
+                << Str(language.name) << " row " << entry.id << " (" << entry.key << ")";
+            EXPECT_EQ(text, text.trimmed())
+                << Str(language.name) << " row " << entry.id << ": blank at an end";
+        }
+    }
+}
+
+TEST(LanguageData, LongTextsDifferBetweenLanguages)
+{
+    // Short captions may rightly agree (OK, Terminal, Service, log ASCII); a sentence that reads the
+    // same in two languages was copied and not translated.
+    for (const TextDefault &entry : TextDefaults())
+        for (const LanguageColumn &a : LanguageColumns())
+            for (const LanguageColumn &b : LanguageColumns()) {
+                if (a.column >= b.column)
+                    continue;
+                const QString first = Cell(entry.id, a.column);
+                if (first.size() > 20)
+                    EXPECT_NE(first, Cell(entry.id, b.column))
+                        << "row " << entry.id << " (" << entry.key << ") is the same in " << Str(a.name)
+                        << " and " << Str(b.name);
+            }
+}
+
+TEST(LanguageData, HelpPagesAreSelfContainedUtf8)
+{
+    for (const LanguageColumn &language : LanguageColumns()) {
+        const QByteArray html = ReadDataFile(language.helpFile);
+        ASSERT_FALSE(html.isEmpty()) << "missing " << Str(language.helpFile);
+        EXPECT_TRUE(IsUtf8(html)) << Str(language.helpFile);
+        EXPECT_TRUE(html.contains("<meta charset=\"utf-8\">")) << Str(language.helpFile);
+        for (const char *forbidden : {"<script", "<img", "<link", "://"})
+            EXPECT_FALSE(html.contains(forbidden)) << Str(language.helpFile) << " contains " << forbidden;
+    }
+}
+
+TEST(LanguageData, HelpPagesUseTheCaptionsOfTheirLanguage)
+{
+    for (const LanguageColumn &language : LanguageColumns()) {
+        const QString page = PageText(ReadDataFile(language.helpFile));
+        ASSERT_FALSE(page.isEmpty()) << Str(language.helpFile);
+        EXPECT_TRUE(page.contains(Cell(TxtHelpWindow, language.column)))
+            << Str(language.helpFile) << " title";
+        for (TextId id : kCaptionsInHelp) {
+            const QString caption = Cell(id, language.column);
+            EXPECT_TRUE(!caption.isEmpty() && page.contains(caption))
+                << Str(language.helpFile) << " lacks \"" << Str(caption) << "\" (row " << id << ")";
+        }
+        // A page begun as a copy of another language's page still shows that language's menu name.
+        for (const LanguageColumn &other : LanguageColumns()) {
+            const QString foreign = Cell(TxtMenuSettings, other.column);
+            if (foreign == Cell(TxtMenuSettings, language.column))
+                continue;
+            const QRegularExpression word(
+                QStringLiteral("\\b%1\\b").arg(QRegularExpression::escape(foreign)));
+            EXPECT_FALSE(page.contains(word)) << Str(language.helpFile) << " has the " << Str(other.name)
+                                              << " caption \"" << Str(foreign) << "\"";
+        }
+    }
+}

@@ -4,6 +4,9 @@
 
 int main(int argc, char **argv)
 {
+    // Offscreen unless a run asks for a real display (QT_QPA_PLATFORM=xcb under Xvfb).
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
