@@ -27,4 +27,29 @@ QByteArray DisplayFrame(int sequence)
     return frame;
 }
 
+QByteArray HelpTextFrame(int number)
+{
+    // A few of the tester's help texts; the others show their number and the key hint.
+    static const char *const kTexts[] = {
+        "Schutzleiterpr\x81"
+        "fung:\r\nPr\x81"
+        "fspitze an alle\r\nber\x81hrbaren Metallteile.",
+        "Isolationsmessung:\r\nGer\x84t einschalten,\r\nNetzstecker eingesteckt.",
+        "Ersatzableitstrom:\r\nnur bei Schutzklasse I\r\nund II zul\x84ssig.",
+        "Ber\x81hrstrom:\r\nMessung am laufenden\r\nGer\x84t durchf\x81hren.",
+    };
+    QByteArray frame("\x05HILFE " + QByteArray::number(number) + "\r\n");
+    if (number >= 1 && number <= static_cast<int>(std::size(kTexts)))
+        frame += kTexts[number - 1];
+    else
+        frame += "Hilfetext " + QByteArray::number(number);
+    frame += "\r\nTaste 1: weiter\r\n";
+    return frame;
+}
+
+QByteArray StartScreenFrame()
+{
+    return "\x05Kalvomer 9000\r\nBereit\r\n";
+}
+
 } // namespace kalvo::sim

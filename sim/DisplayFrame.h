@@ -9,5 +9,9 @@ namespace kalvo::sim {
 // 0xE6 µ, 0xEA ohm), each ending in CR LF. `sequence` moves the readings, so that successive
 // frames differ as they do on a running tester.
 QByteArray DisplayFrame(int sequence);
+// Help text `number` of the tester's built-in help, as the display shows it.
+QByteArray HelpTextFrame(int number);
+// The start screen the tester returns to.
+QByteArray StartScreenFrame();
 
 } // namespace kalvo::sim

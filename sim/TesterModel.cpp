@@ -1,6 +1,8 @@
 // What the virtual tester answers to one command line, and the memory its answers come from.
 #include "TesterModel.h"
 
+#include "DisplayFrame.h"
+
 #include <QRegularExpression>
 
 namespace kalvo::sim {
@@ -123,8 +125,10 @@ TesterModel::Reply TesterModel::Answer(const QByteArray &line)
         reply.answer = Prompt();
         return reply;
     }
+    m_display.clear();
     const auto payload = Payload(line, reply.restartArmed);
     reply.answer = payload ? line + *payload + "\r\n" + kDC1 : Refusal(line);
+    reply.display = std::exchange(m_display, {});
     return reply;
 }
 
@@ -203,6 +207,14 @@ std::optional<QByteArray> TesterModel::Query(const QByteArray &lower, const QByt
             return kNo;
         return " " + HexText(m_working.bits[static_cast<size_t>(*bit)]) + kYes;
     }
+    if (lower.startsWith("wer?w") && (lower.size() == 6 || lower[6] == ';')) {
+        // The readings of the running test, one letter a quantity: what command scripts collect
+        // (a script's comment behind ";" is ignored).
+        const auto reading = Reading(lower[5]);
+        if (!reading)
+            return kNo;
+        return " Wertx=" + *reading + kYes;
+    }
     if (mnemonic == "str?") {
         const auto number = Decimal(argument, 3);
         if (!number)
@@ -272,11 +284,57 @@ std::optional<QByteArray> TesterModel::Setting(const QByteArray &lower, const QB
         m_working.strings[*number] = argument.mid(comma + 1);
         return kYes;
     }
+    if (const auto remote = RemoteControl(lower))
+        return remote;
     if (mnemonic == "dat!") {
         const auto when = ParseClockSetting(argument);
         if (!when)
             return kNo;
         setDateTime(*when);
+        return kYes;
+    }
+    return std::nullopt;
+}
+
+std::optional<QByteArray> TesterModel::Reading(char quantity) const
+{
+    // Readings drift a little with the clock, as a running measurement does.
+    const auto tenths =
+        std::chrono::duration_cast<std::chrono::milliseconds>(m_clock.now()).count() / 100 % 10;
+    switch (quantity) {
+    case 'c': return "0." + QByteArray::number(11 + tenths) + " \xEA"; // protective conductor, ohm
+    case 'i': return ">19.9 M\xEA";                                    // insulation
+    case 'e': return "0." + QByteArray::number(20 + tenths) + " mA";   // equivalent leakage
+    case 'b':
+        return QByteArray::number(12 + tenths) + " \xE6"
+                                                 "A"; // touch current
+    default: return std::nullopt;
+    }
+}
+
+std::optional<QByteArray> TesterModel::RemoteControl(const QByteArray &lower)
+{
+    // "brk!H n" opens help text n on the display, "tas!1" is key 1 (it closes a help text),
+    // "sst!0" returns to the start screen; "tas!ron" belongs to the print-template dialog.
+    if (lower.startsWith("brk!h")) {
+        bool ok = false;
+        const int number = lower.mid(5).trimmed().toInt(&ok);
+        if (!ok || number < 1)
+            return kNo;
+        m_helpText = number;
+        m_display = HelpTextFrame(number);
+        return kYes;
+    }
+    if (lower.startsWith("tas!")) {
+        if (lower == "tas!1" && m_helpText > 0) {
+            m_helpText = 0;
+            m_display = QByteArray(1, '\x05');
+        }
+        return kYes;
+    }
+    if (lower == "sst!0") {
+        m_helpText = 0;
+        m_display = StartScreenFrame();
         return kYes;
     }
     return std::nullopt;

@@ -18,6 +18,7 @@ public:
     struct Reply {
         QByteArray answer;         // echo, payload, CR LF, DC1
         bool restartArmed = false; // "rst!0": a lone EOT restarts the tester
+        QByteArray display;        // what the tester's display then mirrors to the PC, if anything
     };
 
     explicit TesterModel(link::Clock &clock);
@@ -59,6 +60,10 @@ private:
     std::optional<QByteArray> Query(const QByteArray &lower, const QByteArray &line);
     std::optional<QByteArray> Setting(const QByteArray &lower, const QByteArray &line, bool &restartArmed);
     QByteArray Identity() const;
+    // "wer?W" + letter: c protective conductor, i insulation, e leakage, b touch current.
+    std::optional<QByteArray> Reading(char quantity) const;
+    // The remote keys and help texts: they change what the display shows.
+    std::optional<QByteArray> RemoteControl(const QByteArray &lower);
     void Store() { m_stored = m_working; }
 
     link::Clock &m_clock;
@@ -66,6 +71,8 @@ private:
     TesterState m_stored;
     bool m_configurationMode = false;
     bool m_kymInFront = false;
+    QByteArray m_display; // set while a line is answered, handed out with its reply
+    int m_helpText = 0;   // the help text on the display, 0 for none
     std::array<QByteArray, kVersionParts> m_versionDates{
         "17.03.09 10:42", "17.03.09 10:45", "02.02.09 08:15", "05.02.09 09:30", "20.02.09 14:05",
     };

@@ -6,6 +6,8 @@
 namespace kalvo::sim {
 
 namespace {
+// The display follows an answer a moment later, as the tester redraws it.
+constexpr link::Duration kDisplayDelay = std::chrono::milliseconds(80);
 constexpr char kCR = '\r';
 constexpr char kLF = '\n';
 constexpr char kEOT = '\x04';
@@ -102,7 +104,9 @@ void VirtualTester::HandleLine(const QByteArray &line, link::Duration at)
         default: break;
         }
     }
-    Send(answer, earliest);
+    const link::Duration end = Send(answer, earliest);
+    if (!reply.display.isEmpty())
+        Send(reply.display, end + kDisplayDelay);
 }
 
 link::Duration VirtualTester::Send(const QByteArray &bytes, link::Duration earliest)

@@ -24,5 +24,6 @@ struct UsageError {
 };
 
 QList<CliCommand> LinkCommands();
+QList<CliCommand> ShellCommands();
 
 } // namespace kalvo::cli

@@ -1,12 +1,15 @@
 // What every kalvo-cli command works with: options, the prompter, the transport and the link.
 #include "CliContext.h"
 
+#include "link/Errors.h"
 #include "link/PortNames.h"
 #include "link/SerialTransport.h"
 #include "shell/Settings.h"
 #include "sim/SimTransport.h"
 #include "sim/VirtualTester.h"
 
+#include <QCoreApplication>
+#include <QDir>
 #include <cstdio>
 
 namespace kalvo::cli {
@@ -24,6 +27,19 @@ CliContext::CliContext(const CliOptions &options) : m_options(options), m_prompt
         m_transport = std::make_unique<link::SerialTransport>();
     }
     m_link = std::make_unique<link::Link>(*m_transport, m_prompter);
+    const QString language = !options.language.isEmpty()
+                                 ? options.language
+                                 : shell::ReadSettings().language.value_or(QStringLiteral("deutsch"));
+    QString error;
+    try {
+        const QString file = QDir(QCoreApplication::applicationDirPath()).filePath(shell::kLanguageFileName);
+        if (!m_texts.SetLanguageFromFile(language, file, &error) && !error.isEmpty())
+            m_prompter.message(error, link::Prompter::Icon::Warning);
+    } catch (const link::KalvoError &e) {
+        m_prompter.message(e.message(), link::Prompter::Icon::Warning);
+    }
+    m_link->setPortNotOpenText(m_texts.text(shell::TxtPortNotOpen));
+    m_link->setProtocolErrorText(m_texts.text(shell::TxtProtocolError));
     m_link->setTimeout(link::FromSeconds(options.timeoutSeconds));
     if (!options.traceFile.isEmpty())
         m_link->StartTrace(options.traceFile);
@@ -33,6 +49,11 @@ CliContext::~CliContext()
 {
     m_out.flush();
     m_link->ClosePort();
+}
+
+void CliContext::OpenPort()
+{
+    m_link->OpenPort(portName());
 }
 
 QString CliContext::portName() const

@@ -22,10 +22,11 @@ bool CliPrompter::confirm(const QString &text)
     return m_yes;
 }
 
-std::optional<QString> CliPrompter::askText(const QString &, const QString &, const QString &)
+std::optional<QString> CliPrompter::askText(const QString &, const QString &, const QString &defaultText)
 {
+    // Nothing given on the command line: take what is proposed, as Enter in the dialog would.
     if (m_texts.empty())
-        return std::nullopt;
+        return defaultText;
     auto text = m_texts.front();
     m_texts.pop_front();
     return text;

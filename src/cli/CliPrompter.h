@@ -21,7 +21,8 @@ public:
     void progress(int percent) override;
     void busy(bool on) override;
 
-    // Answers a command gives in advance, used in order: texts for askText, names for the file questions.
+    // Answers a command gives in advance, used in order: texts for askText (without one, the
+    // proposed text is taken), names for the file questions.
     void PresetText(const std::optional<QString> &text) { m_texts.push_back(text); }
     void PresetFile(const QString &name) { m_files.push_back(name); }
 

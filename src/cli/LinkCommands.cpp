@@ -63,7 +63,7 @@ int Send(CliContext &context, const QStringList &words)
     if (words.isEmpty())
         throw UsageError{QStringLiteral("mindestens ein Befehl")};
     link::Link &link = context.link();
-    link.OpenPort(context.portName());
+    context.OpenPort();
     for (const QString &command : words) {
         const QByteArray answer = link.Exchange(command.toLatin1());
         context.out() << link::EscapeBytes(answer) << Qt::endl;

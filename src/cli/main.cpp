@@ -15,7 +15,7 @@ namespace {
 
 QList<CliCommand> AllCommands()
 {
-    return LinkCommands();
+    return LinkCommands() + ShellCommands();
 }
 
 void PrintHelp(QTextStream &out)

@@ -19,17 +19,19 @@ QString ClockProposal(const QDateTime &now)
            now.toString(QStringLiteral("hh:mm"));
 }
 
-bool SetTesterClock(link::Link &link, link::Prompter &prompter, const QDateTime &now)
+ClockSetting SetTesterClock(link::Link &link, link::Prompter &prompter, const QDateTime &now)
 {
-    const TesterClock clock = ReadTesterClock(link);
+    ClockSetting setting{ReadTesterClock(link), std::nullopt};
+    const TesterClock &clock = setting.before;
     const QString prompt = QStringLiteral("Kalvomer:\nDatum %1\nUhrzeit %2")
                                .arg(link::DecodeTesterText(clock.date), link::DecodeTesterText(clock.time));
     const auto text =
         prompter.askText(QStringLiteral("Datum und Uhrzeit ändern"), prompt, ClockProposal(now));
     if (!text || text->isEmpty())
-        return false;
+        return setting;
     link.Exchange("dat!" + link::EncodeTesterText(*text));
-    return true;
+    setting.sent = *text;
+    return setting;
 }
 
 NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const LanguageTable &texts,

@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
+#include <optional>
 
 namespace kalvo::link {
 class Link;
@@ -23,9 +24,13 @@ struct TesterClock {
 TesterClock ReadTesterClock(link::Link &link);
 // The PC's clock as the tester wants it: "dd.mm.yy;hh:mm".
 QString ClockProposal(const QDateTime &now);
+struct ClockSetting {
+    TesterClock before;          // what the tester said before
+    std::optional<QString> sent; // the text sent behind "dat!"; none when cancelled or empty
+};
 // Shows the tester's clock, proposes the PC's, and sends "dat!" with the text exactly as
-// confirmed. Returns false when the user cancels or confirms an empty text (nothing is sent).
-bool SetTesterClock(link::Link &link, link::Prompter &prompter, const QDateTime &now);
+// confirmed; nothing is sent when the user cancels or confirms an empty text.
+ClockSetting SetTesterClock(link::Link &link, link::Prompter &prompter, const QDateTime &now);
 
 enum class NamingResult { Sent, Cancelled, TooLong };
 constexpr int kMaxNameLength = 8;

@@ -40,7 +40,7 @@ LanguageGrid ReadLanguageGrid(const QByteArray &bytes)
 
 QString DecodeLanguageCell(const QByteArray &cell)
 {
-    QStringDecoder utf8(QStringDecoder::Utf8);
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString text = utf8.decode(cell);
     if (!utf8.hasError())
         return text;

@@ -40,7 +40,7 @@ public:
     // Copies the column of `name` from `grid`; an unknown name changes nothing and returns false.
     // Throws FormatError when the grid has more rows than the table has entries.
     bool SetLanguage(const QString &name, const LanguageGrid &grid);
-    // Reads `path` and switches to `name`; nullopt with `error` set when the file cannot be read.
+    // Reads `path` and switches to `name`; false, with `error` set, when the file cannot be read.
     bool SetLanguageFromFile(const QString &name, const QString &path, QString *error = nullptr);
 
     QString text(int id) const;

@@ -29,9 +29,10 @@ QByteArray ReadDataFile(const QString &name)
 
 bool IsUtf8(const QByteArray &bytes)
 {
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    (void)utf8.decode(bytes);
-    return !utf8.hasError();
+    // Stateless: a sequence cut off at the end is an error too, not kept for a next chunk.
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = utf8.decode(bytes); // decoding happens on conversion to QString
+    return !text.isNull() && !utf8.hasError();
 }
 
 // The shipped grid, read by the program's own rules.
@@ -98,9 +99,11 @@ TEST(LanguageData, EveryUsedRowStandsAtItsNumberWithTheBuiltInGerman)
     QSet<int> used;
     for (const TextDefault &entry : TextDefaults())
         used.insert(entry.id);
-    for (int row = 1; row < ShippedGrid().size(); ++row)
-        if (!used.contains(row))
-            EXPECT_EQ(ShippedGrid()[row].size(), 1) << "unused row " << row << " has language cells";
+    for (int row = 1; row < ShippedGrid().size(); ++row) {
+        if (used.contains(row))
+            continue;
+        EXPECT_EQ(ShippedGrid()[row].size(), 1) << "unused row " << row << " has language cells";
+    }
 }
 
 TEST(LanguageData, EveryUsedRowHasATextInEveryLanguage)
@@ -114,7 +117,7 @@ TEST(LanguageData, EveryUsedRowHasATextInEveryLanguage)
             const QString text = table.text(entry.id);
             EXPECT_FALSE(text.isEmpty())
                 << Str(language.name) << " row " << entry.id << " (" << entry.key << ")";
-            EXPECT_EQ(text, text.trimmed())
+            EXPECT_EQ(Str(text), Str(text.trimmed()))
                 << Str(language.name) << " row " << entry.id << ": blank at an end";
         }
     }
@@ -124,17 +127,20 @@ TEST(LanguageData, LongTextsDifferBetweenLanguages)
 {
     // Short captions may rightly agree (OK, Terminal, Service, log ASCII); a sentence that reads the
     // same in two languages was copied and not translated.
-    for (const TextDefault &entry : TextDefaults())
-        for (const LanguageColumn &a : LanguageColumns())
+    for (const TextDefault &entry : TextDefaults()) {
+        for (const LanguageColumn &a : LanguageColumns()) {
+            const QString text = Cell(entry.id, a.column);
+            if (text.size() <= 20)
+                continue;
             for (const LanguageColumn &b : LanguageColumns()) {
-                if (a.column >= b.column)
+                if (b.column <= a.column)
                     continue;
-                const QString first = Cell(entry.id, a.column);
-                if (first.size() > 20)
-                    EXPECT_NE(first, Cell(entry.id, b.column))
-                        << "row " << entry.id << " (" << entry.key << ") is the same in " << Str(a.name)
-                        << " and " << Str(b.name);
+                EXPECT_NE(Str(text), Str(Cell(entry.id, b.column)))
+                    << "row " << entry.id << " (" << entry.key << ") is the same in " << Str(a.name)
+                    << " and " << Str(b.name);
             }
+        }
+    }
 }
 
 TEST(LanguageData, HelpPagesAreSelfContainedUtf8)

@@ -157,6 +157,7 @@ TEST(LanguageTable, CellsDecodeAsUtf8OrElseAsWindows1252)
          "nächste"},                  // Windows-1252 ä
         {"\x80 5", "€ 5"},            // 0x80 is the euro sign in Windows-1252, not Latin-1
         {"\x84Zitat\x93", "„Zitat“"}, // Windows-1252 quotation marks
+        {"Fu\xdf", "Fuß"},            // ends in a byte that could start UTF-8
         {"\xc3", "Ã"},                // a cut-off UTF-8 sequence is not UTF-8
         {"plain", "plain"},
     };

@@ -1,0 +1,200 @@
+// Clock, name and service-terminal operations against the virtual tester.
+#include "link/Errors.h"
+#include "link/Link.h"
+#include "shell/ClockAndName.h"
+#include "shell/LanguageTable.h"
+#include "shell/ServiceTerminal.h"
+#include "sim/SimTransport.h"
+#include "support/ScriptedPrompter.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace kalvo;
+
+namespace {
+
+// A link to the virtual tester on a manual clock: nothing really waits.
+struct SimLink {
+    link::ManualClock clock;
+    sim::VirtualTester tester{clock};
+    sim::SimTransport transport{tester, clock};
+    kalvo::testing::ScriptedPrompter prompter;
+    link::Link link{transport, prompter, clock};
+    SimLink() { link.OpenPort(QStringLiteral("Simulator")); }
+
+    QList<QByteArray> Lines() const
+    {
+        QList<QByteArray> lines;
+        for (const auto &line : tester.receivedLines())
+            lines << line.bytes;
+        return lines;
+    }
+};
+
+QByteArray ReadFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
+} // namespace
+
+TEST(Clock, ShowsTheTestersClockProposesThePcsAndSendsTheTextAsTyped)
+{
+    const QDateTime now(QDate(2026, 11, 21), QTime(9, 5, 30));
+    const struct {
+        std::optional<QString> typed;
+        QByteArray sent; // empty: nothing after "dat?"
+    } cases[] = {
+        {QStringLiteral("21.11.26;09:05"), "dat!21.11.26;09:05\r"},
+        {QStringLiteral("21.11.26 09:05"), "dat!21.11.26 09:05\r"}, // the tester judges it, not we
+        {QString(), ""},
+        {std::nullopt, ""},
+    };
+    for (const auto &c : cases) {
+        SimLink s;
+        s.tester.model().setDateTime(QDateTime(QDate(2009, 3, 17), QTime(10, 42, 7)));
+        s.prompter.textAnswers.push_back(c.typed);
+        const shell::ClockSetting setting = shell::SetTesterClock(s.link, s.prompter, now);
+        EXPECT_EQ(setting.before.date, QByteArray("17.03.09"));
+        EXPECT_EQ(setting.before.time, QByteArray("10:42:07"));
+        ASSERT_EQ(s.prompter.calls.size(), 1);
+        EXPECT_EQ(s.prompter.calls[0], QStringLiteral("askText:Datum und Uhrzeit ändern|Kalvomer:\nDatum "
+                                                      "17.03.09\nUhrzeit 10:42:07|21.11.26;09:05"));
+        QList<QByteArray> expected{"dat?\r"};
+        if (!c.sent.isEmpty())
+            expected << c.sent;
+        EXPECT_EQ(s.Lines(), expected);
+    }
+}
+
+TEST(Name, EightCharactersAreStoredNineAreRefusedBeforeAnythingIsSent)
+{
+    const shell::LanguageTable texts;
+    const struct {
+        QString name;
+        shell::NamingResult result;
+        QList<QByteArray> lines;
+    } cases[] = {
+        {QStringLiteral("ABCDEFGH"),
+         shell::NamingResult::Sent,
+         {"kal!aus\r", "idn!1,ABCDEFGH\r", "cfg!pgm\r"}},
+        {QStringLiteral("LAB-2"), shell::NamingResult::Sent, {"kal!aus\r", "idn!1,LAB-2\r", "cfg!pgm\r"}},
+        {QStringLiteral("ABCDEFGHI"), shell::NamingResult::TooLong, {}},
+        {QString(), shell::NamingResult::Cancelled, {}},
+    };
+    for (const auto &c : cases) {
+        SimLink s;
+        EXPECT_EQ(shell::SendTesterName(s.link, s.prompter, texts, c.name), c.result) << c.name.toStdString();
+        EXPECT_EQ(s.Lines(), c.lines) << c.name.toStdString();
+        if (c.result == shell::NamingResult::TooLong) {
+            ASSERT_EQ(s.prompter.messages.size(), 1u);
+            EXPECT_EQ(s.prompter.messages[0].text, texts.text(shell::TxtNameTooLong));
+        }
+    }
+    // A stored name survives a restart and is what the tester then reports.
+    SimLink s;
+    shell::SendTesterName(s.link, s.prompter, texts, QStringLiteral("WERK-7"));
+    s.tester.model().Restart();
+    EXPECT_TRUE(s.link.Exchange("idn?").contains(";WERK-7;"));
+}
+
+TEST(Name, TheDialogAsksWithTheLanguagesPromptAndLimit)
+{
+    const shell::LanguageTable texts;
+    SimLink s;
+    s.prompter.textAnswers.push_back(std::nullopt);
+    EXPECT_EQ(shell::NameTester(s.link, s.prompter, texts), shell::NamingResult::Cancelled);
+    ASSERT_EQ(s.prompter.calls.size(), 1);
+    EXPECT_TRUE(s.prompter.calls[0].contains(texts.text(shell::TxtNamePrompt) + QStringLiteral("\n\n(") +
+                                             texts.text(shell::TxtNameLimit) + QStringLiteral(")")));
+    EXPECT_TRUE(s.Lines().isEmpty());
+}
+
+TEST(ServiceTerminal, ScriptSendsLinesWholeAndKeepsCommentsAndReadings)
+{
+    QTemporaryDir dir;
+    const QString script = dir.filePath(QStringLiteral("beispiel.abl"));
+    const QString result = dir.filePath(QStringLiteral("beispiel.txt"));
+    QFile file(script);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("mes!0\r\nwer?WC;protective conductor\r\nvar?D3\r\nwer?WB\n");
+    file.close();
+
+    SimLink s;
+    QStringList shown;
+    EXPECT_EQ(shell::RunCommandScript(s.link, script, result, [&](const QString &l) { shown << l; }), 4);
+    EXPECT_EQ(s.Lines(),
+              (QList<QByteArray>{"mes!0\r", "wer?WC;protective conductor\r", "var?D3\r", "wer?WB\r"}));
+    EXPECT_EQ(shown.size(), 4);
+    const QList<QByteArray> lines = ReadFile(result).split('\n');
+    ASSERT_GE(lines.size(), 3);
+    EXPECT_EQ(lines[0], QByteArray(";protective conductor\r"));
+    EXPECT_TRUE(lines[1].contains("Wertx=")) << lines[1].constData();
+    EXPECT_TRUE(ReadFile(result).count("Wertx=") == 2);
+    EXPECT_EQ(ReadFile(result).count("var?D3"), 0);
+}
+
+TEST(ServiceTerminal, AScriptThatStopsHalfWayLeavesTheOldResultAlone)
+{
+    QTemporaryDir dir;
+    const QString script = dir.filePath(QStringLiteral("beispiel.abl"));
+    const QString result = dir.filePath(QStringLiteral("beispiel.txt"));
+    QFile old(result);
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write("yesterday's readings\r\n");
+    old.close();
+    QFile file(script);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("wer?WC;one\r\ndis?\r\n");
+    file.close();
+
+    SimLink s;
+    s.tester.faults().add(QStringLiteral("silence:dis?"));
+    EXPECT_THROW(shell::RunCommandScript(s.link, script, result), link::Timeout);
+    EXPECT_EQ(ReadFile(result), QByteArray("yesterday's readings\r\n"));
+    EXPECT_THROW(shell::RunCommandScript(s.link, dir.filePath(QStringLiteral("none.abl")), result),
+                 link::FormatError);
+}
+
+TEST(ServiceTerminal, HelpTextsStepWithKeyOneBetweenThemAndStopReturnsToTheStart)
+{
+    SimLink s;
+    shell::HelpStepper stepper;
+    stepper.Begin();
+    stepper.Next(s.link);
+    stepper.Next(s.link);
+    stepper.Stop(s.link);
+    EXPECT_EQ(stepper.next(), 3);
+    EXPECT_EQ(s.Lines(),
+              (QList<QByteArray>{"brk!H 1\r", "tas!1\r", "tas!1\r", "brk!H 2\r", "tas!1\r", "sst!0\r"}));
+}
+
+TEST(ServiceTerminal, DirectPrintingAndTheWerFlag)
+{
+    SimLink s;
+    shell::SetDirectPrinting(s.link, true);
+    shell::SetDirectPrinting(s.link, false);
+    EXPECT_EQ(s.Lines(), (QList<QByteArray>{"bit!04 1\r", "bit!04 0\r"}));
+
+    QTemporaryDir dir;
+    const QString trace = dir.filePath(QStringLiteral("test.log"));
+    s.link.StartTrace(trace);
+    shell::SendTerminalCommand(s.link, QStringLiteral("wer?"));
+    shell::SendTerminalCommand(s.link, QStringLiteral("wer?WC"));
+    EXPECT_FALSE(s.link.tracing() && ReadFile(trace).isEmpty());
+    // Taking the trace empties the file and the trace goes on.
+    const QByteArray taken = shell::TakeTrace(s.link, trace);
+    EXPECT_TRUE(taken.contains("wer?WC Wertx="));
+    EXPECT_TRUE(s.link.tracing());
+    EXPECT_EQ(ReadFile(trace), QByteArray());
+}
+
+TEST(ServiceTerminal, TraceViewsAsTextAndAsDecimalCodes)
+{
+    EXPECT_EQ(shell::TraceAsCodes("A\r\nB"), QStringLiteral(" 65 13 10\n 66"));
+    EXPECT_EQ(shell::TraceAsCodes(QByteArray("\x11", 1)), QStringLiteral(" 17"));
+    EXPECT_EQ(shell::TraceAsText("Ger\x84t"), QStringLiteral("Gerät"));
+}
