@@ -314,26 +314,30 @@ std::optional<QByteArray> TesterModel::Reading(char quantity) const
 
 std::optional<QByteArray> TesterModel::RemoteControl(const QByteArray &lower)
 {
-    // "brk!H n" opens help text n on the display, "tas!1" is key 1 (it closes a help text),
-    // "sst!0" returns to the start screen; "tas!ron" belongs to the print-template dialog.
+    // "brk!H n" picks help text n; key 1 ("tas!1") shows a picked text, or closes the one shown;
+    // "sst!0" returns to the start screen. "tas!ron" belongs to the print-template dialog.
     if (lower.startsWith("brk!h")) {
         bool ok = false;
         const int number = lower.mid(5).trimmed().toInt(&ok);
         if (!ok || number < 1)
             return kNo;
         m_helpText = number;
-        m_display = HelpTextFrame(number);
+        m_helpShown = false;
         return kYes;
     }
     if (lower.startsWith("tas!")) {
         if (lower == "tas!1" && m_helpText > 0) {
-            m_helpText = 0;
-            m_display = QByteArray(1, '\x05');
+            m_helpShown = !m_helpShown;
+            if (m_helpShown)
+                m_display = HelpTextFrame(m_helpText);
+            else
+                m_helpText = 0;
         }
         return kYes;
     }
     if (lower == "sst!0") {
         m_helpText = 0;
+        m_helpShown = false;
         m_display = StartScreenFrame();
         return kYes;
     }

@@ -72,7 +72,8 @@ private:
     bool m_configurationMode = false;
     bool m_kymInFront = false;
     QByteArray m_display; // set while a line is answered, handed out with its reply
-    int m_helpText = 0;   // the help text on the display, 0 for none
+    int m_helpText = 0;   // the help text picked, 0 for none
+    bool m_helpShown = false;
     std::array<QByteArray, kVersionParts> m_versionDates{
         "17.03.09 10:42", "17.03.09 10:45", "02.02.09 08:15", "05.02.09 09:30", "20.02.09 14:05",
     };

@@ -1,0 +1,153 @@
+// The service window offscreen against the virtual tester: command line, help texts, printing,
+// scripts, the trace views, and the remote display they cause.
+#include "WindowFixture.h"
+
+#include <QAction>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+
+using namespace kalvo;
+using namespace kalvo::testing;
+
+class ServiceWindowTest : public WindowFixture {
+protected:
+    QMainWindow &OpenService(const QStringList &arguments = {QStringLiteral("--simulate")})
+    {
+        auto &window = Open(arguments);
+        EXPECT_TRUE(ConnectToSimulator());
+        window.findChild<QAction *>(QStringLiteral("service"))->trigger();
+        auto *service = window.findChild<QMainWindow *>(QStringLiteral("test"));
+        if (!service) // a window of its own, not a child
+            for (QWidget *w : QApplication::topLevelWidgets())
+                if (w->objectName() == QLatin1String("test"))
+                    service = qobject_cast<QMainWindow *>(w);
+        EXPECT_NE(service, nullptr);
+        m_service = service;
+        return *service;
+    }
+
+    // The lines the tester received since `from`, read on the device thread.
+    QList<QByteArray> LinesSince(qsizetype from)
+    {
+        QList<QByteArray> lines;
+        m_window->device().RunAndWait([&](link::Link &) {
+            const auto &received = m_tester.load()->receivedLines();
+            for (qsizetype i = from; i < received.size(); ++i)
+                lines << received[i].bytes;
+        });
+        return lines;
+    }
+    qsizetype LineCount() { return LinesSince(0).size(); }
+    bool Idle()
+    {
+        return WaitUntil([this] { return !m_window->device().busy(); });
+    }
+    template <typename T> T *Child(const char *name)
+    {
+        return m_service->findChild<T *>(QString::fromLatin1(name));
+    }
+
+    QMainWindow *m_service = nullptr;
+};
+
+TEST_F(ServiceWindowTest, ThreeCommandsLeaveTheirAnswersInOrderNewestLast)
+{
+    OpenService();
+    auto *befehl = Child<QLineEdit>("befehl");
+    for (const char *command : {"dis?", "var?D3", "bit?4"}) {
+        QTest::keyClicks(befehl, QString::fromLatin1(command));
+        QTest::keyClick(befehl, Qt::Key_Return);
+        ASSERT_TRUE(Idle());
+    }
+    EXPECT_EQ(Child<QPlainTextEdit>("Termantwort")->toPlainText(),
+              QStringLiteral("dis? 00.Y\nvar?D3 01.Y\nbit?4 01.Y\n"));
+    EXPECT_TRUE(befehl->text().isEmpty());
+}
+
+TEST_F(ServiceWindowTest, HelpTextsAreSteppedOnTheTestersDisplay)
+{
+    OpenService();
+    const qsizetype before = LineCount();
+    Child<QPushButton>("ahtt")->click();
+    ASSERT_TRUE(Idle());
+    EXPECT_FALSE(Child<QLineEdit>("befehl")->isVisible());
+    EXPECT_EQ(Child<QLabel>("ahnr")->text(), QStringLiteral("1"));
+    Child<QPushButton>("aht")->click();
+    ASSERT_TRUE(Idle());
+    Child<QPushButton>("aht")->click();
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(Child<QLabel>("ahnr")->text(), QStringLiteral("3"));
+    // The tester mirrors the help text it shows; the main window's display panel shows it.
+    auto *display = m_window->findChild<QPlainTextEdit *>(QStringLiteral("display"));
+    ASSERT_TRUE(WaitUntil([&] { return display->toPlainText().contains(QStringLiteral("HILFE 2")); }));
+    Child<QPushButton>("ahst")->click();
+    ASSERT_TRUE(Idle());
+    EXPECT_TRUE(Child<QLineEdit>("befehl")->isVisible());
+    EXPECT_EQ(LinesSince(before),
+              (QList<QByteArray>{"brk!H 1\r", "tas!1\r", "tas!1\r", "brk!H 2\r", "tas!1\r", "sst!0\r"}));
+    Screenshot(*m_window, QStringLiteral("main-remote-display"));
+}
+
+TEST_F(ServiceWindowTest, DirectPrintingTogglesBitFourWithoutReadingItBack)
+{
+    OpenService();
+    const qsizetype before = LineCount();
+    auto *printdirekt = Child<QAction>("printdirekt");
+    EXPECT_FALSE(printdirekt->isChecked());
+    printdirekt->trigger();
+    ASSERT_TRUE(Idle());
+    EXPECT_TRUE(printdirekt->isChecked());
+    printdirekt->trigger();
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"bit!04 1\r", "bit!04 0\r"}));
+}
+
+TEST_F(ServiceWindowTest, ScriptRunsFromTheCurrentDirectoryAndItsResultIsShown)
+{
+    QFile script(m_dir.filePath(QStringLiteral("beispiel.abl")));
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("wer?WC;Schutzleiter\r\nvar?D3\r\n");
+    script.close();
+    OpenService();
+    const qsizetype before = LineCount();
+    Child<QAction>("abl")->trigger();
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"wer?WC;Schutzleiter\r", "var?D3\r"}));
+    auto *terminal = Child<QPlainTextEdit>("Testfeld");
+    EXPECT_TRUE(terminal->toPlainText().startsWith(QStringLiteral("wer?WC;Schutzleiter\nvar?D3")));
+    Child<QAction>("ablPro")->trigger();
+    EXPECT_TRUE(
+        terminal->toPlainText().contains(QStringLiteral(";Schutzleiter\nwer?WC;Schutzleiter Wertx=")));
+}
+
+TEST_F(ServiceWindowTest, TraceViewsShowWhatWasReceivedAndStartTheTraceAfresh)
+{
+    OpenService({QStringLiteral("--simulate"), QStringLiteral("/Entw")});
+    auto *befehl = Child<QLineEdit>("befehl");
+    QTest::keyClicks(befehl, QStringLiteral("var?D3"));
+    QTest::keyClick(befehl, Qt::Key_Return);
+    ASSERT_TRUE(Idle());
+    Child<QAction>("loghex")->trigger();
+    ASSERT_TRUE(Idle());
+    auto *terminal = Child<QPlainTextEdit>("Testfeld");
+    // "var?D3 01.Y" CR LF DC1 as decimal codes, one line per received line.
+    ASSERT_TRUE(
+        WaitUntil([&] { return terminal->toPlainText().contains(QStringLiteral(" 118 97 114 63 68 51")); }));
+    EXPECT_TRUE(terminal->toPlainText().contains(QStringLiteral(" 46 89 13 10\n 17")))
+        << terminal->toPlainText().toStdString();
+    QFile trace(m_dir.filePath(QStringLiteral("test.log")));
+    ASSERT_TRUE(trace.open(QIODevice::ReadOnly));
+    EXPECT_EQ(trace.size(), 0);
+
+    QTest::keyClicks(befehl, QStringLiteral("dis?"));
+    QTest::keyClick(befehl, Qt::Key_Return);
+    ASSERT_TRUE(Idle());
+    Child<QAction>("log")->trigger();
+    ASSERT_TRUE(Idle());
+    ASSERT_TRUE(WaitUntil([&] { return terminal->toPlainText().startsWith(QStringLiteral("dis? 00.Y")); }));
+    EXPECT_FALSE(terminal->toPlainText().contains(QStringLiteral("var?D3")));
+}
