@@ -1,0 +1,126 @@
+// The main window's entries offscreen: clock, name, configuration store, help, info, switches.
+#include "WindowFixture.h"
+
+#include "shell/TextIds.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QFile>
+#include <QTextBrowser>
+
+using namespace kalvo;
+using namespace kalvo::testing;
+
+class MainWindowFlowsTest : public WindowFixture {
+protected:
+    QList<QByteArray> LinesSince(qsizetype from)
+    {
+        QList<QByteArray> lines;
+        m_window->device().RunAndWait([&](link::Link &) {
+            const auto &received = m_tester.load()->receivedLines();
+            for (qsizetype i = from; i < received.size(); ++i)
+                lines << received[i].bytes;
+        });
+        return lines;
+    }
+    void Trigger(const char *name)
+    {
+        m_window->findChild<QAction *>(QString::fromLatin1(name))->trigger();
+        EXPECT_TRUE(WaitUntil([this] { return !m_window->device().busy(); }));
+    }
+};
+
+TEST_F(MainWindowFlowsTest, ClockShowsTheTestersTimeAndSendsWhatIsTyped)
+{
+    Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    const qsizetype before = LinesSince(0).size();
+    m_dialogs.inputs.push_back(QStringLiteral("24.12.26;18:30"));
+    Trigger("UhrStellen");
+    ASSERT_EQ(m_dialogs.prompts.size(), 1);
+    EXPECT_TRUE(m_dialogs.prompts[0].startsWith(QStringLiteral("Kalvomer:\nDatum ")))
+        << m_dialogs.prompts[0].toStdString();
+    EXPECT_TRUE(m_dialogs.prompts[0].contains(QStringLiteral("\nUhrzeit ")));
+    // The PC's clock as "dd.mm.yy;hh:mm".
+    EXPECT_TRUE(
+        m_dialogs.proposals[0].startsWith(QDate::currentDate().toString(QStringLiteral("dd.MM.yy;"))));
+    EXPECT_EQ(m_dialogs.proposals[0].size(), 14);
+    EXPECT_EQ(m_dialogs.proposals[0][11], QLatin1Char(':'));
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"dat?\r", "dat!24.12.26;18:30\r"}));
+}
+
+TEST_F(MainWindowFlowsTest, NamingIdentifiesFirstThenRefusesNineAndStoresEight)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    qsizetype before = LinesSince(0).size();
+    m_dialogs.inputs.push_back(QStringLiteral("NEUNZEICH"));
+    Trigger("Taufe");
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"dis?\r", "ver?\r", "idn?\r"}));
+    ASSERT_EQ(m_dialogs.messages.size(), 1);
+    EXPECT_EQ(m_dialogs.messages[0], window.texts().text(shell::TxtNameTooLong));
+
+    before = LinesSince(0).size();
+    m_dialogs.inputs.push_back(QStringLiteral("PRUEF-3"));
+    Trigger("Taufe");
+    EXPECT_EQ(LinesSince(before),
+              (QList<QByteArray>{"dis?\r", "ver?\r", "idn?\r", "kal!aus\r", "idn!1,PRUEF-3\r", "cfg!pgm\r"}));
+}
+
+TEST_F(MainWindowFlowsTest, ARefusedConfigurationStoreIsReported)
+{
+    auto &window = Open({QStringLiteral("--simulate")}, {QStringLiteral("refusestore:cfg!pgm")});
+    ASSERT_TRUE(ConnectToSimulator());
+    Trigger("config");
+    auto *store = window.findChild<QWidget *>(QStringLiteral("configStore"));
+    ASSERT_TRUE(store->isVisible());
+    QMetaObject::invokeMethod(store, "click");
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_EQ(m_dialogs.messages.last(),
+              QStringLiteral("Die Konfiguration konnten nicht gespeichert werden"));
+}
+
+TEST_F(MainWindowFlowsTest, HelpFollowsTheLanguageAndInfoShowsTheVersion)
+{
+    auto &window = Open();
+    window.findChild<QAction *>(QStringLiteral("english"))->trigger();
+    window.findChild<QAction *>(QStringLiteral("Inhalt"))->trigger();
+    auto *help = window.findChild<QDialog *>(QStringLiteral("helpWindow"));
+    ASSERT_NE(help, nullptr);
+    EXPECT_TRUE(help->isVisible());
+    const QString english = help->findChild<QTextBrowser *>()->toPlainText();
+    EXPECT_TRUE(english.contains(window.texts().text(shell::TxtMenuSettings)));
+    window.findChild<QAction *>(QStringLiteral("deutsch"))->trigger();
+    window.findChild<QAction *>(QStringLiteral("Inhalt"))->trigger();
+    EXPECT_NE(help->findChild<QTextBrowser *>()->toPlainText(), english);
+    EXPECT_TRUE(help->findChild<QTextBrowser *>()->toPlainText().contains(QStringLiteral("Einstellungen")));
+
+    QMetaObject::invokeMethod(window.findChild<QAction *>(QStringLiteral("info")), "trigger",
+                              Qt::QueuedConnection);
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_TRUE(m_dialogs.messages.last().startsWith(QStringLiteral("Version 7.23-10.9.2009")));
+}
+
+TEST_F(MainWindowFlowsTest, SwitchesOpenConfigurationAtStartAndShowDevelopmentEntries)
+{
+    auto &plain = Open();
+    EXPECT_FALSE(plain.findChild<QAction *>(QStringLiteral("Entw"))->isVisible());
+    m_window.reset();
+
+    // "/K" reads the configuration at once: with the port still closed the user is told so.
+    auto &window = Open({QStringLiteral("--simulate"), QStringLiteral("/K"), QStringLiteral("/Entwicklung")});
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_EQ(m_dialogs.messages.first(), window.texts().text(shell::TxtPortNotOpen));
+    EXPECT_TRUE(window.findChild<QAction *>(QStringLiteral("Entw"))->isVisible());
+    EXPECT_TRUE(QFile::exists(m_dir.filePath(QStringLiteral("test.log"))));
+}
+
+TEST_F(MainWindowFlowsTest, ExitEndsTheProgram)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    QMetaObject::invokeMethod(window.findChild<QAction *>(QStringLiteral("Beenden")), "trigger",
+                              Qt::QueuedConnection);
+    EXPECT_EQ(QApplication::exec(), 0);
+}
