@@ -6,6 +6,8 @@
 #include "sim/PortTransport.h"
 
 #include <QDir>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <atomic>
 #include <gtest/gtest.h>
@@ -64,7 +66,14 @@ protected:
         QDir dir(QStringLiteral(KALVO_BUILT_BIN_DIR));
         dir.mkpath(QStringLiteral("screenshots"));
         const QString path = dir.filePath(QStringLiteral("screenshots/%1.png").arg(name));
-        widget.grab().save(path);
+        // Under a real display (Xvfb) the picture comes from the screen itself, not from a render:
+        // bring the window up and let it paint first.
+        widget.raise();
+        WaitUntil([] { return false; }, 300);
+        if (QGuiApplication::platformName() == QLatin1String("offscreen"))
+            widget.grab().save(path);
+        else
+            widget.screen()->grabWindow(widget.winId()).save(path);
         return path;
     }
 
