@@ -1,6 +1,6 @@
 // kalvo-cli against kalvo-sim over a real pseudo-terminal: what it prints and the bytes that reach the
 // tester.
-#include "SimProcess.h"
+#include "support/SimProcess.h"
 
 #include <QTemporaryDir>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // kalvo-cli clock, name and script against kalvo-sim over a pseudo-terminal.
-#include "SimProcess.h"
+#include "support/SimProcess.h"
 
 #include <QFile>
 #include <QRegularExpression>

@@ -14,20 +14,10 @@ using namespace kalvo::testing;
 
 class MainWindowFlowsTest : public WindowFixture {
 protected:
-    QList<QByteArray> LinesSince(qsizetype from)
-    {
-        QList<QByteArray> lines;
-        m_window->device().RunAndWait([&](link::Link &) {
-            const auto &received = m_tester.load()->receivedLines();
-            for (qsizetype i = from; i < received.size(); ++i)
-                lines << received[i].bytes;
-        });
-        return lines;
-    }
     void Trigger(const char *name)
     {
         m_window->findChild<QAction *>(QString::fromLatin1(name))->trigger();
-        EXPECT_TRUE(WaitUntil([this] { return !m_window->device().busy(); }));
+        EXPECT_TRUE(Idle());
     }
 };
 

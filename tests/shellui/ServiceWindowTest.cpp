@@ -30,22 +30,7 @@ protected:
         return *service;
     }
 
-    // The lines the tester received since `from`, read on the device thread.
-    QList<QByteArray> LinesSince(qsizetype from)
-    {
-        QList<QByteArray> lines;
-        m_window->device().RunAndWait([&](link::Link &) {
-            const auto &received = m_tester.load()->receivedLines();
-            for (qsizetype i = from; i < received.size(); ++i)
-                lines << received[i].bytes;
-        });
-        return lines;
-    }
     qsizetype LineCount() { return LinesSince(0).size(); }
-    bool Idle()
-    {
-        return WaitUntil([this] { return !m_window->device().busy(); });
-    }
     template <typename T> T *Child(const char *name)
     {
         return m_service->findChild<T *>(QString::fromLatin1(name));

@@ -60,6 +60,22 @@ protected:
         return WaitUntil([&] { return done; });
     }
 
+    // The lines the tester received from the `from`-th on, read on the device thread.
+    QList<QByteArray> LinesSince(qsizetype from)
+    {
+        QList<QByteArray> lines;
+        m_window->device().RunAndWait([&](link::Link &) {
+            const auto &received = m_tester.load()->receivedLines();
+            for (qsizetype i = from; i < received.size(); ++i)
+                lines << received[i].bytes;
+        });
+        return lines;
+    }
+    bool Idle()
+    {
+        return WaitUntil([this] { return !m_window->device().busy(); });
+    }
+
     // Saves a picture of `widget` next to the test programs, for a person to look at.
     static QString Screenshot(QWidget &widget, const QString &name)
     {

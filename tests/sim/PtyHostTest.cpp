@@ -1,8 +1,9 @@
 // kalvo-sim as a program: its pseudo-terminal, its log, its faults and how it ends.
+#include "support/SimProcess.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -14,24 +15,14 @@
 
 namespace {
 
-QString SimProgram()
-{
-    return QDir(qEnvironmentVariable("KALVO_BIN_DIR", QStringLiteral(KALVO_BUILT_BIN_DIR)))
-        .filePath(QStringLiteral("kalvo-sim"));
-}
-
 // kalvo-sim started with a log; the client end of its terminal opened raw.
 class RunningSim {
 public:
-    explicit RunningSim(const QStringList &arguments)
+    explicit RunningSim(const QStringList &arguments) : m_sim(arguments)
     {
-        m_process.start(SimProgram(), QStringList{QStringLiteral("--log"), logPath()} + arguments);
-        if (!m_process.waitForStarted(10000))
+        if (!m_sim.started())
             return;
-        while (!m_process.canReadLine() && m_process.waitForReadyRead(10000)) {
-        }
-        const QByteArray path = m_process.readLine().trimmed();
-        m_fd = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+        m_fd = ::open(m_sim.pty().toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
         if (m_fd < 0)
             return;
         termios raw{};
@@ -43,10 +34,6 @@ public:
     {
         if (m_fd >= 0)
             ::close(m_fd);
-        if (m_process.state() != QProcess::NotRunning) {
-            m_process.kill();
-            m_process.waitForFinished(5000);
-        }
     }
     bool ready() const { return m_fd >= 0; }
     void Write(const QByteArray &bytes)
@@ -72,23 +59,15 @@ public:
     }
     QStringList LoggedLines() const
     {
-        QFile log(logPath());
         QStringList lines;
-        if (log.open(QIODevice::ReadOnly)) {
-            for (const QByteArray &line : log.readAll().split('\n')) {
-                if (!line.isEmpty())
-                    lines << QString::fromLatin1(line.mid(line.indexOf('\t') + 1));
-            }
-        }
+        for (const kalvo::testing::ReceivedLine &line : m_sim.ReceivedLines())
+            lines << line.bytes;
         return lines;
     }
-    QProcess &process() { return m_process; }
+    QProcess &process() { return m_sim.process(); }
 
 private:
-    QString logPath() const { return m_dir.filePath(QStringLiteral("sim.log")); }
-
-    QTemporaryDir m_dir;
-    QProcess m_process;
+    kalvo::testing::SimProcess m_sim;
     int m_fd = -1;
 };
 
@@ -137,7 +116,7 @@ TEST(KalvoSim, RejectsBadOptionsWithAReason)
     };
     for (const Case &c : cases) {
         QProcess process;
-        process.start(SimProgram(), c.args);
+        process.start(kalvo::testing::BuiltProgram(QStringLiteral("kalvo-sim")), c.args);
         ASSERT_TRUE(process.waitForFinished(5000)) << c.args.join(' ').toStdString();
         EXPECT_EQ(process.exitCode(), c.exitCode) << c.args.join(' ').toStdString();
         const QString said =

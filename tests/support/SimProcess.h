@@ -21,6 +21,7 @@ public:
     const QString &pty() const { return m_pty; }
     // The command lines the virtual tester received, in order.
     QList<ReceivedLine> ReceivedLines() const;
+    QProcess &process() { return m_process; }
 
 private:
     QTemporaryDir m_dir;
