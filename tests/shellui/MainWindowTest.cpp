@@ -129,3 +129,31 @@ TEST_F(MainWindowTest, ConfigurationNeedsAnOpenPortAndShowsTheRegisters)
     ASSERT_TRUE(WaitUntil([&] { return frame->isVisible(); }));
     EXPECT_EQ(m_dialogs.messages.size(), 1);
 }
+
+TEST_F(MainWindowTest, AMissingLanguageFileKeepsTheGermanTextsAndSaysSoOnce)
+{
+    m_programDir = m_dir.path(); // no sprachen.TXT there
+    auto &window = Open();
+    window.findChild<QAction *>(QStringLiteral("english"))->trigger();
+    window.findChild<QAction *>(QStringLiteral("france"))->trigger();
+    ASSERT_EQ(m_dialogs.messages.size(), 1);
+    EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("sprachen.TXT")));
+    EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
+              QStringLiteral("Einstellungen"));
+}
+
+TEST_F(MainWindowTest, ALanguageFileOfTooManyRowsIsReportedAndChangesNothing)
+{
+    QByteArray rows;
+    for (int i = 0; i < 205; ++i)
+        rows += "key;Zeile;row\r\n";
+    WriteFile(m_dir.filePath(QStringLiteral("sprachen.TXT")), rows);
+    m_programDir = m_dir.path();
+    auto &window = Open();
+    window.findChild<QAction *>(QStringLiteral("english"))->trigger();
+    ASSERT_GE(m_dialogs.messages.size(), 1);
+    EXPECT_TRUE(m_dialogs.messages.last().contains(QStringLiteral("201")))
+        << m_dialogs.messages.last().toStdString();
+    EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
+              QStringLiteral("Einstellungen"));
+}

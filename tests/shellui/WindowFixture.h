@@ -35,7 +35,7 @@ protected:
         shell::ui::Startup startup;
         startup.switches = shell::ParseSwitches(arguments);
         startup.settings = shell::ReadSettings();
-        startup.programDir = QStringLiteral(KALVO_BUILT_BIN_DIR);
+        startup.programDir = m_programDir;
         startup.transportFactory = [this, faults] {
             auto transport = std::make_unique<sim::PortTransport>();
             for (const QString &fault : faults)
@@ -95,6 +95,7 @@ protected:
 
     QTemporaryDir m_dir;
     QString m_previousDir;
+    QString m_programDir = QStringLiteral(KALVO_BUILT_BIN_DIR); // sprachen.TXT and the help pages
     std::unique_ptr<shell::ui::MainWindow> m_window;
     std::atomic<sim::VirtualTester *> m_tester{nullptr};
     DialogAnswerer m_dialogs;
