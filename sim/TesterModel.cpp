@@ -2,6 +2,7 @@
 #include "TesterModel.h"
 
 #include "DisplayFrame.h"
+#include "RecordCommands.h"
 
 #include <QRegularExpression>
 
@@ -126,7 +127,14 @@ TesterModel::Reply TesterModel::Answer(const QByteArray &line)
         return reply;
     }
     m_display.clear();
-    const auto payload = Payload(line, reply.restartArmed);
+    const QByteArray lower = line.toLower();
+    const RecordCommands records(m_records, m_kymInFront, m_printTemplate);
+    // The listing and the accessory's stream come without an echo: the PC files them as they arrive.
+    if (const auto stream = records.Stream(lower)) {
+        reply.answer = *stream;
+        return reply;
+    }
+    const auto payload = records.Handles(lower) ? records.Payload(lower) : Payload(line, reply.restartArmed);
     reply.answer = payload ? line + *payload + "\r\n" + kDC1 : Refusal(line);
     reply.display = std::exchange(m_display, {});
     return reply;

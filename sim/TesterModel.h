@@ -1,6 +1,7 @@
 // What the virtual tester answers to one command line, and the memory its answers come from.
 #pragma once
 
+#include "RecordStore.h"
 #include "TesterState.h"
 #include "link/Clock.h"
 
@@ -40,6 +41,12 @@ public:
     void setName(const QByteArray &name);
     void setKymInFront(bool on) { m_kymInFront = on; }
     bool kymInFront() const { return m_kymInFront; }
+    // Test records, test specifications, the current record and the accessory's records.
+    RecordStore &records() { return m_records; }
+    const RecordStore &records() const { return m_records; }
+    // The print template chosen in the tester, 0..4; "prn?" reports it.
+    void setPrintTemplate(int number) { m_printTemplate = number; }
+    int printTemplate() const { return m_printTemplate; }
     // "dd.mm.yy hh:mm" for system, configuration, pictures, help, sequences.
     void setVersionDates(const std::array<QByteArray, kVersionParts> &dates) { m_versionDates = dates; }
     const std::array<QByteArray, kVersionParts> &versionDates() const { return m_versionDates; }
@@ -71,6 +78,8 @@ private:
     TesterState m_stored;
     bool m_configurationMode = false;
     bool m_kymInFront = false;
+    RecordStore m_records;
+    int m_printTemplate = 1;
     QByteArray m_display; // set while a line is answered, handed out with its reply
     int m_helpText = 0;   // the help text picked, 0 for none
     bool m_helpShown = false;

@@ -26,6 +26,9 @@ struct Options {
     int language = 0;
     QByteArray name;
     bool kym = false;
+    int records = -1;          // -1: every sample record
+    int accessoryRecords = -1; // -1: every sample record of the accessory
+    bool noCurrent = false;
     QString logPath;
     double displayEvery = 0;
     double restartDelay = 0;
@@ -45,6 +48,9 @@ void PrintUsage(std::FILE *to)
         "  --language CODE          display language code 0..99 (default 0, deutsch)\n"
         "  --name NAME              the tester's name, at most 8 characters (default KALVO-01)\n"
         "  --kym                    the KYM accessory is switched on in front of the tester\n"
+        "  --records N              keep only the first N test records of the store (0: empty)\n"
+        "  --kym-records N          keep only the first N records of the accessory (0: empty)\n"
+        "  --no-current             no current record (no test made since switching on)\n"
         "  --log FILE               one line per received command line: ms since start, TAB, bytes\n"
         "  --display-every SECONDS  send a remote-display frame whenever the line is idle that long\n"
         "  --restart-delay SECONDS  how long a restart keeps the tester from answering (default 0)\n"
@@ -78,8 +84,13 @@ bool ParseOptions(const QStringList &args, Options &options, bool &help)
             options.kym = true;
             continue;
         }
-        const QStringList valued = {"--baud", "--fault",         "--language",     "--name",
-                                    "--log",  "--display-every", "--restart-delay"};
+        if (arg == QLatin1String("--no-current")) {
+            options.noCurrent = true;
+            continue;
+        }
+        const QStringList valued = {"--baud",          "--fault",   "--language",
+                                    "--name",          "--log",     "--display-every",
+                                    "--restart-delay", "--records", "--kym-records"};
         if (!valued.contains(arg))
             return Fail(QStringLiteral("unknown option \"%1\"").arg(arg));
         if (i + 1 >= args.size())
@@ -104,6 +115,12 @@ bool ParseOptions(const QStringList &args, Options &options, bool &help)
             options.name = value.toLatin1();
             if (options.name.isEmpty() || options.name.size() > 8)
                 return Fail(QStringLiteral("--name wants 1 to 8 characters, not \"%1\"").arg(value));
+        } else if (arg == QLatin1String("--records") || arg == QLatin1String("--kym-records")) {
+            const int count = value.toInt(&ok);
+            if (!ok || count < 0)
+                return Fail(
+                    QStringLiteral("%1 wants a whole number of 0 or more, not \"%2\"").arg(arg, value));
+            (arg == QLatin1String("--records") ? options.records : options.accessoryRecords) = count;
         } else if (arg == QLatin1String("--log")) {
             options.logPath = value;
         } else if (arg == QLatin1String("--display-every")) {
@@ -138,6 +155,13 @@ int main(int argc, char *argv[])
     tester.setRestartDelay(link::FromSeconds(options.restartDelay));
     tester.model().setLanguage(options.language);
     tester.model().setKymInFront(options.kym);
+    sim::RecordStore &store = tester.model().records();
+    if (options.records >= 0)
+        store.KeepFirst(options.records);
+    if (options.accessoryRecords >= 0)
+        store.setAccessoryRecords(store.accessoryRecords().mid(0, options.accessoryRecords));
+    if (options.noCurrent)
+        store.setCurrent(std::nullopt);
     if (!options.name.isEmpty())
         tester.model().setName(options.name);
     for (const QString &fault : std::as_const(options.faults))

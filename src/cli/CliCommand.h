@@ -25,5 +25,6 @@ struct UsageError {
 
 QList<CliCommand> LinkCommands();
 QList<CliCommand> ShellCommands();
+QList<CliCommand> RecordCommands();
 
 } // namespace kalvo::cli

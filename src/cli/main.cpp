@@ -15,7 +15,7 @@ namespace {
 
 QList<CliCommand> AllCommands()
 {
-    return LinkCommands() + ShellCommands();
+    return LinkCommands() + ShellCommands() + RecordCommands();
 }
 
 void PrintHelp(QTextStream &out)

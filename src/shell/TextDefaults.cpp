@@ -3,9 +3,9 @@
 
 namespace kalvo::shell {
 
-const std::array<TextDefault, 60> &TextDefaults()
+const std::array<TextDefault, 61> &TextDefaults()
 {
-    static const std::array<TextDefault, 60> kDefaults = {{
+    static const std::array<TextDefault, 61> kDefaults = {{
         {TxtPortNotOpen, "port not open",
          "Die Schnittstelle ist nicht geöffnet. Bitte unter Einstellungen die Schnittstelle wählen und mit "
          "OK "
@@ -27,6 +27,7 @@ const std::array<TextDefault, 60> &TextDefaults()
          "Der Speicher enthält noch Prüfprotokolle. Bitte zuerst die Protokolle auslesen und löschen."},
         {TxtUpdateDue, "update due", "Für diesen Kalvomer liegt ein neueres Update bereit."},
         {TxtConnected, "connected", "Verbunden mit"},
+        {TxtMenuRecords, "menu records", "Protokolle"},
         {TxtMenuSettings, "menu settings", "Einstellungen"},
         {TxtMenuConnection, "menu connection", "Schnittstelle"},
         {TxtMenuConfig, "menu configuration", "Konfiguration"},

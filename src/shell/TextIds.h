@@ -24,6 +24,7 @@ enum TextId : int {
     TxtDeleteHoldsRecords = 14,
     TxtUpdateDue = 15,
     TxtConnected = 16,
+    TxtMenuRecords = 17,
     // Main window
     TxtMenuSettings = 20,
     TxtMenuConnection = 21,
@@ -79,6 +80,6 @@ struct TextDefault {
 };
 
 // Every row the program uses, in row order.
-const std::array<TextDefault, 60> &TextDefaults();
+const std::array<TextDefault, 61> &TextDefaults();
 
 } // namespace kalvo::shell

@@ -112,6 +112,8 @@ TEST(KalvoSim, RejectsBadOptionsWithAReason)
         {{QStringLiteral("--name"), QStringLiteral("NINE-CHAR")}, 2, "NINE-CHAR"},
         {{QStringLiteral("--baud")}, 2, "--baud"},
         {{QStringLiteral("--frobnicate")}, 2, "--frobnicate"},
+        {{QStringLiteral("--records"), QStringLiteral("-1")}, 2, "--records"},
+        {{QStringLiteral("--kym-records"), QStringLiteral("many")}, 2, "many"},
         {{QStringLiteral("--help")}, 0, "--fault FAULT"},
     };
     for (const Case &c : cases) {
@@ -122,5 +124,33 @@ TEST(KalvoSim, RejectsBadOptionsWithAReason)
         const QString said =
             QString::fromLocal8Bit(process.readAllStandardError() + process.readAllStandardOutput());
         EXPECT_TRUE(said.contains(QString::fromLatin1(c.mentions))) << said.toStdString();
+    }
+}
+
+TEST(KalvoSim, RecordOptionsShapeTheStoreAndTheAccessory)
+{
+    struct Case {
+        QStringList args;
+        QByteArray line;
+        QByteArray answer;
+    };
+    const Case cases[] = {
+        {{}, "prx?n", "prx?n= 14\r\n\x11"},
+        {{QStringLiteral("--records"), QStringLiteral("2")}, "prx?n", "prx?n= 2\r\n\x11"},
+        {{QStringLiteral("--records"), QStringLiteral("0")}, "prx?3x", "prx?3x Protokoll .N\r\n\x11"},
+        {{}, "prx?", "prx?.Y\r\n\x11"},
+        {{QStringLiteral("--no-current")}, "prx?", "prx?.N\r\n\x11"},
+        {{QStringLiteral("--kym")}, "esr?", "esr?;5\r\n\x11"},
+        {{QStringLiteral("--kym"), QStringLiteral("--kym-records"), QStringLiteral("0")},
+         "esr?",
+         "esr?;0\r\n\x11"},
+        {{}, "esr?", "esr? Protokoll .N\r\n\x11"},
+    };
+    for (const Case &c : cases) {
+        RunningSim sim(QStringList{QStringLiteral("--baud"), QStringLiteral("0")} + c.args);
+        ASSERT_TRUE(sim.ready());
+        sim.Write(c.line + '\r');
+        EXPECT_EQ(sim.ReadAnswer(), c.answer)
+            << c.args.join(' ').toStdString() << " " << c.line.toStdString();
     }
 }

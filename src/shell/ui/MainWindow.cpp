@@ -7,6 +7,7 @@
 #include "ServiceWindow.h"
 #include "SettingsFrame.h"
 #include "link/Errors.h"
+#include "records/ui/RecordWindow.h"
 #include "link/PortNames.h"
 #include "link/Registers.h"
 #include "link/ServiceSession.h"
@@ -91,6 +92,7 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
 MainWindow::~MainWindow()
 {
     delete m_service;
+    delete m_records;
     m_device.reset();
 }
 
@@ -108,6 +110,7 @@ void MainWindow::BuildMenus()
     m_configAction = action(m_settingsMenu, "config", &MainWindow::OpenConfig);
     m_clockAction = action(m_settingsMenu, "UhrStellen", &MainWindow::SetClock);
     m_nameAction = action(m_settingsMenu, "Taufe", &MainWindow::NameTester);
+    m_recordsAction = action(nullptr, "protokolle", &MainWindow::OpenRecords);
     m_serviceAction = action(nullptr, "service", &MainWindow::OpenService);
 
     m_languageMenu = menuBar()->addMenu(QString());
@@ -157,6 +160,7 @@ void MainWindow::ApplyTexts()
     m_clockAction->setText(m_texts.text(TxtMenuClock));
     m_nameAction->setText(m_texts.text(TxtMenuName));
     m_serviceAction->setText(m_texts.text(TxtMenuService));
+    m_recordsAction->setText(m_texts.text(TxtMenuRecords));
     m_languageMenu->setTitle(m_texts.text(TxtMenuLanguage));
     m_helpMenu->setTitle(m_texts.text(TxtMenuHelp));
     m_helpContents->setText(m_texts.text(TxtMenuHelpContents));
@@ -188,6 +192,8 @@ void MainWindow::SetBusy(bool busy)
         w->setEnabled(!busy);
     if (m_service)
         m_service->SetBusy(busy);
+    if (m_records)
+        m_records->SetBusy(busy);
     if (busy)
         QApplication::setOverrideCursor(Qt::WaitCursor);
     else
@@ -270,10 +276,12 @@ void MainWindow::NameTester()
 {
     m_settings->show();
     const link::IdentifyOptions options{m_startup.programDir, link::SystemDateOrder()};
-    PostChecked([this, options, texts = m_texts](link::Link &link) {
+    // The device thread gets its own copy of the texts: the window may switch language meanwhile.
+    auto texts = std::make_shared<const LanguageTable>(m_texts);
+    PostChecked([this, options, texts](link::Link &link) {
         const link::TesterIdentity identity = link::IdentifyTester(link, options);
         OnWindow([this, identity] { ShowIdentity(m_connection, identity); });
-        shell::NameTester(link, *m_prompter, texts);
+        shell::NameTester(link, *m_prompter, *texts);
     });
 }
 
@@ -290,6 +298,17 @@ void MainWindow::OpenService()
     }
     m_service->show();
     m_service->raise();
+}
+
+void MainWindow::OpenRecords()
+{
+    if (!m_records) {
+        m_records = new records::ui::RecordWindow(*m_device, *m_prompter, m_startup.programDir);
+        m_records->setAttribute(Qt::WA_DeleteOnClose);
+        m_records->SetBusy(m_device->busy());
+    }
+    m_records->show();
+    m_records->raise();
 }
 
 void MainWindow::ShowHelp()

@@ -14,6 +14,10 @@
 class QAction;
 class QMenu;
 
+namespace kalvo::records::ui {
+class RecordWindow;
+}
+
 namespace kalvo::shell::ui {
 
 class ConfigFrame;
@@ -66,6 +70,7 @@ private:
     void SetClock();
     void NameTester();
     void OpenService();
+    void OpenRecords();
     void ShowHelp();
     void ShowInfo();
 
@@ -83,9 +88,10 @@ private:
     RemoteDisplay *m_display;
     QPointer<HelpWindow> m_help;
     QPointer<ServiceWindow> m_service;
+    QPointer<records::ui::RecordWindow> m_records;
 
     QMenu *m_settingsMenu, *m_languageMenu, *m_helpMenu;
-    QAction *m_connection_, *m_configAction, *m_clockAction, *m_nameAction, *m_serviceAction, *m_helpContents,
+    QAction *m_connection_, *m_configAction, *m_clockAction, *m_nameAction, *m_serviceAction, *m_recordsAction, *m_helpContents,
         *m_infoAction, *m_exitAction, *m_developmentAction;
     QList<QAction *> m_languageActions;
     // Entries and buttons that start device work: disabled while an operation runs.

@@ -1,0 +1,198 @@
+// kalvo-cli records, report, kym and csv: test records from the tester, the accessory and files.
+#include "CliCommand.h"
+#include "CliContext.h"
+
+#include "records/RecordDecoding.h"
+#include "records/RecordFiles.h"
+#include "records/RecordRetrieval.h"
+#include "records/ReportBuilder.h"
+#include "records/TesterPrintText.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+namespace kalvo::cli {
+
+namespace {
+
+int NumberArgument(const QString &word, const QString &what)
+{
+    bool ok = false;
+    const int value = word.toInt(&ok);
+    if (!ok)
+        throw UsageError{QStringLiteral("%1 muss eine Zahl sein, nicht %2").arg(what, word)};
+    return value;
+}
+
+// The positional words and the values of `--name VALUE` options; anything else is a usage error.
+struct Words {
+    QStringList positional;
+    QMap<QString, QString> options;
+};
+
+Words SplitWords(const QStringList &words, const QStringList &valueOptions)
+{
+    Words result;
+    for (qsizetype i = 0; i < words.size(); ++i) {
+        if (!words[i].startsWith(QLatin1String("--"))) {
+            result.positional << words[i];
+        } else if (valueOptions.contains(words[i]) && i + 1 < words.size()) {
+            result.options.insert(words[i], words[i + 1]);
+            ++i;
+        } else {
+            throw UsageError{QStringLiteral("unbekanntes Argument %1").arg(words[i])};
+        }
+    }
+    return result;
+}
+
+int ExitFor(const records::RetrievalResult &result)
+{
+    return result.status == records::RetrievalStatus::Done ? kExitDone : kExitFailed;
+}
+
+int ReadAll(CliContext &context, const QString &file)
+{
+    context.prompter().PresetFile(file);
+    context.OpenPort();
+    QTextStream &out = context.out();
+    const auto result =
+        records::StoreAllRecords(context.link(), context.prompter(),
+                                 [&out](int number, const QByteArray &) { out << number << '\n'; });
+    if (result.status == records::RetrievalStatus::Done)
+        out << result.records.size() << " records -> " << QDir::toNativeSeparators(file) << '\n';
+    return ExitFor(result);
+}
+
+int Records(CliContext &context, const QStringList &words)
+{
+    const Words w = SplitWords(words, {QStringLiteral("--template")});
+    const QString action = w.positional.value(0);
+    QTextStream &out = context.out();
+    if (action == QLatin1String("count") && w.positional.size() == 1 && w.options.isEmpty()) {
+        context.OpenPort();
+        out << records::CountRecords(context.link()) << '\n';
+        return kExitDone;
+    }
+    if (action == QLatin1String("list") && w.positional.size() == 1 && w.options.isEmpty()) {
+        context.OpenPort();
+        if (records::CountRecords(context.link()) < 1) {
+            context.prompter().message(records::kNoRecordsText, link::Prompter::Icon::Information);
+            return kExitFailed;
+        }
+        const auto listing = records::ReadStoreListing(context.link(), records::kProtoFileName);
+        for (const QString &entry : listing.records)
+            out << entry << '\n';
+        return kExitDone;
+    }
+    if (action == QLatin1String("read-all") && w.positional.size() == 2 && w.options.isEmpty())
+        return ReadAll(context, w.positional[1]);
+    if (action == QLatin1String("current") && w.positional.size() == 2 && w.options.isEmpty()) {
+        context.prompter().PresetFile(w.positional[1]);
+        context.OpenPort();
+        return ExitFor(records::StoreCurrentRecord(context.link(), context.prompter()));
+    }
+    if (action == QLatin1String("show") && w.positional.size() == 2) {
+        const int record = NumberArgument(w.positional[1], QStringLiteral("N"));
+        const int templateNumber =
+            NumberArgument(w.options.value(QStringLiteral("--template"), "1"), QStringLiteral("--template"));
+        if (templateNumber < records::kLowestTemplate || templateNumber > records::kHighestTemplate)
+            throw UsageError{QStringLiteral("--template muss zwischen 0 und 4 liegen")};
+        context.OpenPort();
+        out << records::RenderStoredRecord(context.link(), templateNumber, record);
+        return kExitDone;
+    }
+    throw UsageError{QStringLiteral("count | list | read-all FILE | current FILE | show N [--template 0-4]")};
+}
+
+int Report(CliContext &context, const QStringList &words)
+{
+    const Words w = SplitWords(words, {QStringLiteral("--record"), QStringLiteral("--pdf")});
+    if (w.positional.size() != 1)
+        throw UsageError{QStringLiteral("genau eine Protokolldatei")};
+    const QList<QByteArray> all = records::LoadRecordFile(w.positional[0]);
+    QList<QByteArray> chosen = all;
+    if (w.options.contains(QStringLiteral("--record"))) {
+        const int number =
+            NumberArgument(w.options.value(QStringLiteral("--record")), QStringLiteral("--record"));
+        if (number < 1 || number > all.size())
+            throw UsageError{QStringLiteral("--record muss zwischen 1 und %1 liegen").arg(all.size())};
+        chosen = {all[number - 1]};
+    }
+    QTextStream &out = context.out();
+    QTextStream err(stderr);
+    int exitCode = kExitDone;
+    for (qsizetype i = 0; i < chosen.size(); ++i) {
+        if (i > 0)
+            out << "\f\r\n";
+        // A refused record is named and skipped; the others still make their reports.
+        try {
+            out << records::BuildReport(records::DecodeRecord(chosen[i]));
+        } catch (const link::KalvoError &e) {
+            out.flush();
+            err << e.message() << Qt::endl;
+            exitCode = kExitFailed;
+        }
+    }
+    if (w.options.contains(QStringLiteral("--pdf"))) {
+        out.flush();
+        err << "PDF: not built into kalvo-cli yet" << Qt::endl;
+        exitCode = kExitFailed;
+    }
+    return exitCode;
+}
+
+int Kym(CliContext &context, const QStringList &words)
+{
+    if (words.size() != 2 || words[0] != QLatin1String("read"))
+        throw UsageError{QStringLiteral("read FILE")};
+    const QString logTmp = QDir(QCoreApplication::applicationDirPath()).filePath(records::kLogTmpFileName);
+    context.prompter().PresetFile(words[1]);
+    context.OpenPort();
+    QTextStream &out = context.out();
+    const auto result =
+        records::ReadAccessoryRecords(context.link(), context.prompter(), logTmp,
+                                      [&out](int number, const QByteArray &) { out << number << '\n'; });
+    if (result.status != records::RetrievalStatus::Done)
+        return kExitFailed;
+    QList<QByteArray> table = result.records.mid(0, records::kAccessoryTableSize);
+    const auto stored =
+        records::StoreAccessoryRecords(context.link(), context.prompter(), logTmp, table, QString());
+    return stored == records::StoreStatus::Written ? kExitDone : kExitFailed;
+}
+
+int Csv(CliContext &context, const QStringList &words)
+{
+    const Words w = SplitWords(words, {QStringLiteral("--header")});
+    if (w.positional.size() != 2)
+        throw UsageError{QStringLiteral("eine Protokolldatei und eine Ausgabedatei")};
+    // Every record of the file goes into the export, not only the first twelve the old table held.
+    const QList<QByteArray> entries = records::LoadRecordFile(w.positional[0]);
+    records::ExportCsvFile(w.positional[1], w.options.value(QStringLiteral("--header")), entries, QString());
+    context.out() << entries.size() << " records -> " << QDir::toNativeSeparators(w.positional[1]) << '\n';
+    return kExitDone;
+}
+
+} // namespace
+
+QList<CliCommand> RecordCommands()
+{
+    return {
+        {QStringLiteral("records"),
+         QStringLiteral("count | list | read-all FILE | current FILE | show N [--template 0-4]"),
+         QStringLiteral(
+             "the tester's test records: how many, the store listing, all or the current one into a "
+             "record file, one as the tester prints it (template 1 by default)"),
+         Records},
+        {QStringLiteral("report"), QStringLiteral("FILE [--record N] [--pdf OUT]"),
+         QStringLiteral(
+             "the test report of each record of a record file (or of record N), form feed between"),
+         Report},
+        {QStringLiteral("kym"), QStringLiteral("read FILE"),
+         QStringLiteral("read every record of the KYM accessory into log.tmp and FILE"), Kym},
+        {QStringLiteral("csv"), QStringLiteral("FILE OUT [--header ueber.csv]"),
+         QStringLiteral("export every record of a record file as semicolon-separated Windows text"), Csv},
+    };
+}
+
+} // namespace kalvo::cli

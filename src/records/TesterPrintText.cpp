@@ -1,0 +1,62 @@
+// Fetching and cleaning the print text the tester renders with its templates.
+#include "TesterPrintText.h"
+
+#include "link/Link.h"
+#include "link/TextRules.h"
+
+namespace kalvo::records {
+
+namespace {
+
+constexpr char kFormFeed = '\x0c';
+
+bool TemplateInRange(int templateNumber)
+{
+    return templateNumber >= kLowestTemplate && templateNumber <= kHighestTemplate;
+}
+
+} // namespace
+
+QString ExtractPrintText(const QByteArray &answer)
+{
+    // The echo of the command stands in front of ENQ, the line end and DC1 behind FF.
+    const qsizetype start = answer.indexOf(link::kENQ) + 1;
+    qsizetype end = answer.indexOf(kFormFeed, start);
+    if (end < 0)
+        end = answer.size();
+    QString text;
+    text.reserve(end - start);
+    for (qsizetype i = start; i < end; ++i) {
+        const auto c = static_cast<unsigned char>(answer[i]);
+        if (c == '\r' || c == '\n' || (c >= 20 && c < 32))
+            text += QChar(c);
+        else if (c >= 32 && c <= 254)
+            text += link::ConvertDisplayChar(c);
+    }
+    return text;
+}
+
+QString ShowTesterPrintText(link::Link &link, const QByteArray &command)
+{
+    return ExtractPrintText(link.Exchange(command));
+}
+
+QString RenderStoredRecord(link::Link &link, int templateNumber, int record)
+{
+    if (!TemplateInRange(templateNumber))
+        return {};
+    link.Exchange("tas!ron");
+    const QString text = ShowTesterPrintText(link, "prn!" + QByteArray::number(templateNumber) + ',' +
+                                                       QByteArray::number(record));
+    link.Exchange("rst!0");
+    return text;
+}
+
+QString RenderCurrentRecord(link::Link &link, int templateNumber)
+{
+    if (!TemplateInRange(templateNumber))
+        return {};
+    return ShowTesterPrintText(link, "prn!" + QByteArray::number(templateNumber));
+}
+
+} // namespace kalvo::records

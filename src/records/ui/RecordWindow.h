@@ -1,0 +1,76 @@
+// The record window FRMProt ("Protokoll utility"): the record list, the report box, reading,
+// printing, PDF, files and the CSV export.
+#pragma once
+
+#include <QMainWindow>
+
+class QAction;
+class QActionGroup;
+class QListWidget;
+class QPlainTextEdit;
+
+namespace kalvo::link {
+class Link;
+class Prompter;
+} // namespace kalvo::link
+
+namespace kalvo::shell::ui {
+class DeviceThread;
+}
+
+namespace kalvo::records::ui {
+
+class RecordWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    // `programDir` holds "log.tmp" of the last accessory read; "proto.txt" goes to the current folder.
+    RecordWindow(shell::ui::DeviceThread &device, link::Prompter &prompter, const QString &programDir,
+                 QWidget *parent = nullptr);
+
+    void SetBusy(bool busy);
+    QString reportText() const;
+    int templateNumber() const { return m_template; }
+
+signals:
+    // A list or report has been filled (for whoever waits on it).
+    void shown();
+
+private:
+    // Where the entries of the record list come from: that decides what selecting one does.
+    enum class Source { None, TesterStore, Records };
+
+    void BuildMenus();
+    void Post(std::function<void(link::Link &)> job);
+    void OnWindow(std::function<void()> call);
+    void ShowReport(const QString &text);
+    void ShowRecords(const QList<QByteArray> &records, Source source);
+    void EnableOutput(bool on);
+
+    void ShowCurrentRecord();       // aktuellProt
+    void StoreCurrentRecordToFile(); // storesingle
+    void ShowStoreListing();        // dbProt
+    void StoreAllRecordsToFile();   // storeall
+    void ReadAccessory();           // kymAscii
+    void StoreAccessory();          // protStore
+    void ExportCsv();               // fexcel
+    void LoadRecordsFromFile();     // ausDatei
+    void MakeReport();              // PrintProt
+    void PrintReport();             // drucken
+    void SaveReportAsPdf();
+    void RecordSelected(int row);
+
+    shell::ui::DeviceThread &m_device;
+    link::Prompter &m_prompter;
+    QString m_programDir;
+    Source m_source = Source::None;
+    QList<QByteArray> m_records; // the records behind the list when it came from a file or the accessory
+    QList<int> m_numbers;        // the store's record numbers when it came from the tester
+    int m_template = 1;
+
+    QListWidget *m_list;      // lb1
+    QPlainTextEdit *m_report; // Protokol
+    QAction *m_drucken, *m_pdf, *m_protStore, *m_fexcel;
+    QList<QAction *> m_deviceActions;
+};
+
+} // namespace kalvo::records::ui
