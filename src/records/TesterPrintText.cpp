@@ -9,6 +9,7 @@ namespace kalvo::records {
 namespace {
 
 constexpr char kFormFeed = '\x0c';
+constexpr unsigned char kEscape = 27;
 
 bool TemplateInRange(int templateNumber)
 {
@@ -28,7 +29,9 @@ QString ExtractPrintText(const QByteArray &answer)
     text.reserve(end - start);
     for (qsizetype i = start; i < end; ++i) {
         const auto c = static_cast<unsigned char>(answer[i]);
-        if (c == '\r' || c == '\n' || (c >= 20 && c < 32))
+        // Codes 20..31 carry the template's own marks and stay; ESC opens a printer control
+        // sequence, which means nothing on the screen.
+        if (c == '\r' || c == '\n' || (c >= 20 && c < 32 && c != kEscape))
             text += QChar(c);
         else if (c >= 32 && c <= 254)
             text += link::ConvertDisplayChar(c);

@@ -14,7 +14,8 @@ constexpr int kLowestTemplate = 0; // 0 is the "Universal" template
 constexpr int kHighestTemplate = 4;
 
 // The print text of a "prn!" answer: from behind the first ENQ to the first FF after it (the whole
-// answer where they are missing); CR, LF and codes 20..254 kept, everything else dropped.
+// answer where they are missing); CR, LF and codes 20..31 (ESC excepted) kept as they are, 32..254 through
+// the display conversion, everything else dropped.
 QString ExtractPrintText(const QByteArray &answer);
 
 // Sends `command` (without CR) and returns the print text of its answer.

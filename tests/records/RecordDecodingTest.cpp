@@ -42,9 +42,7 @@ TEST(DecodeRecord, CodeStringGivesVerdictRegulationClassAndAppliedPart)
         {CodeString('1', '8', "05", "01"), " bestanden", "EN 60335", "1", "B"},
         {CodeString('1', '9', "05", "01"), " bestanden", "EN 60950", "1", "B"},
         // Exactly 25 characters: accepted, and the class positions are missing, so 0 - 4.
-        {QByteArray("000000700005000000000000"
-                    "0"),
-         " nicht bestanden", "DIN VDE 0702", "-4", ""},
+        {QByteArray("0000007000005000000000000"), " nicht bestanden", "DIN VDE 0702", "-4", ""},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.code.constData());
@@ -64,7 +62,7 @@ TEST(DecodeRecord, FieldsAreCountedFromTheSecondCharacterAndEmptyOnesKeepTheirNu
         QList<QByteArray> fields; // fields 1..n expected
     } cases[] = {
         {"P" + QByteArray("A;") + code + ";;D;$FF\r\n", {"A", code, "", "D", "$FF"}},
-        {";A;" + code + ";C\n", {"A", code, "C"}},             // a leading ";" is skipped like any first character
+        {";A;" + code + ";C\n", {"A", code, "C"}}, // a leading ";" is skipped like any first character
         {"PA;" + code + ";C;;;F", {"A", code, "C", "", "", "F"}}, // no line end at all
     };
     for (const auto &c : cases) {
@@ -84,7 +82,8 @@ TEST(DecodeRecord, RefusesOldRecordsAndMoreThan256Fields)
         FAIL() << "a 24-character code string was accepted";
     } catch (const RecordTooOld &e) {
         EXPECT_EQ(e.number(), 31996);
-        EXPECT_EQ(e.text(), QStringLiteral("Das Protokoll läßt sich nur aus dem Kalvomer ab Version 3.x generieren"));
+        EXPECT_EQ(e.text(),
+                  QStringLiteral("Das Protokoll läßt sich nur aus dem Kalvomer ab Version 3.x generieren"));
     }
 
     const QByteArray start = "PKALVO;" + CodeString('1', '5');
@@ -123,7 +122,8 @@ TEST(BuildReport, RecordWithAccessoryDataGivesTheWholeReport)
         {63, "12345"},
         {64, "Musterstadt"},
         {65, "Kabel getauscht"},
-        {66, "Stecker gepr\x81" "ft"},
+        {66, "Stecker gepr\x81"
+             "ft"},
         {74, "Ende"},
     }));
     const QString expected = Joined({
@@ -230,7 +230,9 @@ TEST(MeasuredValueText, EmptyIsOneTabAndTesterCharactersAreShown)
     } cases[] = {
         {"", QStringLiteral("\t")},
         {"0.12", QStringLiteral("0.12")},
-        {"12\xe6" "A", QStringLiteral("12µA")},
+        {"12\xe6"
+         "A",
+         QStringLiteral("12µA")},
         {">2.0M\xea", QStringLiteral(">2.0MOhm")},
     };
     for (const auto &c : cases)

@@ -40,13 +40,25 @@ TEST(ExportCsv, BytesFollowTheDollarCountdown)
         QByteArray expected;
     } cases[] = {
         {"one record", {"A;B;C;$FFx"}, {}, "H1;H2\r\n;A;B;C;$FFx\r\n"},
-        {"record text with its line end", {"PA;B;$FF\r\n", "PC;$FF\r\n"}, {}, "H1;H2\r\n;PA;B;$FF\r\nPC;$FF\r\n"},
-        {"tester characters become Windows text", {"P1\xea;2\xe6;\x81;$FF\r\n"}, {}, "H1;H2\r\n;P1Ohm;2\xb5;\xfc;$FF\r\n"},
+        {"record text with its line end",
+         {"PA;B;$FF\r\n", "PC;$FF\r\n"},
+         {},
+         "H1;H2\r\n;PA;B;$FF\r\nPC;$FF\r\n"},
+        {"tester characters become Windows text",
+         {"P1\xea;2\xe6;\x81;$FF\r\n"},
+         {},
+         "H1;H2\r\n;P1Ohm;2\xb5;\xfc;$FF\r\n"},
         {"dropped characters still count", {"Px;$F#\x01y"}, {}, "H1;H2\r\n;Px;$F\r\ny"},
-        {"empty entry 0 takes the report", {"", "PB;$FF\r\n"}, QStringLiteral("Prüf\tbericht\r\n"),
-         "H1;H2\r\n;Pr\xfc" "fberichtPB;$FF\r\n"},
+        {"empty entry 0 takes the report",
+         {"", "PB;$FF\r\n"},
+         QStringLiteral("Prüf\tbericht\r\n"),
+         "H1;H2\r\n;Pr\xfc"
+         "fberichtPB;$FF\r\n"},
         {"no entries at all take the report", {}, QStringLiteral("R$12"), "H1;H2\r\n;R$12"},
-        {"twelve entries and more", QList<QByteArray>(14, "Pr;$FF\r\n"), {}, "H1;H2\r\n;" + QByteArray("Pr;$FF\r\n").repeated(14)},
+        {"twelve entries and more",
+         QList<QByteArray>(14, "Pr;$FF\r\n"),
+         {},
+         "H1;H2\r\n;" + QByteArray("Pr;$FF\r\n").repeated(14)},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -59,9 +71,12 @@ TEST(ExportCsv, HeaderIsTheLastLineOfUeberCsvAndAMissingOneWritesNothing)
     QTemporaryDir dir;
     const QString header = dir.filePath(QStringLiteral("ueber.csv"));
     const QString out = dir.filePath(QStringLiteral("out.csv"));
-    WriteFile(header, "; comment\r\n;Pr\xfc" "fer;Messstring\r\n\r\n");
+    WriteFile(header, "; comment\r\n;Pr\xfc"
+                      "fer;Messstring\r\n\r\n");
     ExportCsvFile(out, header, {"PKALVO;" + kalvo::testing::CodeString('1', '5') + ";$FF\r\n"}, {});
-    EXPECT_EQ(ReadFile(out), ";Pr\xfc" "fer;Messstring\r\n;PKALVO;" + kalvo::testing::CodeString('1', '5') + ";$FF\r\n");
+    EXPECT_EQ(ReadFile(out), ";Pr\xfc"
+                             "fer;Messstring\r\n;PKALVO;" +
+                                 kalvo::testing::CodeString('1', '5') + ";$FF\r\n");
 
     WriteFile(out, "yesterday");
     EXPECT_THROW(ExportCsvFile(out, dir.filePath(QStringLiteral("none.csv")), {"Px;$FF\r\n"}, {}),
@@ -76,7 +91,8 @@ TEST(ExportCsv, ShippedHeaderNamesEveryDecodedColumnInOrder)
     // The leading empty column stands over the ";" that opens the data line.
     ASSERT_EQ(columns.size(), 1 + 6 + 48 + 20);
     EXPECT_EQ(columns[0], QByteArray());
-    EXPECT_EQ(columns[1], QByteArray("Pr\xfc" "fer"));
+    EXPECT_EQ(columns[1], QByteArray("Pr\xfc"
+                                     "fer"));
     for (int i = 0; i < kMeasurementCount; ++i) {
         EXPECT_EQ(columns[7 + 2 * i], QByteArray(kMeasurementLabels[i].measured).replace(':', "").trimmed());
         EXPECT_EQ(columns[8 + 2 * i].left(3), QByteArray("GW "));
@@ -129,13 +145,34 @@ TEST(ExtractPrintText, TextBetweenEnqAndFormFeedWithControlCharactersSorted)
         QByteArray answer;
         QString text;
     } cases[] = {
-        {"cut at ENQ and FF", "xx\x05" "AB\x0cyy", QStringLiteral("AB")},
+        {"cut at ENQ and FF",
+         "xx\x05"
+         "AB\x0cyy",
+         QStringLiteral("AB")},
         {"no ENQ: from the start", "AB\x0cyy", QStringLiteral("AB")},
-        {"no FF: to the end", "prn!1\r\n\x05" "AB\r\n", QStringLiteral("AB\r\n")},
-        {"FF before ENQ is not the end", "\x0cxx\x05" "AB\x0c", QStringLiteral("AB")},
-        {"escape dropped, 20 kept", "\x05" "A\x1b" "B\x14" "C\x0c", QStringLiteral("AB\x14" "C")},
-        {"other controls and 255 dropped", "\x05" "A\x07\x11\x09\xff" "B\x0c", QStringLiteral("AB")},
-        {"box drawing and tester characters", "\x05\xda\xc4\xbf\r\n\xb3" "5M\xea\xb3\x0c",
+        {"no FF: to the end",
+         "prn!1\r\n\x05"
+         "AB\r\n",
+         QStringLiteral("AB\r\n")},
+        {"FF before ENQ is not the end",
+         "\x0cxx\x05"
+         "AB\x0c",
+         QStringLiteral("AB")},
+        {"escape dropped, 20 kept",
+         "\x05"
+         "A\x1b"
+         "B\x14"
+         "C\x0c",
+         QStringLiteral("AB\x14"
+                        "C")},
+        {"other controls and 255 dropped",
+         "\x05"
+         "A\x07\x11\x09\xff"
+         "B\x0c",
+         QStringLiteral("AB")},
+        {"box drawing and tester characters",
+         "\x05\xda\xc4\xbf\r\n\xb3"
+         "5M\xea\xb3\x0c",
          QStringLiteral("┌─┐\r\n│5MOhm│")},
     };
     for (const auto &c : cases)

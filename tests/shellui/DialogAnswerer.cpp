@@ -3,7 +3,9 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QFileDialog>
 #include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QTest>
 
@@ -32,6 +34,26 @@ void DialogAnswerer::Look()
             okButton->click();
         else
             box->accept();
+    } else if (auto *dialog = qobject_cast<QFileDialog *>(modal)) {
+        // A file dialog fills its views after it is shown: answer it on the tick after it appeared.
+        if (m_seenFileDialog != dialog) {
+            m_seenFileDialog = dialog;
+            return;
+        }
+        m_seenFileDialog = nullptr;
+        const QString path = files.empty() ? QString() : files.front();
+        if (!files.empty())
+            files.pop_front();
+        if (path.isEmpty()) {
+            dialog->reject();
+        } else {
+            // As a user would: type the name, then press the dialog's accept button.
+            if (auto *edit = dialog->findChild<QLineEdit *>(QStringLiteral("fileNameEdit")))
+                edit->setText(path);
+            else
+                dialog->selectFile(path);
+            QMetaObject::invokeMethod(dialog, "accept");
+        }
     } else if (auto *input = qobject_cast<QInputDialog *>(modal)) {
         prompts << input->labelText();
         proposals << input->textValue();

@@ -17,6 +17,8 @@ public:
     std::deque<std::optional<QString>> inputs;
     // Whether to press OK (true) or Cancel (false) on question boxes, in order; OK when none is left.
     std::deque<bool> confirmations;
+    // Paths to choose in file dialogs, in order; an empty one cancels.
+    std::deque<QString> files;
 
     QStringList messages;  // the text of every message box, in order
     QStringList prompts;   // the label of every input dialog, in order
@@ -25,6 +27,7 @@ public:
 private:
     void Look();
     QTimer m_timer;
+    QObject *m_seenFileDialog = nullptr;
 };
 
 // Waits until `done` holds, letting the event loop run; false after `ms`.

@@ -54,17 +54,19 @@ void SaveReportPdf(const QString &text, const QString &path, const QString &titl
 {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
-        throw link::FormatError(path, 0, QStringLiteral("eine schreibbare Datei (%1)").arg(file.errorString()));
+        throw link::FormatError(path, 0,
+                                QStringLiteral("eine schreibbare Datei (%1)").arg(file.errorString()));
     {
         QPdfWriter writer(&file);
         writer.setTitle(title);
         writer.setCreator(QStringLiteral("kalvo"));
-        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(15, 15, 15, 15),
-                                         QPageLayout::Millimeter));
+        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
+                                         QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter));
         PaintReport(text, writer);
     }
     if (!file.commit())
-        throw link::FormatError(path, 0, QStringLiteral("eine schreibbare Datei (%1)").arg(file.errorString()));
+        throw link::FormatError(path, 0,
+                                QStringLiteral("eine schreibbare Datei (%1)").arg(file.errorString()));
 }
 
 } // namespace kalvo::records

@@ -30,8 +30,8 @@ const QString kProtoTxt = QStringLiteral("proto.txt");
 const QString kPdfFilter = QStringLiteral("PDF (*.pdf)|*.pdf");
 } // namespace
 
-RecordWindow::RecordWindow(shell::ui::DeviceThread &device, link::Prompter &prompter, const QString &programDir,
-                           QWidget *parent)
+RecordWindow::RecordWindow(shell::ui::DeviceThread &device, link::Prompter &prompter,
+                           const QString &programDir, QWidget *parent)
     : QMainWindow(parent), m_device(device), m_prompter(prompter), m_programDir(programDir)
 {
     setObjectName(QStringLiteral("FRMProt"));
@@ -61,11 +61,14 @@ void RecordWindow::BuildMenus()
         return a;
     };
     QMenu *current = menuBar()->addMenu(QStringLiteral("Aktuell"));
-    m_deviceActions << add(current, "aktuellProt", QStringLiteral("als Protokoll"), &RecordWindow::ShowCurrentRecord)
-                    << add(current, "storesingle", QStringLiteral("als Ascii"), &RecordWindow::StoreCurrentRecordToFile);
+    m_deviceActions << add(current, "aktuellProt", QStringLiteral("als Protokoll"),
+                           &RecordWindow::ShowCurrentRecord)
+                    << add(current, "storesingle", QStringLiteral("als Ascii"),
+                           &RecordWindow::StoreCurrentRecordToFile);
     QMenu *store = menuBar()->addMenu(QStringLiteral("aus Datenbank"));
     m_deviceActions << add(store, "dbProt", QStringLiteral("als Protokoll"), &RecordWindow::ShowStoreListing)
-                    << add(store, "storeall", QStringLiteral("als Ascii"), &RecordWindow::StoreAllRecordsToFile);
+                    << add(store, "storeall", QStringLiteral("als Ascii"),
+                           &RecordWindow::StoreAllRecordsToFile);
     QMenu *kym = menuBar()->addMenu(QStringLiteral("aus KYM"));
     m_deviceActions << add(kym, "kymAscii", QStringLiteral("aus KYM"), &RecordWindow::ReadAccessory);
     m_protStore = add(kym, "protStore", QStringLiteral("speichern"), &RecordWindow::StoreAccessory);
@@ -99,7 +102,10 @@ void RecordWindow::SetBusy(bool busy)
     m_list->setEnabled(!busy);
 }
 
-QString RecordWindow::reportText() const { return m_report->toPlainText(); }
+QString RecordWindow::reportText() const
+{
+    return m_report->toPlainText();
+}
 
 void RecordWindow::Post(std::function<void(link::Link &)> job)
 {
@@ -109,7 +115,10 @@ void RecordWindow::Post(std::function<void(link::Link &)> job)
     });
 }
 
-void RecordWindow::OnWindow(std::function<void()> call) { QMetaObject::invokeMethod(this, std::move(call)); }
+void RecordWindow::OnWindow(std::function<void()> call)
+{
+    QMetaObject::invokeMethod(this, std::move(call));
+}
 
 void RecordWindow::EnableOutput(bool on)
 {

@@ -46,16 +46,16 @@ private:
     void ShowRecords(const QList<QByteArray> &records, Source source);
     void EnableOutput(bool on);
 
-    void ShowCurrentRecord();       // aktuellProt
+    void ShowCurrentRecord();        // aktuellProt
     void StoreCurrentRecordToFile(); // storesingle
-    void ShowStoreListing();        // dbProt
-    void StoreAllRecordsToFile();   // storeall
-    void ReadAccessory();           // kymAscii
-    void StoreAccessory();          // protStore
-    void ExportCsv();               // fexcel
-    void LoadRecordsFromFile();     // ausDatei
-    void MakeReport();              // PrintProt
-    void PrintReport();             // drucken
+    void ShowStoreListing();         // dbProt
+    void StoreAllRecordsToFile();    // storeall
+    void ReadAccessory();            // kymAscii
+    void StoreAccessory();           // protStore
+    void ExportCsv();                // fexcel
+    void LoadRecordsFromFile();      // ausDatei
+    void MakeReport();               // PrintProt
+    void PrintReport();              // drucken
     void SaveReportAsPdf();
     void RecordSelected(int row);
 

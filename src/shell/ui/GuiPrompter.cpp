@@ -80,16 +80,28 @@ QString QtFileFilter(const QString &filter)
     return entries.isEmpty() ? filter : entries.join(QStringLiteral(";;"));
 }
 
+// Qt's own dialog under a test's offscreen display, so that a test can answer it.
+static QFileDialog::Options FileDialogOptions()
+{
+    if (QGuiApplication::platformName() == QLatin1String("offscreen"))
+        return QFileDialog::DontUseNativeDialog;
+    return {};
+}
+
 QString GuiPrompter::askOpenFile(const QString &filter)
 {
-    return OnWindowThread(
-        [&] { return QFileDialog::getOpenFileName(m_window, m_title, m_directory, QtFileFilter(filter)); });
+    return OnWindowThread([&] {
+        return QFileDialog::getOpenFileName(m_window, m_title, m_directory, QtFileFilter(filter), nullptr,
+                                            FileDialogOptions());
+    });
 }
 
 QString GuiPrompter::askSaveFile(const QString &filter)
 {
-    return OnWindowThread(
-        [&] { return QFileDialog::getSaveFileName(m_window, m_title, m_directory, QtFileFilter(filter)); });
+    return OnWindowThread([&] {
+        return QFileDialog::getSaveFileName(m_window, m_title, m_directory, QtFileFilter(filter), nullptr,
+                                            FileDialogOptions());
+    });
 }
 
 void GuiPrompter::progress(int percent)

@@ -7,10 +7,10 @@
 #include "ServiceWindow.h"
 #include "SettingsFrame.h"
 #include "link/Errors.h"
-#include "records/ui/RecordWindow.h"
 #include "link/PortNames.h"
 #include "link/Registers.h"
 #include "link/ServiceSession.h"
+#include "records/ui/RecordWindow.h"
 #include "shell/ClockAndName.h"
 
 #include <QAction>

@@ -91,8 +91,8 @@ private:
     QPointer<records::ui::RecordWindow> m_records;
 
     QMenu *m_settingsMenu, *m_languageMenu, *m_helpMenu;
-    QAction *m_connection_, *m_configAction, *m_clockAction, *m_nameAction, *m_serviceAction, *m_recordsAction, *m_helpContents,
-        *m_infoAction, *m_exitAction, *m_developmentAction;
+    QAction *m_connection_, *m_configAction, *m_clockAction, *m_nameAction, *m_serviceAction,
+        *m_recordsAction, *m_helpContents, *m_infoAction, *m_exitAction, *m_developmentAction;
     QList<QAction *> m_languageActions;
     // Entries and buttons that start device work: disabled while an operation runs.
     QList<QAction *> m_deviceActions;

@@ -1,0 +1,118 @@
+// Record benchmarks: decoding, reports and CSV per second, and reading records at 9600 baud
+// against the wire time of the bytes that crossed.
+#include "link/Link.h"
+#include "records/RecordDecoding.h"
+#include "records/RecordFiles.h"
+#include "records/RecordRetrieval.h"
+#include "records/ReportBuilder.h"
+#include "sim/SampleRecords.h"
+#include "sim/SimTransport.h"
+#include "sim/VirtualTester.h"
+
+#include <chrono>
+#include <cstdio>
+
+using namespace kalvo;
+
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+
+class QuietPrompter final : public link::Prompter {
+public:
+    void message(const QString &, Icon) override {}
+    bool confirm(const QString &) override { return false; }
+    std::optional<QString> askText(const QString &, const QString &, const QString &) override { return {}; }
+    QString askOpenFile(const QString &) override { return {}; }
+    QString askSaveFile(const QString &) override { return {}; }
+    void progress(int) override {}
+    void busy(bool) override {}
+};
+
+// Counts the bytes that cross the line in both directions.
+class CountingTransport final : public link::Transport {
+public:
+    explicit CountingTransport(link::Transport &inner) : m_inner(inner) {}
+    void open(const QString &name) override { m_inner.open(name); }
+    void close() override { m_inner.close(); }
+    bool isOpen() const override { return m_inner.isOpen(); }
+    void write(const QByteArray &bytes) override
+    {
+        m_bytes += bytes.size();
+        m_inner.write(bytes);
+    }
+    void drain() override { m_inner.drain(); }
+    QByteArray read(std::chrono::milliseconds wait) override
+    {
+        const QByteArray bytes = m_inner.read(wait);
+        m_bytes += bytes.size();
+        return bytes;
+    }
+    void discardInput() override { m_inner.discardInput(); }
+    qint64 bytes() const { return m_bytes; }
+
+private:
+    link::Transport &m_inner;
+    qint64 m_bytes = 0;
+};
+
+template <typename F> double PerSecond(int count, F &&work)
+{
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < count; ++i)
+        work(i);
+    return count / Seconds(std::chrono::steady_clock::now() - start).count();
+}
+
+QList<QByteArray> Records(int count)
+{
+    const QList<QByteArray> samples = sim::SampleTestRecords();
+    QList<QByteArray> records;
+    for (int i = 0; i < count; ++i)
+        records << samples[i % samples.size()];
+    return records;
+}
+
+} // namespace
+
+int main()
+{
+    constexpr int kCount = 10000;
+    QList<QByteArray> texts;
+    for (const QByteArray &record : Records(kCount))
+        texts << record + "\r\n";
+
+    QList<records::DecodedRecord> decoded;
+    decoded.reserve(kCount);
+    const double decodeRate = PerSecond(kCount, [&](int i) { decoded << records::DecodeRecord(texts[i]); });
+    qsizetype reportChars = 0;
+    const double reportRate =
+        PerSecond(kCount, [&](int i) { reportChars += records::BuildReport(decoded[i]).size(); });
+    QByteArray csv;
+    const double csvRate = PerSecond(1, [&](int) { csv = records::ExportCsv("header", texts, QString()); });
+    std::printf("decode:  %10.0f records/s\n", decodeRate);
+    std::printf("report:  %10.0f records/s (%lld characters)\n", reportRate,
+                static_cast<long long>(reportChars));
+    std::printf("csv:     %10.0f records/s (%lld bytes)\n", csvRate * kCount,
+                static_cast<long long>(csv.size()));
+
+    constexpr int kRead = 50;
+    constexpr int kBaud = 9600;
+    sim::VirtualTester tester(link::SteadyClock::instance());
+    tester.setBaud(kBaud);
+    tester.model().records().setRecords(Records(kRead));
+    sim::SimTransport sim(tester, link::SteadyClock::instance());
+    CountingTransport counting(sim);
+    QuietPrompter prompter;
+    link::Link link(counting, prompter);
+    link.OpenPort(QStringLiteral("Simulator"));
+    const auto start = std::chrono::steady_clock::now();
+    const int count = records::CountRecords(link);
+    for (int i = 1; i <= count; ++i)
+        records::ReadRecord(link, i, records::FillerRule::Position);
+    const double elapsed = Seconds(std::chrono::steady_clock::now() - start).count();
+    const double wire = counting.bytes() * 10.0 / kBaud;
+    std::printf("read %d records at %d baud: %.2f s for %lld bytes, wire time %.2f s, ratio %.3f\n", count,
+                kBaud, elapsed, static_cast<long long>(counting.bytes()), wire, elapsed / wire);
+    return 0;
+}

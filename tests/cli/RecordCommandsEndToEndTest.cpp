@@ -1,0 +1,102 @@
+// kalvo-cli records, report and csv against kalvo-sim over a pseudo-terminal.
+#include "support/SimProcess.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace kalvo::testing;
+
+namespace {
+
+QStringList Received(const SimProcess &sim)
+{
+    QStringList lines;
+    for (const ReceivedLine &line : sim.ReceivedLines())
+        lines << line.bytes;
+    return lines;
+}
+
+RunResult Cli(const SimProcess &sim, const QStringList &arguments, const QString &dir = QString())
+{
+    return RunProgram(QStringLiteral("kalvo-cli"),
+                      QStringList{QStringLiteral("--port"), sim.pty()} + arguments, 60, dir);
+}
+
+QByteArray ReadFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
+} // namespace
+
+TEST(CliRecordCommands, ReadAllAsksForEachPartOfEveryRecordAndWritesOneLineEach)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("alle.txt"));
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    const RunResult run = Cli(sim, {QStringLiteral("records"), QStringLiteral("read-all"), file});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+
+    QList<QByteArray> lines = ReadFile(file).split('\n');
+    ASSERT_EQ(lines.takeLast(), QByteArray()); // the file ends with a line end
+    ASSERT_FALSE(lines.isEmpty());
+    QStringList expected{QStringLiteral("prx?n\\r")};
+    for (qsizetype i = 1; i <= lines.size(); ++i) {
+        EXPECT_TRUE(lines[i - 1].endsWith(";$FF\r")) << lines[i - 1].constData();
+        EXPECT_EQ(lines[i - 1].count(';'), 74) << "record " << i;
+        for (const char *part : {"x", "y", "z"})
+            expected << QStringLiteral("prx?%1%2\\r").arg(i).arg(QLatin1String(part));
+    }
+    EXPECT_EQ(Received(sim), expected);
+
+    // The file just written makes reports without a tester, one page per record.
+    const RunResult report = RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("report"), file});
+    EXPECT_EQ(report.exitCode, 0) << report.err.toStdString();
+    EXPECT_EQ(report.out.count(QStringLiteral("Prüfvorschrift:   ")), lines.size());
+    EXPECT_EQ(report.out.count(QStringLiteral("\f\r\n")), lines.size() - 1);
+
+    const QString csv = dir.filePath(QStringLiteral("alle.csv"));
+    const RunResult exported = RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("csv"), file, csv});
+    EXPECT_EQ(exported.exitCode, 0) << exported.err.toStdString();
+    const QList<QByteArray> rows = ReadFile(csv).split('\n');
+    ASSERT_GE(rows.size(), 2);
+    EXPECT_TRUE(rows[0].startsWith(";Pr\xfc"
+                                   "fer;Messstring;"))
+        << rows[0].constData();
+    EXPECT_EQ(rows.size(), 1 + lines.size() + 1); // header, one row per record, nothing behind the last
+}
+
+TEST(CliRecordCommands, EmptyStoreAndUsageErrorsHaveTheirExitCodes)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("alle.txt"));
+    const struct {
+        QStringList simArguments;
+        QStringList arguments;
+        int exitCode;
+        QString err;
+    } cases[] = {
+        {{QStringLiteral("--records"), QStringLiteral("0")},
+         {QStringLiteral("records"), QStringLiteral("read-all"), file},
+         1,
+         QStringLiteral("No Protokol")},
+        {{},
+         {QStringLiteral("records"), QStringLiteral("show"), QStringLiteral("1"),
+          QStringLiteral("--template"), QStringLiteral("7")},
+         2,
+         QStringLiteral("--template")},
+        {{}, {QStringLiteral("records"), QStringLiteral("sideways")}, 2, QStringLiteral("read-all FILE")},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.arguments.join(' ').toStdString());
+        SimProcess sim(c.simArguments);
+        ASSERT_TRUE(sim.started());
+        const RunResult run = Cli(sim, c.arguments);
+        EXPECT_EQ(run.exitCode, c.exitCode) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(c.err)) << run.err.toStdString();
+        EXPECT_FALSE(QFile::exists(file));
+    }
+}
