@@ -3,6 +3,7 @@
 #include "CliContext.h"
 
 #include "records/RecordDecoding.h"
+#include "records/print/ReportDocument.h"
 #include "records/RecordFiles.h"
 #include "records/RecordRetrieval.h"
 #include "records/ReportBuilder.h"
@@ -10,6 +11,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFileInfo>
 
 namespace kalvo::cli {
 
@@ -122,23 +124,24 @@ int Report(CliContext &context, const QStringList &words)
     QTextStream &out = context.out();
     QTextStream err(stderr);
     int exitCode = kExitDone;
-    for (qsizetype i = 0; i < chosen.size(); ++i) {
-        if (i > 0)
-            out << "\f\r\n";
-        // A refused record is named and skipped; the others still make their reports.
+    QStringList reports;
+    // A refused record is named and skipped; the others still make their reports.
+    for (const QByteArray &record : std::as_const(chosen)) {
         try {
-            out << records::BuildReport(records::DecodeRecord(chosen[i]));
+            reports << records::BuildReport(records::DecodeRecord(record));
         } catch (const link::KalvoError &e) {
-            out.flush();
             err << e.message() << Qt::endl;
             exitCode = kExitFailed;
         }
     }
     if (w.options.contains(QStringLiteral("--pdf"))) {
-        out.flush();
-        err << "PDF: not built into kalvo-cli yet" << Qt::endl;
-        exitCode = kExitFailed;
+        // The reports go to the PDF, one a page; the path of what was written goes to stdout.
+        const QString pdf = w.options.value(QStringLiteral("--pdf"));
+        records::SaveReportPdf(reports, pdf, QFileInfo(w.positional[0]).fileName());
+        out << pdf << '\n';
+        return exitCode;
     }
+    out << reports.join(QStringLiteral("\f\r\n"));
     return exitCode;
 }
 

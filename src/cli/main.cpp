@@ -5,8 +5,12 @@
 
 #include "link/Errors.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
+
 #include <QTextStream>
+#include <algorithm>
+#include <cstring>
+#include <memory>
 
 using namespace kalvo;
 using namespace kalvo::cli;
@@ -32,7 +36,16 @@ void PrintHelp(QTextStream &out)
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
+    // Reports as PDF need the fonts of a GUI application (it never opens a window); everything
+    // else runs without one, so that a machine without a display needs nothing more.
+    const bool needsFonts =
+        std::any_of(argv, argv + argc, [](const char *a) { return std::strcmp(a, "--pdf") == 0; });
+    if (needsFonts && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    std::unique_ptr<QCoreApplication> application = needsFonts
+                                                        ? std::make_unique<QGuiApplication>(argc, argv)
+                                                        : std::make_unique<QCoreApplication>(argc, argv);
+    QCoreApplication &app = *application;
     QTextStream err(stderr);
     QString error;
     const auto options = ParseCliOptions(app.arguments().mid(1), error);

@@ -14,14 +14,6 @@ using namespace kalvo::testing;
 
 namespace {
 
-QStringList Escaped(const QList<ReceivedLine> &lines)
-{
-    QStringList out;
-    for (const ReceivedLine &line : lines)
-        out << line.bytes;
-    return out;
-}
-
 // A pseudo-terminal nobody answers on.
 class SilentPty {
 public:
@@ -80,7 +72,7 @@ TEST(CliEndToEnd, IdentifyWakesConnectsAndIdentifiesInOrder)
     const QList<ReceivedLine> lines = sim.ReceivedLines();
     const QStringList expected = {"\\r",       "\\r",       "\\x04\\r", "\\x07\\r", "mes!0\\r", "kal!aus\\r",
                                   "var?E3\\r", "var?D3\\r", "dis?\\r",  "ver?\\r",  "idn?\\r"};
-    EXPECT_EQ(Escaped(lines), expected);
+    EXPECT_EQ(sim.ReceivedBytes(), expected);
     ASSERT_GE(lines.size(), 4);
     // The wake-up bytes go out 0.1 s apart.
     EXPECT_GE(lines[2].ms - lines[1].ms, 95.0);
@@ -100,7 +92,7 @@ TEST(CliEndToEnd, SendPrintsEachAnswerWithControlCharactersEscaped)
     EXPECT_TRUE(out[0].startsWith(QStringLiteral("var?D3 01.Y"))) << out[0].toStdString();
     EXPECT_TRUE(out[0].endsWith(QStringLiteral("\\x11")));
     EXPECT_TRUE(out[1].startsWith(QStringLiteral("bit?4"))) << out[1].toStdString();
-    EXPECT_EQ(Escaped(sim.ReceivedLines()), (QStringList{"var?D3\\r", "bit?4\\r"}));
+    EXPECT_EQ(sim.ReceivedBytes(), (QStringList{"var?D3\\r", "bit?4\\r"}));
 }
 
 TEST(CliEndToEnd, RefusalIsReportedWithItsNumberAndFailsTheRun)

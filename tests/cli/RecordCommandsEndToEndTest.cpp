@@ -2,26 +2,13 @@
 #include "support/SimProcess.h"
 
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 using namespace kalvo::testing;
 
 namespace {
-
-QStringList Received(const SimProcess &sim)
-{
-    QStringList lines;
-    for (const ReceivedLine &line : sim.ReceivedLines())
-        lines << line.bytes;
-    return lines;
-}
-
-RunResult Cli(const SimProcess &sim, const QStringList &arguments, const QString &dir = QString())
-{
-    return RunProgram(QStringLiteral("kalvo-cli"),
-                      QStringList{QStringLiteral("--port"), sim.pty()} + arguments, 60, dir);
-}
 
 QByteArray ReadFile(const QString &path)
 {
@@ -37,7 +24,7 @@ TEST(CliRecordCommands, ReadAllAsksForEachPartOfEveryRecordAndWritesOneLineEach)
     const QString file = dir.filePath(QStringLiteral("alle.txt"));
     SimProcess sim;
     ASSERT_TRUE(sim.started());
-    const RunResult run = Cli(sim, {QStringLiteral("records"), QStringLiteral("read-all"), file});
+    const RunResult run = RunCli(sim, {QStringLiteral("records"), QStringLiteral("read-all"), file});
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
 
     QList<QByteArray> lines = ReadFile(file).split('\n');
@@ -50,7 +37,7 @@ TEST(CliRecordCommands, ReadAllAsksForEachPartOfEveryRecordAndWritesOneLineEach)
         for (const char *part : {"x", "y", "z"})
             expected << QStringLiteral("prx?%1%2\\r").arg(i).arg(QLatin1String(part));
     }
-    EXPECT_EQ(Received(sim), expected);
+    EXPECT_EQ(sim.ReceivedBytes(), expected);
 
     // The file just written makes reports without a tester, one page per record.
     const RunResult report = RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("report"), file});
@@ -94,9 +81,39 @@ TEST(CliRecordCommands, EmptyStoreAndUsageErrorsHaveTheirExitCodes)
         SCOPED_TRACE(c.arguments.join(' ').toStdString());
         SimProcess sim(c.simArguments);
         ASSERT_TRUE(sim.started());
-        const RunResult run = Cli(sim, c.arguments);
+        const RunResult run = RunCli(sim, c.arguments);
         EXPECT_EQ(run.exitCode, c.exitCode) << run.err.toStdString();
         EXPECT_TRUE(run.err.contains(c.err)) << run.err.toStdString();
         EXPECT_FALSE(QFile::exists(file));
     }
+}
+
+TEST(CliRecordCommands, RecordsBecomeReportsAPdfAndACsvWithoutTheTester)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    QTemporaryDir dir;
+    const QString records = dir.filePath(QStringLiteral("alle.txt"));
+    ASSERT_EQ(RunCli(sim, {QStringLiteral("records"), QStringLiteral("read-all"), records}).exitCode, 0);
+    const int count = ReadFile(records).count("$FF\r\n");
+    ASSERT_GT(count, 10);
+
+    const QString pdf = dir.filePath(QStringLiteral("berichte.pdf"));
+    const RunResult report = RunProgram(QStringLiteral("kalvo-cli"),
+                                        {QStringLiteral("report"), records, QStringLiteral("--pdf"), pdf});
+    ASSERT_EQ(report.exitCode, 0) << report.err.toStdString();
+    QProcess pdftotext;
+    pdftotext.start(QStringLiteral("pdftotext"), {pdf, QStringLiteral("-")});
+    ASSERT_TRUE(pdftotext.waitForFinished(30000));
+    const QString text = QString::fromUtf8(pdftotext.readAllStandardOutput());
+    // Every record's report, each beginning on a page of its own.
+    EXPECT_EQ(text.count(QStringLiteral("Prüfvorschrift:")), count) << text.left(300).toStdString();
+    EXPECT_EQ(text.count(QStringLiteral("Grenzwerte:")), count);
+    EXPECT_TRUE(text.contains(QStringLiteral("Wasserkocher")));
+
+    const QString csv = dir.filePath(QStringLiteral("export.csv"));
+    const RunResult export_ = RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("csv"), records, csv});
+    ASSERT_EQ(export_.exitCode, 0) << export_.err.toStdString();
+    const QList<QByteArray> rows = ReadFile(csv).split('\n');
+    EXPECT_EQ(rows.size(), 1 + count + 1); // the header, a row a record, nothing behind the last line end
 }

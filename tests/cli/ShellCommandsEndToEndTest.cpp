@@ -8,41 +8,25 @@
 
 using namespace kalvo::testing;
 
-namespace {
-
-QStringList Received(const SimProcess &sim)
-{
-    QStringList lines;
-    for (const ReceivedLine &line : sim.ReceivedLines())
-        lines << line.bytes;
-    return lines;
-}
-
-RunResult Cli(const SimProcess &sim, const QStringList &arguments, const QString &dir = QString())
-{
-    return RunProgram(QStringLiteral("kalvo-cli"),
-                      QStringList{QStringLiteral("--port"), sim.pty()} + arguments, 60, dir);
-}
-
-} // namespace
+namespace {} // namespace
 
 TEST(CliShellCommands, NameOfEightIsStoredNineIsRefusedWithoutSending)
 {
     {
         SimProcess sim;
         ASSERT_TRUE(sim.started());
-        const RunResult run = Cli(sim, {QStringLiteral("name"), QStringLiteral("ABCDEFGH")});
+        const RunResult run = RunCli(sim, {QStringLiteral("name"), QStringLiteral("ABCDEFGH")});
         EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-        EXPECT_EQ(Received(sim), (QStringList{"kal!aus\\r", "idn!1,ABCDEFGH\\r", "cfg!pgm\\r"}));
+        EXPECT_EQ(sim.ReceivedBytes(), (QStringList{"kal!aus\\r", "idn!1,ABCDEFGH\\r", "cfg!pgm\\r"}));
     }
     {
         SimProcess sim;
         ASSERT_TRUE(sim.started());
-        const RunResult run = Cli(sim, {QStringLiteral("--lang"), QStringLiteral("englisch"),
-                                        QStringLiteral("name"), QStringLiteral("ABCDEFGHI")});
+        const RunResult run = RunCli(sim, {QStringLiteral("--lang"), QStringLiteral("englisch"),
+                                           QStringLiteral("name"), QStringLiteral("ABCDEFGHI")});
         EXPECT_EQ(run.exitCode, 1);
         EXPECT_TRUE(run.err.contains(QStringLiteral("too long"))) << run.err.toStdString();
-        EXPECT_TRUE(Received(sim).isEmpty());
+        EXPECT_TRUE(sim.ReceivedBytes().isEmpty());
     }
 }
 
@@ -50,15 +34,15 @@ TEST(CliShellCommands, ClockPrintsTheTestersTimeAndSendsThePcsOrTheGivenText)
 {
     SimProcess sim;
     ASSERT_TRUE(sim.started());
-    const RunResult pc = Cli(sim, {QStringLiteral("clock")});
+    const RunResult pc = RunCli(sim, {QStringLiteral("clock")});
     ASSERT_EQ(pc.exitCode, 0) << pc.err.toStdString();
     EXPECT_TRUE(QRegularExpression(QStringLiteral("^tester: \\d\\d\\.\\d\\d\\.\\d\\d \\d\\d:\\d\\d:\\d\\d\n"))
                     .match(pc.out)
                     .hasMatch())
         << pc.out.toStdString();
-    const RunResult given = Cli(sim, {QStringLiteral("clock"), QStringLiteral("01.02.26 08:00")});
+    const RunResult given = RunCli(sim, {QStringLiteral("clock"), QStringLiteral("01.02.26 08:00")});
     ASSERT_EQ(given.exitCode, 0);
-    const QStringList lines = Received(sim);
+    const QStringList lines = sim.ReceivedBytes();
     ASSERT_EQ(lines.size(), 4);
     EXPECT_EQ(lines[0], QStringLiteral("dat?\\r"));
     EXPECT_TRUE(QRegularExpression(QStringLiteral("^dat!\\d\\d\\.\\d\\d\\.\\d\\d;\\d\\d:\\d\\d\\\\r$"))
@@ -79,7 +63,7 @@ TEST(CliShellCommands, ScriptWritesItsResultBesideOrWhereAsked)
     script.write("wer?WC;Schutzleiter\r\nvar?D3\r\n");
     script.close();
 
-    const RunResult run = Cli(sim, {QStringLiteral("script"), QStringLiteral("beispiel.abl")}, dir.path());
+    const RunResult run = RunCli(sim, {QStringLiteral("script"), QStringLiteral("beispiel.abl")}, dir.path());
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     EXPECT_EQ(run.out, QStringLiteral("wer?WC;Schutzleiter\nvar?D3\n"));
     QFile result(dir.filePath(QStringLiteral("beispiel.txt")));
@@ -88,9 +72,9 @@ TEST(CliShellCommands, ScriptWritesItsResultBesideOrWhereAsked)
     EXPECT_TRUE(text.startsWith(";Schutzleiter\r\nwer?WC;Schutzleiter Wertx=")) << text.constData();
 
     const RunResult elsewhere =
-        Cli(sim, {QStringLiteral("script"), dir.filePath(QStringLiteral("beispiel.abl")),
-                  QStringLiteral("--out"), dir.filePath(QStringLiteral("werte.txt"))});
+        RunCli(sim, {QStringLiteral("script"), dir.filePath(QStringLiteral("beispiel.abl")),
+                     QStringLiteral("--out"), dir.filePath(QStringLiteral("werte.txt"))});
     EXPECT_EQ(elsewhere.exitCode, 0);
     EXPECT_TRUE(QFile::exists(dir.filePath(QStringLiteral("werte.txt"))));
-    EXPECT_EQ(Cli(sim, {QStringLiteral("script"), dir.filePath(QStringLiteral("none.abl"))}).exitCode, 1);
+    EXPECT_EQ(RunCli(sim, {QStringLiteral("script"), dir.filePath(QStringLiteral("none.abl"))}).exitCode, 1);
 }

@@ -50,6 +50,20 @@ QList<ReceivedLine> SimProcess::ReceivedLines() const
     return lines;
 }
 
+QStringList SimProcess::ReceivedBytes() const
+{
+    QStringList lines;
+    for (const ReceivedLine &line : ReceivedLines())
+        lines << line.bytes;
+    return lines;
+}
+
+RunResult RunCli(const SimProcess &sim, const QStringList &arguments, const QString &workingDir)
+{
+    return RunProgram(QStringLiteral("kalvo-cli"),
+                      QStringList{QStringLiteral("--port"), sim.pty()} + arguments, 60, workingDir);
+}
+
 RunResult RunProgram(const QString &name, const QStringList &arguments, int seconds,
                      const QString &workingDir)
 {

@@ -22,6 +22,8 @@ public:
     // The command lines the virtual tester received, in order.
     QList<ReceivedLine> ReceivedLines() const;
     QProcess &process() { return m_process; }
+    // The received lines' bytes only, escaped ("dis?\\r").
+    QStringList ReceivedBytes() const;
 
 private:
     QTemporaryDir m_dir;
@@ -41,5 +43,7 @@ struct RunResult {
 // Runs a built program to its end (at most `seconds`).
 RunResult RunProgram(const QString &name, const QStringList &arguments, int seconds = 60,
                      const QString &workingDir = QString());
+// Runs kalvo-cli against the simulator's terminal ("--port" and its path go first).
+RunResult RunCli(const SimProcess &sim, const QStringList &arguments, const QString &workingDir = QString());
 
 } // namespace kalvo::testing

@@ -8,6 +8,8 @@
 #include <QPageLayout>
 #include <QPdfWriter>
 #include <QSaveFile>
+#include <QTextBlockFormat>
+#include <QTextCursor>
 #include <QTextDocument>
 #include <QTextOption>
 
@@ -35,7 +37,7 @@ bool HasLineDrawing(const QFont &font)
     return true;
 }
 
-void PaintReport(const QString &text, QPagedPaintDevice &device)
+void PaintReport(const QStringList &reports, QPagedPaintDevice &device)
 {
     QTextDocument document;
     const QFont font = ReportFont();
@@ -44,13 +46,34 @@ void PaintReport(const QString &text, QPagedPaintDevice &device)
     option.setTabStopDistance(QFontMetricsF(font).horizontalAdvance(QLatin1Char(' ')) * 8);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     document.setDefaultTextOption(option);
-    QString plain = text;
-    plain.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
-    document.setPlainText(plain);
+    QTextCursor cursor(&document);
+    QTextBlockFormat pageBreak;
+    pageBreak.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+    const QTextBlockFormat normal;
+    bool first = true;
+    for (const QString &report : reports) {
+        QString plain = report;
+        plain.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
+        const QStringList lines = plain.split(QLatin1Char('\n'));
+        for (qsizetype i = 0; i < lines.size(); ++i) {
+            // Only a report's first line starts a new page; every other line is a plain block.
+            if (!first)
+                cursor.insertBlock(i == 0 ? pageBreak : normal);
+            first = false;
+            cursor.insertText(lines[i]);
+        }
+    }
     document.print(&device);
 }
 
+void PaintReport(const QString &text, QPagedPaintDevice &device) { PaintReport(QStringList{text}, device); }
+
 void SaveReportPdf(const QString &text, const QString &path, const QString &title)
+{
+    SaveReportPdf(QStringList{text}, path, title);
+}
+
+void SaveReportPdf(const QStringList &reports, const QString &path, const QString &title)
 {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
@@ -62,7 +85,7 @@ void SaveReportPdf(const QString &text, const QString &path, const QString &titl
         writer.setCreator(QStringLiteral("kalvo"));
         writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
                                          QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter));
-        PaintReport(text, writer);
+        PaintReport(reports, writer);
     }
     if (!file.commit())
         throw link::FormatError(path, 0,

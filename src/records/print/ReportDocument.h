@@ -3,6 +3,7 @@
 
 #include <QFont>
 #include <QString>
+#include <QStringList>
 
 class QPagedPaintDevice;
 
@@ -14,10 +15,13 @@ QFont ReportFont();
 // False when `font` lacks the line-drawing characters (the print text would show gaps).
 bool HasLineDrawing(const QFont &font);
 
-// Lays `text` out on `device` page after page (tabs every 8 characters, as the report columns expect).
+// Lays the reports out on `device`, each starting on a page of its own (tabs every 8 characters,
+// as the report columns expect).
+void PaintReport(const QStringList &reports, QPagedPaintDevice &device);
 void PaintReport(const QString &text, QPagedPaintDevice &device);
-// Writes `text` as an A4 PDF to `path`; the old file stays as it was when writing fails
+// Writes the reports as an A4 PDF to `path`; the old file stays as it was when writing fails
 // (FormatError naming the file).
+void SaveReportPdf(const QStringList &reports, const QString &path, const QString &title);
 void SaveReportPdf(const QString &text, const QString &path, const QString &title);
 
 } // namespace kalvo::records
