@@ -136,3 +136,24 @@ TEST_F(ServiceWindowTest, TraceViewsShowWhatWasReceivedAndStartTheTraceAfresh)
     ASSERT_TRUE(WaitUntil([&] { return terminal->toPlainText().startsWith(QStringLiteral("dis? 00.Y")); }));
     EXPECT_FALSE(terminal->toPlainText().contains(QStringLiteral("var?D3")));
 }
+
+TEST_F(ServiceWindowTest, AllRecordsAreReadAfterTheCountIsConfirmed)
+{
+    OpenService();
+    m_dialogs.confirmations.push_back(true);
+    m_dialogs.files.push_back(m_dir.filePath(QStringLiteral("service.txt")));
+    Child<QAction>("readprot")->trigger();
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(m_dialogs.messages.value(0), QStringLiteral("14 Protokolle gespeichert"));
+    QFile file(m_dir.filePath(QStringLiteral("service.txt")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().count("$FF\r\n"), 14);
+    EXPECT_TRUE(Child<QPlainTextEdit>("Testfeld")->toPlainText().contains(QStringLiteral("Wasserkocher")));
+
+    // Cancel at the count: nothing more is asked or sent.
+    const qsizetype before = LinesSince(0).size();
+    m_dialogs.confirmations.push_back(false);
+    Child<QAction>("readprot")->trigger();
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"prx?n\r"}));
+}

@@ -135,6 +135,17 @@ void RecordWindow::ShowReport(const QString &text)
     emit shown();
 }
 
+void RecordWindow::ShowPrintText(const QString &text)
+{
+    ShowReport(text);
+    // The tester draws its frames with line-drawing characters; without them the report shows gaps.
+    if (!HasLineDrawing(m_report->font()))
+        m_prompter.message(
+            QStringLiteral("Um Umlaute, Ohm und andere ASCII Zeichen darstellen zu können muß die "
+                           "Schriftart MS LineDraw installiert sein"),
+            link::Prompter::Icon::Warning);
+}
+
 void RecordWindow::ShowRecords(const QList<QByteArray> &records, Source source)
 {
     const QSignalBlocker blocker(m_list);
@@ -156,7 +167,7 @@ void RecordWindow::ShowCurrentRecord()
     const int number = m_template;
     Post([this, number](link::Link &link) {
         const QString text = RenderCurrentRecord(link, number);
-        OnWindow([this, text] { ShowReport(text); });
+        OnWindow([this, text] { ShowPrintText(text); });
     });
 }
 
@@ -276,7 +287,7 @@ void RecordWindow::RecordSelected(int row)
         const int templateNumber = m_template;
         Post([this, number, templateNumber](link::Link &link) {
             const QString text = RenderStoredRecord(link, templateNumber, number);
-            OnWindow([this, text] { ShowReport(text); });
+            OnWindow([this, text] { ShowPrintText(text); });
         });
     }
 }

@@ -43,6 +43,8 @@ private:
     void Post(std::function<void(link::Link &)> job);
     void OnWindow(std::function<void()> call);
     void ShowReport(const QString &text);
+    // A print text the tester rendered; warns once shown when the font cannot draw its frames.
+    void ShowPrintText(const QString &text);
     void ShowRecords(const QList<QByteArray> &records, Source source);
     void EnableOutput(bool on);
 

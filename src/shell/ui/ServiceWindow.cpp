@@ -6,6 +6,7 @@
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
+#include "records/RecordRetrieval.h"
 #include "shell/LanguageTable.h"
 
 #include <QAction>
@@ -98,7 +99,8 @@ ServiceWindow::ServiceWindow(DeviceThread &device, link::Prompter &prompter, con
     m_scriptMenu->setObjectName(QStringLiteral("abl_dum"));
     m_abl = action(m_scriptMenu, "abl", &ServiceWindow::RunScript);
     m_ablPro = action(m_scriptMenu, "ablPro", &ServiceWindow::ShowScriptResult);
-    m_deviceActions = {m_log, m_loghex, m_printdirekt, m_abl};
+    m_readprot = action(m_viewMenu, "readprot", &ServiceWindow::ReadAllRecords);
+    m_deviceActions = {m_log, m_loghex, m_printdirekt, m_abl, m_readprot};
     m_deviceWidgets = {m_befehl, m_ahtt, m_aht, m_ahst};
 
     connect(m_befehl, &QLineEdit::returnPressed, this, &ServiceWindow::SendCommandLine);
@@ -118,6 +120,7 @@ void ServiceWindow::ApplyTexts(const LanguageTable &texts)
     m_log->setText(texts.text(TxtServiceLogAscii));
     m_loghex->setText(texts.text(TxtServiceLogHex));
     m_printdirekt->setText(texts.text(TxtServicePrintDirect));
+    m_readprot->setText(texts.text(TxtMenuRecords));
     m_scriptMenu->setTitle(texts.text(TxtServiceScript));
     m_abl->setText(texts.text(TxtServiceScriptStart));
     m_ablPro->setText(texts.text(TxtServiceScriptResult));
@@ -227,6 +230,19 @@ void ServiceWindow::ToggleDirectPrinting()
     // The check mark has already flipped: it says what to send; the bit is never read back.
     const bool on = m_printdirekt->isChecked();
     m_device.Post([on](link::Link &link) { SetDirectPrinting(link, on); });
+}
+
+void ServiceWindow::ReadAllRecords()
+{
+    m_terminal->show();
+    m_device.Post([this](link::Link &link) {
+        // Each record shows in the terminal panel as it arrives; the file is written at the end.
+        records::ReadProtocols(link, m_prompter, [this](int, const QByteArray &record) {
+            QMetaObject::invokeMethod(this, [this, text = link::DecodeTesterText(record)] {
+                AppendToTerminal(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+            });
+        });
+    });
 }
 
 void ServiceWindow::ShowTrace(bool asCodes)

@@ -51,6 +51,7 @@ private:
     void StopHelpTexts();
     void ToggleDirectPrinting();
     void ShowTrace(bool asCodes);
+    void ReadAllRecords(); // readprot
     void AppendToTerminal(const QString &text);
     QString FilePath(const QString &name) const;
 
@@ -66,7 +67,7 @@ private:
     QPushButton *m_ahtt, *m_aht, *m_ahst;
     QLabel *m_ahnr;
     QMenu *m_viewMenu, *m_scriptMenu;
-    QAction *m_term, *m_clearDisp, *m_log, *m_loghex, *m_abl, *m_ablPro, *m_printdirekt;
+    QAction *m_term, *m_clearDisp, *m_log, *m_loghex, *m_abl, *m_ablPro, *m_printdirekt, *m_readprot;
     QList<QAction *> m_deviceActions;
     QList<QWidget *> m_deviceWidgets;
 };
