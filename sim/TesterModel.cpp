@@ -1,6 +1,7 @@
 // What the virtual tester answers to one command line, and the memory its answers come from.
 #include "TesterModel.h"
 
+#include "ConfigCommands.h"
 #include "DisplayFrame.h"
 #include "RecordCommands.h"
 
@@ -144,6 +145,7 @@ void TesterModel::Restart()
 {
     m_working = m_stored;
     m_configurationMode = false;
+    m_pendingCalibrationEntry = -1;
 }
 
 void TesterModel::setLanguage(int code)
@@ -207,14 +209,19 @@ std::optional<QByteArray> TesterModel::Query(const QByteArray &lower, const QByt
         const auto address = RegisterAddress(argument);
         if (!address)
             return kNo;
-        return " " + HexText(m_working.Register(*address)) + kYes;
+        // Both reading rules find the value: the two characters after "=" and those before ".Y".
+        return "=" + HexText(m_working.Register(*address)) + kYes;
     }
     if (mnemonic == "bit?") {
         const auto bit = BitNumber(argument);
         if (!bit)
             return kNo;
-        return " " + HexText(m_working.bits[static_cast<size_t>(*bit)]) + kYes;
+        return "=" + HexText(m_working.bits[static_cast<size_t>(*bit)]) + kYes;
     }
+    if (mnemonic == "kal?")
+        return CalibrationQuery(m_working, argument);
+    if (lower.startsWith("wer?bgw"))
+        return LimitQuery(m_working, line.mid(7));
     if (lower.startsWith("wer?w") && (lower.size() == 6 || lower[6] == ';')) {
         // The readings of the running test, one letter a quantity: what command scripts collect
         // (a script's comment behind ";" is ignored).
@@ -239,6 +246,8 @@ std::optional<QByteArray> TesterModel::Setting(const QByteArray &lower, const QB
     const QByteArray argument = line.mid(4);
     if (lower == "idn!99" || lower == "idn!0" || lower == "mes!0")
         return kYes;
+    if (!lower.startsWith("wer!"))
+        m_pendingCalibrationEntry = -1;
     if (lower == "kal!ein" || lower == "kal!aus") {
         m_configurationMode = lower == "kal!ein";
         return kYes;
@@ -265,6 +274,15 @@ std::optional<QByteArray> TesterModel::Setting(const QByteArray &lower, const QB
         m_working.name = name;
         return kYes;
     }
+    if (lower.startsWith("wer!bgw")) {
+        m_pendingCalibrationEntry = -1;
+        return LimitWrite(m_working, line.mid(7));
+    }
+    if (mnemonic == "wer!")
+        return CalibrationWrite(m_working, argument, m_configurationMode, m_pendingCalibrationEntry);
+    if (lower.startsWith("var!d2") && Decimal(argument.mid(2), 2))
+        // The high-voltage time is set with its decimal seconds right behind the address.
+        return HighVoltageTimeWrite(m_working, argument.mid(2));
     if (mnemonic == "var!") {
         const auto parts = ArgumentAndValue(argument);
         const auto address = parts ? RegisterAddress(parts->first) : std::nullopt;

@@ -77,6 +77,7 @@ private:
     TesterState m_working;
     TesterState m_stored;
     bool m_configurationMode = false;
+    int m_pendingCalibrationEntry = -1; // the entry whose first value the last "wer!" set
     bool m_kymInFront = false;
     RecordStore m_records;
     int m_printTemplate = 1;

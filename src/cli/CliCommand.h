@@ -26,5 +26,6 @@ struct UsageError {
 QList<CliCommand> LinkCommands();
 QList<CliCommand> ShellCommands();
 QList<CliCommand> RecordCommands();
+QList<CliCommand> ConfigCommands();
 
 } // namespace kalvo::cli

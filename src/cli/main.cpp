@@ -19,7 +19,7 @@ namespace {
 
 QList<CliCommand> AllCommands()
 {
-    return LinkCommands() + ShellCommands() + RecordCommands();
+    return LinkCommands() + ShellCommands() + RecordCommands() + ConfigCommands();
 }
 
 void PrintHelp(QTextStream &out)

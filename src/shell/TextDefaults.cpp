@@ -3,9 +3,9 @@
 
 namespace kalvo::shell {
 
-const std::array<TextDefault, 61> &TextDefaults()
+const std::array<TextDefault, 77> &TextDefaults()
 {
-    static const std::array<TextDefault, 61> kDefaults = {{
+    static const std::array<TextDefault, 77> kDefaults = {{
         {TxtPortNotOpen, "port not open",
          "Die Schnittstelle ist nicht geöffnet. Bitte unter Einstellungen die Schnittstelle wählen und mit "
          "OK "
@@ -28,6 +28,8 @@ const std::array<TextDefault, 61> &TextDefaults()
         {TxtUpdateDue, "update due", "Für diesen Kalvomer liegt ein neueres Update bereit."},
         {TxtConnected, "connected", "Verbunden mit"},
         {TxtMenuRecords, "menu records", "Protokolle"},
+        {TxtMenuWithDesignation, "menu d3 option", "mit Bezeichnung"},
+        {TxtMenuQuillbank, "menu quillbank", "Quillbank"},
         {TxtMenuSettings, "menu settings", "Einstellungen"},
         {TxtMenuConnection, "menu connection", "Schnittstelle"},
         {TxtMenuConfig, "menu configuration", "Konfiguration"},
@@ -72,6 +74,20 @@ const std::array<TextDefault, 61> &TextDefaults()
         {TxtServiceCommand, "service command", "Befehl"},
         {TxtServiceAnswer, "service answer", "Antwort"},
         {TxtServiceView, "service view", "Ansicht"},
+        {TxtMenuRestoreCalibration, "menu restore calibration", "Kalibrierwerte zurückspeichern"},
+        {TxtMenuLimits, "menu limits", "Grenzwerte"},
+        {TxtMenuLimitShortCircuit, "menu limit short circuit", "Kurzschlussstrom"},
+        {TxtMenuLimitReferenceVoltage, "menu limit reference voltage", "Bezugsspannung"},
+        {TxtMenuLimitHighVoltageTime, "menu limit high voltage time", "Prüfzeit Hochspannung"},
+        {TxtMenuModem, "menu modem", "Modem"},
+        {TxtLabelTelephone1, "label telephone 1", "Telefonnummer 1"},
+        {TxtLabelTelephone2, "label telephone 2", "Telefonnummer 2"},
+        {TxtLabelModemInit, "label modem init", "Modem-Initialisierung"},
+        {TxtServiceLoadVariables, "service load variables", "Variablen laden"},
+        {TxtServiceDumpConfiguration, "service dump configuration", "Konfiguration lesen"},
+        {TxtServiceStoreConfiguration, "service store configuration", "Konfiguration speichern"},
+        {TxtServiceBackupCalibration, "service back up calibration", "Kalibrierwerte sichern"},
+        {TxtServiceVariables, "service variables", "Variablen"},
     }};
     return kDefaults;
 }

@@ -25,6 +25,8 @@ enum TextId : int {
     TxtUpdateDue = 15,
     TxtConnected = 16,
     TxtMenuRecords = 17,
+    TxtMenuWithDesignation = 18,
+    TxtMenuQuillbank = 19,
     // Main window
     TxtMenuSettings = 20,
     TxtMenuConnection = 21,
@@ -71,6 +73,21 @@ enum TextId : int {
     TxtServiceCommand = 62,
     TxtServiceAnswer = 63,
     TxtServiceView = 64,
+    // Configuration, limits, calibration, modem
+    TxtMenuRestoreCalibration = 65,
+    TxtMenuLimits = 66,
+    TxtMenuLimitShortCircuit = 67,
+    TxtMenuLimitReferenceVoltage = 68,
+    TxtMenuLimitHighVoltageTime = 69,
+    TxtMenuModem = 70,
+    TxtLabelTelephone1 = 71,
+    TxtLabelTelephone2 = 72,
+    TxtLabelModemInit = 73,
+    TxtServiceLoadVariables = 74,
+    TxtServiceDumpConfiguration = 75,
+    TxtServiceStoreConfiguration = 76,
+    TxtServiceBackupCalibration = 77,
+    TxtServiceVariables = 78,
 };
 
 struct TextDefault {
@@ -80,6 +97,6 @@ struct TextDefault {
 };
 
 // Every row the program uses, in row order.
-const std::array<TextDefault, 61> &TextDefaults();
+const std::array<TextDefault, 77> &TextDefaults();
 
 } // namespace kalvo::shell

@@ -89,7 +89,7 @@ TEST(CliEndToEnd, SendPrintsEachAnswerWithControlCharactersEscaped)
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QStringList out = run.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     ASSERT_EQ(out.size(), 2) << run.out.toStdString();
-    EXPECT_TRUE(out[0].startsWith(QStringLiteral("var?D3 01.Y"))) << out[0].toStdString();
+    EXPECT_TRUE(out[0].startsWith(QStringLiteral("var?D3=01.Y"))) << out[0].toStdString();
     EXPECT_TRUE(out[0].endsWith(QStringLiteral("\\x11")));
     EXPECT_TRUE(out[1].startsWith(QStringLiteral("bit?4"))) << out[1].toStdString();
     EXPECT_EQ(sim.ReceivedBytes(), (QStringList{"var?D3\\r", "bit?4\\r"}));

@@ -62,6 +62,13 @@ constexpr TextId kCaptionsInHelp[] = {
     TxtServiceScript,      TxtServiceScriptStart, TxtServiceScriptResult,
     TxtServiceAllHelp,     TxtServiceNextHelp,    TxtServiceHelpStop,
     TxtServicePrintDirect, TxtServiceCommand,     TxtServiceAnswer,
+    TxtServiceView,        TxtModemStored,        TxtMenuRecords,
+    TxtMenuWithDesignation, TxtMenuQuillbank,     TxtMenuRestoreCalibration,
+    TxtMenuLimits,         TxtMenuLimitShortCircuit, TxtMenuLimitReferenceVoltage,
+    TxtMenuLimitHighVoltageTime, TxtMenuModem,    TxtLabelTelephone1,
+    TxtLabelTelephone2,    TxtLabelModemInit,     TxtServiceLoadVariables,
+    TxtServiceDumpConfiguration, TxtServiceStoreConfiguration, TxtServiceBackupCalibration,
+    TxtServiceVariables,
 };
 
 // A page as the reader sees its words: runs of white space count as one blank.

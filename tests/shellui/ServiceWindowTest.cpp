@@ -49,7 +49,7 @@ TEST_F(ServiceWindowTest, ThreeCommandsLeaveTheirAnswersInOrderNewestLast)
         ASSERT_TRUE(Idle());
     }
     EXPECT_EQ(Child<QPlainTextEdit>("Termantwort")->toPlainText(),
-              QStringLiteral("dis? 00.Y\nvar?D3 01.Y\nbit?4 01.Y\n"));
+              QStringLiteral("dis? 00.Y\nvar?D3=01.Y\nbit?4=01.Y\n"));
     EXPECT_TRUE(befehl->text().isEmpty());
 }
 

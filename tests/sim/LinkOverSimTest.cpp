@@ -181,7 +181,7 @@ TEST(LinkOverSim, TrailingJunkDoesNotLeakIntoTheNextAnswer)
         const link::ConnectionState state = link::ConnectTester(bench.link, link::kSimulatorPortName);
         EXPECT_FALSE(state.quillbankPresent) << baud;
         EXPECT_TRUE(state.d3Option) << baud;
-        EXPECT_EQ(bench.link.Exchange("var?D3"), Answer("var?D3 01.Y")) << baud;
+        EXPECT_EQ(bench.link.Exchange("var?D3"), Answer("var?D3=01.Y")) << baud;
     }
 }
 
@@ -212,7 +212,7 @@ TEST(LinkOverSim, ChangesLastOverARestartOnlyWhenStored)
         });
         EXPECT_EQ(stored, c.stored) << c.name;
         EXPECT_EQ(bench.tester.restarts(), 1) << c.name;
-        EXPECT_EQ(bench.link.Exchange("var?D3"), Answer(c.kept ? "var?D3 00.Y" : "var?D3 01.Y")) << c.name;
+        EXPECT_EQ(bench.link.Exchange("var?D3"), Answer(c.kept ? "var?D3=00.Y" : "var?D3=01.Y")) << c.name;
         EXPECT_EQ(link::IdentifyTester(bench.link, {}).shortDesignation, c.kept ? "NEU" : "KALVO-01")
             << c.name;
     }

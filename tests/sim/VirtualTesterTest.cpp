@@ -45,25 +45,25 @@ TEST(VirtualTester, AnswersCommandsAndRemembersSettings)
         {"wake-up lines", {{"", prompt}, {"\x04", prompt}, {"\x07", prompt}}},
         {"language and flags",
          {{"dis?", Answer("dis? 00.Y")},
-          {"var?E3", Answer("var?E3 00.Y")},
-          {"var?d3", Answer("var?d3 01.Y")}}},
+          {"var?E3", Answer("var?E3=00.Y")},
+          {"var?d3", Answer("var?d3=01.Y")}}},
         {"register bounds",
          {{"var?CE", Answer("var?CE.N")},
           {"var?G1", Answer("var?G1.N")},
-          {"var?FF", Answer("var?FF 00.Y")},
+          {"var?FF", Answer("var?FF=00.Y")},
           {"var?D", Answer("var?D.N")}}},
         {"register write",
          {{"var!D3 1f", Answer("var!D3 1f.Y")},
-          {"var?D3", Answer("var?D3 1F.Y")},
+          {"var?D3", Answer("var?D3=1F.Y")},
           {"var!D3,0", Answer("var!D3,0.Y")},
-          {"var?D3", Answer("var?D3 00.Y")},
+          {"var?D3", Answer("var?D3=00.Y")},
           {"var!D3", Answer("var!D3.N")},
           {"var!D3 123", Answer("var!D3 123.N")},
           {"var!C0 1", Answer("var!C0 1.N")}}},
         {"bit bytes",
-         {{"bit?4", Answer("bit?4 01.Y")},
+         {{"bit?4", Answer("bit?4=01.Y")},
           {"bit!04 3", Answer("bit!04 3.Y")},
-          {"bit?04", Answer("bit?04 03.Y")},
+          {"bit?04", Answer("bit?04=03.Y")},
           {"bit?8", Answer("bit?8.N")},
           {"bit!9 1", Answer("bit!9 1.N")}}},
         {"string registers",
@@ -138,7 +138,7 @@ TEST(VirtualTester, RestartNeedsTheLoneEotAndBringsBackTheStoredCopy)
         tester.feed(c.afterReset);
         tester.takeOutput(clock.now());
         EXPECT_EQ(tester.restarts(), c.restarts ? 1 : 0) << c.name;
-        EXPECT_EQ(Ask(tester, clock, "var?D3"), Answer(c.restarts ? "var?D3 01.Y" : "var?D3 07.Y")) << c.name;
+        EXPECT_EQ(Ask(tester, clock, "var?D3"), Answer(c.restarts ? "var?D3=01.Y" : "var?D3=07.Y")) << c.name;
     }
 }
 

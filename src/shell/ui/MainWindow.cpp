@@ -6,10 +6,14 @@
 #include "RemoteDisplay.h"
 #include "ServiceWindow.h"
 #include "SettingsFrame.h"
+#include "config/Calibration.h"
+#include "config/Variables.h"
+#include "config/ui/LimitFrame.h"
 #include "link/Errors.h"
 #include "link/PortNames.h"
 #include "link/Registers.h"
 #include "link/ServiceSession.h"
+#include "modem/ui/ModemWindow.h"
 #include "records/ui/RecordWindow.h"
 #include "shell/ClockAndName.h"
 
@@ -59,8 +63,10 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
     m_settings = new SettingsFrame(central);
     m_config = new ConfigFrame(central);
     m_display = new RemoteDisplay(central);
+    m_limits = new config::ui::LimitFrame(*m_device, *m_prompter, central);
     layout->addWidget(m_settings);
     layout->addWidget(m_config);
+    layout->addWidget(m_limits);
     layout->addWidget(m_display);
     layout->addStretch();
     setCentralWidget(central);
@@ -72,6 +78,7 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
                                                        : m_startup.settings.portName);
     SetLanguage(m_startup.settings.language.value_or(QStringLiteral("deutsch")));
     m_deviceWidgets = {m_settings->activateButton(), m_config->storeButton()};
+    m_setKal->setVisible(m_startup.switches.service || m_startup.switches.development);
     if (m_startup.switches.development) {
         m_developmentAction->setVisible(true);
         const QString trace = QDir::current().filePath(QStringLiteral("test.log"));
@@ -93,6 +100,7 @@ MainWindow::~MainWindow()
 {
     delete m_service;
     delete m_records;
+    delete m_modem;
     m_device.reset();
 }
 
@@ -110,6 +118,27 @@ void MainWindow::BuildMenus()
     m_configAction = action(m_settingsMenu, "config", &MainWindow::OpenConfig);
     m_clockAction = action(m_settingsMenu, "UhrStellen", &MainWindow::SetClock);
     m_nameAction = action(m_settingsMenu, "Taufe", &MainWindow::NameTester);
+    m_settingsMenu->addSeparator();
+    m_mitBez = action(m_settingsMenu, "mitBez", [this] { ToggleSwitch(true); });
+    m_mitBez->setCheckable(true);
+    m_quillbank = action(m_settingsMenu, "Quillbank", [this] { ToggleSwitch(false); });
+    m_quillbank->setCheckable(true);
+    m_quillbank->setEnabled(false);
+    m_setKal = action(m_settingsMenu, "setKal", &MainWindow::RestoreCalibrationFromFile);
+    m_setKal->setVisible(false);
+    m_modemAction = action(m_settingsMenu, "modem", &MainWindow::OpenModem);
+
+    m_limitsMenu = menuBar()->addMenu(QString());
+    m_limitsMenu->setObjectName(QStringLiteral("grenzwerte"));
+    const auto limit = [this](const char *name, config::LimitKind kind) {
+        QAction *a = m_limitsMenu->addAction(QString());
+        a->setObjectName(QString::fromLatin1(name));
+        connect(a, &QAction::triggered, this, [this, a, kind] { m_limits->Edit(kind, a->text()); });
+        return a;
+    };
+    m_kuschl = limit("kuschl", config::LimitKind::Kuschl);
+    m_ubez = limit("Ubez", config::LimitKind::Ubez);
+    m_pzhv = limit("PZHV", config::LimitKind::Pzhv);
     m_recordsAction = action(nullptr, "protokolle", &MainWindow::OpenRecords);
     m_serviceAction = action(nullptr, "service", &MainWindow::OpenService);
 
@@ -132,7 +161,8 @@ void MainWindow::BuildMenus()
     m_developmentAction->setCheckable(true);
     m_developmentAction->setVisible(false);
     m_exitAction = action(nullptr, "Beenden", [] { QCoreApplication::exit(0); });
-    m_deviceActions = {m_configAction, m_clockAction, m_nameAction};
+    m_deviceActions = {m_configAction, m_clockAction, m_nameAction, m_mitBez,
+                       m_setKal,       m_kuschl,      m_ubez,       m_pzhv};
 }
 
 void MainWindow::SetLanguage(const QString &name)
@@ -161,6 +191,17 @@ void MainWindow::ApplyTexts()
     m_nameAction->setText(m_texts.text(TxtMenuName));
     m_serviceAction->setText(m_texts.text(TxtMenuService));
     m_recordsAction->setText(m_texts.text(TxtMenuRecords));
+    m_mitBez->setText(m_texts.text(TxtMenuWithDesignation));
+    m_quillbank->setText(m_texts.text(TxtMenuQuillbank));
+    m_setKal->setText(m_texts.text(TxtMenuRestoreCalibration));
+    m_modemAction->setText(m_texts.text(TxtMenuModem));
+    m_limitsMenu->setTitle(m_texts.text(TxtMenuLimits));
+    m_kuschl->setText(m_texts.text(TxtMenuLimitShortCircuit));
+    m_ubez->setText(m_texts.text(TxtMenuLimitReferenceVoltage));
+    m_pzhv->setText(m_texts.text(TxtMenuLimitHighVoltageTime));
+    m_limits->SetCaptions(m_texts.text(TxtButtonOk), m_texts.text(TxtButtonStore));
+    if (m_modem)
+        m_modem->ApplyTexts(m_texts);
     m_languageMenu->setTitle(m_texts.text(TxtMenuLanguage));
     m_helpMenu->setTitle(m_texts.text(TxtMenuHelp));
     m_helpContents->setText(m_texts.text(TxtMenuHelpContents));
@@ -194,6 +235,11 @@ void MainWindow::SetBusy(bool busy)
         m_service->SetBusy(busy);
     if (m_records)
         m_records->SetBusy(busy);
+    if (m_modem)
+        m_modem->SetBusy(busy);
+    m_limits->SetBusy(busy);
+    // The accessory switch is offered only when the tester reported the accessory.
+    m_quillbank->setEnabled(!busy && m_connection.quillbankPresent);
     if (busy)
         QApplication::setOverrideCursor(Qt::WaitCursor);
     else
@@ -239,8 +285,11 @@ void MainWindow::Connect()
 
 void MainWindow::ShowIdentity(const link::ConnectionState &state, const link::TesterIdentity &identity)
 {
-    if (state.flagsRead)
+    if (state.flagsRead) {
         m_connection = state;
+        m_quillbank->setEnabled(state.quillbankPresent);
+        m_mitBez->setChecked(state.d3Option);
+    }
     m_identity = identity;
     // The tester's display language becomes the program's language.
     SetLanguage(identity.language.name);
@@ -296,6 +345,8 @@ void MainWindow::OpenService()
         });
         m_service->SetBusy(m_device->busy());
     }
+    if (!m_identity.shortDesignation.isEmpty())
+        m_service->setDefaultBackupName(config::DefaultBackupName(m_identity.shortDesignation));
     m_service->show();
     m_service->raise();
 }
@@ -309,6 +360,38 @@ void MainWindow::OpenRecords()
     }
     m_records->show();
     m_records->raise();
+}
+
+void MainWindow::OpenModem()
+{
+    if (!m_modem) {
+        m_modem = new modem::ui::ModemWindow(*m_device, *m_prompter, m_texts);
+        m_modem->setAttribute(Qt::WA_DeleteOnClose);
+        m_modem->SetBusy(m_device->busy());
+    }
+    m_modem->show();
+    m_modem->raise();
+}
+
+void MainWindow::ToggleSwitch(bool d3)
+{
+    QAction *entry = d3 ? m_mitBez : m_quillbank;
+    // The check mark has already flipped; the switch works from what it showed before.
+    const bool wasChecked = !entry->isChecked();
+    const auto which = d3 ? config::RegisterSwitch::MitBez : config::RegisterSwitch::Accessory;
+    PostChecked([this, entry, which, wasChecked](link::Link &link) {
+        const bool now = config::ToggleRegisterSwitch(link, which, wasChecked);
+        OnWindow([entry, now] { entry->setChecked(now); });
+    });
+}
+
+void MainWindow::RestoreCalibrationFromFile()
+{
+    PostChecked([this](link::Link &link) {
+        const QString path = m_prompter->askOpenFile(config::kCalibrationFilter);
+        if (!path.isEmpty())
+            config::RestoreCalibration(link, *m_prompter, path, config::RestoreSource::MainForm);
+    });
 }
 
 void MainWindow::ShowHelp()

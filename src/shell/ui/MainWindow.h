@@ -17,6 +17,12 @@ class QMenu;
 namespace kalvo::records::ui {
 class RecordWindow;
 }
+namespace kalvo::config::ui {
+class LimitFrame;
+}
+namespace kalvo::modem::ui {
+class ModemWindow;
+}
 
 namespace kalvo::shell::ui {
 
@@ -71,6 +77,9 @@ private:
     void NameTester();
     void OpenService();
     void OpenRecords();
+    void OpenModem();
+    void ToggleSwitch(bool d3);
+    void RestoreCalibrationFromFile(); // setKal
     void ShowHelp();
     void ShowInfo();
 
@@ -89,8 +98,11 @@ private:
     QPointer<HelpWindow> m_help;
     QPointer<ServiceWindow> m_service;
     QPointer<records::ui::RecordWindow> m_records;
+    QPointer<modem::ui::ModemWindow> m_modem;
+    config::ui::LimitFrame *m_limits;
 
-    QMenu *m_settingsMenu, *m_languageMenu, *m_helpMenu;
+    QMenu *m_settingsMenu, *m_languageMenu, *m_helpMenu, *m_limitsMenu;
+    QAction *m_mitBez, *m_quillbank, *m_setKal, *m_modemAction, *m_kuschl, *m_ubez, *m_pzhv;
     QAction *m_connection_, *m_configAction, *m_clockAction, *m_nameAction, *m_serviceAction,
         *m_recordsAction, *m_helpContents, *m_infoAction, *m_exitAction, *m_developmentAction;
     QList<QAction *> m_languageActions;

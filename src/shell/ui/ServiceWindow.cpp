@@ -3,6 +3,7 @@
 #include "ServiceWindow.h"
 
 #include "DeviceThread.h"
+#include "config/ui/ServiceConfigPanel.h"
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
@@ -80,7 +81,21 @@ ServiceWindow::ServiceWindow(DeviceThread &device, link::Prompter &prompter, con
     layout->addWidget(m_answers, 1);
     layout->addLayout(help);
     layout->addWidget(m_terminal, 2);
-    setCentralWidget(central);
+    // The configuration part: variable list and calibration frame beside the terminal.
+    m_config = new config::ui::ServiceConfigPanel(
+        device, prompter,
+        [this](const QString &text, bool clearFirst) {
+            m_terminal->show();
+            if (clearFirst)
+                m_terminal->clear();
+            AppendToTerminal(text);
+        },
+        [this](const QString &command) { m_befehl->setText(command); }, this);
+    auto *holder = new QWidget(this);
+    auto *outer = new QHBoxLayout(holder);
+    outer->addWidget(central, 3);
+    outer->addWidget(m_config, 1);
+    setCentralWidget(holder);
 
     const auto action = [this](QMenu *menu, const char *name, auto slot) {
         QAction *a = menu->addAction(QString());
@@ -95,6 +110,9 @@ ServiceWindow::ServiceWindow(DeviceThread &device, link::Prompter &prompter, con
     m_loghex = action(m_viewMenu, "loghex", [this] { ShowTrace(true); });
     m_printdirekt = action(m_viewMenu, "printdirekt", &ServiceWindow::ToggleDirectPrinting);
     m_printdirekt->setCheckable(true);
+    m_configMenu = menuBar()->addMenu(QString());
+    m_configMenu->setObjectName(QStringLiteral("konfigurationMenu"));
+    m_configMenu->addActions(m_config->actions());
     m_scriptMenu = menuBar()->addMenu(QString());
     m_scriptMenu->setObjectName(QStringLiteral("abl_dum"));
     m_abl = action(m_scriptMenu, "abl", &ServiceWindow::RunScript);
@@ -121,6 +139,8 @@ void ServiceWindow::ApplyTexts(const LanguageTable &texts)
     m_loghex->setText(texts.text(TxtServiceLogHex));
     m_printdirekt->setText(texts.text(TxtServicePrintDirect));
     m_readprot->setText(texts.text(TxtMenuRecords));
+    m_configMenu->setTitle(texts.text(TxtMenuConfig));
+    m_config->ApplyTexts(texts);
     m_scriptMenu->setTitle(texts.text(TxtServiceScript));
     m_abl->setText(texts.text(TxtServiceScriptStart));
     m_ablPro->setText(texts.text(TxtServiceScriptResult));
@@ -131,8 +151,14 @@ void ServiceWindow::ApplyTexts(const LanguageTable &texts)
     m_answerLabel->setText(texts.text(TxtServiceAnswer));
 }
 
+void ServiceWindow::setDefaultBackupName(const QString &name)
+{
+    m_config->setDefaultBackupName(name);
+}
+
 void ServiceWindow::SetBusy(bool busy)
 {
+    m_config->SetBusy(busy);
     for (QAction *a : std::as_const(m_deviceActions))
         a->setEnabled(!busy);
     for (QWidget *w : std::as_const(m_deviceWidgets))

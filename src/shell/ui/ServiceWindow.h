@@ -21,6 +21,10 @@ namespace kalvo::shell {
 class LanguageTable;
 }
 
+namespace kalvo::config::ui {
+class ServiceConfigPanel;
+}
+
 namespace kalvo::shell::ui {
 
 class DeviceThread;
@@ -36,6 +40,8 @@ public:
 
     // Where the script, its result and the trace are: the current directory.
     void setWorkingDirectory(const QString &dir) { m_dir = dir; }
+    // The calibration backup's proposed name.
+    void setDefaultBackupName(const QString &name);
 
 signals:
     // The terminal entry switches the development-terminal mode off.
@@ -66,7 +72,8 @@ private:
     QLabel *m_commandLabel, *m_answerLabel;
     QPushButton *m_ahtt, *m_aht, *m_ahst;
     QLabel *m_ahnr;
-    QMenu *m_viewMenu, *m_scriptMenu;
+    QMenu *m_viewMenu, *m_scriptMenu, *m_configMenu;
+    config::ui::ServiceConfigPanel *m_config;
     QAction *m_term, *m_clearDisp, *m_log, *m_loghex, *m_abl, *m_ablPro, *m_printdirekt, *m_readprot;
     QList<QAction *> m_deviceActions;
     QList<QWidget *> m_deviceWidgets;

@@ -1,0 +1,223 @@
+// kalvo-cli vars, limits, cal and modem: the tester's configuration, limits, calibration, modem.
+#include "CliCommand.h"
+#include "CliContext.h"
+
+#include "config/Calibration.h"
+#include "config/CalibrationDiff.h"
+#include "config/Limits.h"
+#include "config/VariableFile.h"
+#include "config/Variables.h"
+#include "link/Identification.h"
+#include "link/TextRules.h"
+#include "modem/ModemSettings.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+namespace kalvo::cli {
+
+namespace {
+
+// Forwards to the command line's prompter but answers "speichern??" with OK when asked to store.
+class StoringPrompter final : public link::Prompter {
+public:
+    StoringPrompter(link::Prompter &inner, bool store) : m_inner(inner), m_store(store) {}
+    void message(const QString &text, Icon icon) override { m_inner.message(text, icon); }
+    bool confirm(const QString &text) override
+    {
+        if (!m_store)
+            return m_inner.confirm(text);
+        m_inner.message(text + QStringLiteral(" -> OK (--store)"), Icon::Information);
+        return true;
+    }
+    std::optional<QString> askText(const QString &t, const QString &p, const QString &d) override
+    {
+        return m_inner.askText(t, p, d);
+    }
+    QString askOpenFile(const QString &filter) override { return m_inner.askOpenFile(filter); }
+    QString askSaveFile(const QString &filter) override { return m_inner.askSaveFile(filter); }
+    void progress(int percent) override { m_inner.progress(percent); }
+    void busy(bool on) override { m_inner.busy(on); }
+
+private:
+    link::Prompter &m_inner;
+    bool m_store;
+};
+
+// Takes "--store" out of `words`; true when it was there.
+bool TakeStore(QStringList &words)
+{
+    return words.removeAll(QStringLiteral("--store")) > 0;
+}
+
+int Vars(CliContext &context, const QStringList &words)
+{
+    const QString action = words.value(0);
+    QTextStream &out = context.out();
+    if (action == QLatin1String("store") && words.size() == 1) {
+        context.OpenPort();
+        return config::StoreConfiguration(context.link(), context.prompter()) ? kExitDone : kExitFailed;
+    }
+    if ((action == QLatin1String("list") || action == QLatin1String("dump")) && words.size() == 1) {
+        const config::VariableFile file = config::VariableFile::Load(config::VariableFile::Locate());
+        if (action == QLatin1String("list")) {
+            for (const QString &entry : file.entries())
+                out << entry << '\n';
+            return kExitDone;
+        }
+        context.OpenPort();
+        out << config::DumpConfiguration(context.link(), file.blockEntries()).lines.join(QLatin1Char('\n'))
+            << '\n';
+        return kExitDone;
+    }
+    if (action == QLatin1String("read") && words.size() == 2) {
+        // A name or address from variable.mas; a bare address not in the file is read as a variable.
+        QString entry;
+        const QString path = config::VariableFile::Locate();
+        if (QFile::exists(path))
+            entry = config::VariableFile::Load(path).Find(words[1]);
+        if (entry.isEmpty()) {
+            static const QRegularExpression address(QStringLiteral("^[0-9A-Fa-f]{2}$"));
+            if (!address.match(words[1]).hasMatch())
+                throw UsageError{QStringLiteral("%1 steht nicht in variable.mas").arg(words[1])};
+            entry = QStringLiteral("V#") + words[1].toUpper();
+        }
+        context.OpenPort();
+        const config::VariableReading reading = config::ReadVariable(context.link(), entry);
+        out << entry << ' ' << reading.command << ": " << reading.value << ' ' << reading.binary << " ("
+            << reading.number << ")\n";
+        return kExitDone;
+    }
+    throw UsageError{QStringLiteral("list | read NAME|ADDRESS | dump | store")};
+}
+
+config::LimitKind LimitArgument(const QString &word)
+{
+    const auto kind = config::LimitKindFromName(word);
+    if (!kind)
+        throw UsageError{QStringLiteral("kuschl, ubez oder pzhv, nicht %1").arg(word)};
+    return *kind;
+}
+
+int Limits(CliContext &context, QStringList words)
+{
+    const bool store = TakeStore(words);
+    const QString action = words.value(0);
+    QTextStream &out = context.out();
+    if (action == QLatin1String("get") && words.size() == 2 && !store) {
+        const config::LimitKind kind = LimitArgument(words[1]);
+        context.OpenPort();
+        const int value = config::ReadLimit(context.link(), kind);
+        out << config::Limit(kind).name << config::LimitLabel(kind, value) << '\n';
+        return kExitDone;
+    }
+    if (action == QLatin1String("set") && words.size() == 3) {
+        const config::LimitKind kind = LimitArgument(words[1]);
+        bool ok = false;
+        const int value = words[2].toInt(&ok);
+        const config::LimitInfo &info = config::Limit(kind);
+        if (!ok || !config::InRange(kind, value))
+            throw UsageError{QStringLiteral("%1 muss zwischen %2 und %3 liegen, nicht %4")
+                                 .arg(words[1])
+                                 .arg(info.minimum)
+                                 .arg(info.maximum)
+                                 .arg(words[2])};
+        context.OpenPort();
+        if (!config::WriteLimit(context.link(), context.prompter(), kind, value))
+            return kExitFailed;
+        if (store && !config::StoreLimits(context.link(), context.prompter()))
+            return kExitFailed;
+        return kExitDone;
+    }
+    throw UsageError{QStringLiteral("get kuschl|ubez|pzhv | set kuschl|ubez|pzhv VALUE [--store]")};
+}
+
+int Cal(CliContext &context, QStringList words)
+{
+    const bool store = TakeStore(words);
+    const QString action = words.value(0);
+    QTextStream &out = context.out();
+    const auto show = [&out](const QString &line) { out << line << Qt::endl; };
+    if (action == QLatin1String("backup") && words.size() <= 2 && !store) {
+        context.OpenPort();
+        QString path = words.value(1);
+        if (path.isEmpty()) {
+            const link::TesterIdentity id = link::IdentifyTester(context.link(), {});
+            path = config::DefaultBackupName(id.shortDesignation);
+        }
+        config::BackupCalibration(context.link(), context.prompter(), path, show);
+        out << "51 entries -> " << QDir::toNativeSeparators(path) << '\n';
+        return kExitDone;
+    }
+    if (action == QLatin1String("restore") && words.size() == 2) {
+        // Read before anything is sent: a bad file ends the command with the tester untouched.
+        config::ReadCalibrationFile(words[1], config::RestoreSource::MainForm);
+        context.OpenPort();
+        StoringPrompter prompter(context.prompter(), store);
+        const auto result = config::RestoreCalibration(context.link(), prompter, words[1],
+                                                       config::RestoreSource::MainForm, show);
+        out << result.entriesWritten << " entries written, " << (result.stored ? "stored" : "not stored")
+            << '\n';
+        return kExitDone;
+    }
+    if (action == QLatin1String("diff") && words.size() == 3 && !store) {
+        const auto differences = config::DiffCalibration(words[1], words[2]);
+        for (const auto &d : differences)
+            out << config::DescribeDifference(d) << '\n';
+        if (differences.isEmpty())
+            out << "no differences\n";
+        return kExitDone;
+    }
+    throw UsageError{QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal")};
+}
+
+int Modem(CliContext &context, QStringList words)
+{
+    const bool store = TakeStore(words);
+    if (words.value(0) != QLatin1String("set"))
+        throw UsageError{QStringLiteral("set [--tel1 T] [--tel2 T] [--init S] [--store]")};
+    QMap<QString, QString> given;
+    for (qsizetype i = 1; i < words.size(); i += 2) {
+        const QString &option = words[i];
+        if (!QStringList{"--tel1", "--tel2", "--init"}.contains(option) || i + 1 >= words.size())
+            throw UsageError{QStringLiteral("unbekanntes Argument %1").arg(option)};
+        given.insert(option, words[i + 1]);
+    }
+    context.OpenPort();
+    // What is not given keeps the value the tester holds.
+    modem::ModemSettings settings = modem::ReadModemSettings(context.link());
+    settings.tel1 = given.value(QStringLiteral("--tel1"), settings.tel1);
+    settings.tel2 = given.value(QStringLiteral("--tel2"), settings.tel2);
+    settings.init = given.value(QStringLiteral("--init"), settings.init);
+    modem::WriteModemSettings(context.link(), settings);
+    if (store && !modem::StoreModemSettings(context.link(), context.prompter(),
+                                            context.texts().text(shell::TxtModemStored)))
+        return kExitFailed;
+    return kExitDone;
+}
+
+} // namespace
+
+QList<CliCommand> ConfigCommands()
+{
+    return {
+        {QStringLiteral("vars"), QStringLiteral("list | read NAME|ADDRESS | dump | store"),
+         QStringLiteral("the names of variable.mas, one variable or bit, the configuration block D0..FF, "
+                        "store the configuration (cfg!pgm)"),
+         Vars},
+        {QStringLiteral("limits"),
+         QStringLiteral("get kuschl|ubez|pzhv | set kuschl|ubez|pzhv VALUE [--store]"),
+         QStringLiteral("read or write a limit (15..95 mA, 90..300 V, 1..60 s); --store keeps it (cfg!pgm)"),
+         Limits},
+        {QStringLiteral("cal"), QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal"),
+         QStringLiteral("save the calibration table (default: the tester's name + .cal), write one back "
+                        "(stored with --store or --yes), compare two backups"),
+         Cal},
+        {QStringLiteral("modem"), QStringLiteral("set [--tel1 T] [--tel2 T] [--init S] [--store]"),
+         QStringLiteral("write the modem's telephone numbers and initialisation string; --store keeps them"),
+         Modem},
+    };
+}
+
+} // namespace kalvo::cli

@@ -1,0 +1,86 @@
+// Reading the tester's variables and bits by name, the configuration dump and the register switches.
+#include "Variables.h"
+
+#include "VariableFile.h"
+#include "link/Errors.h"
+#include "link/Link.h"
+#include "link/Registers.h"
+#include "link/ServiceSession.h"
+#include "link/TextRules.h"
+
+namespace kalvo::config {
+
+QByteArray ValueAfterEquals(const QByteArray &answer)
+{
+    const qsizetype equals = answer.indexOf('=');
+    return answer.mid(equals + 1, 2);
+}
+
+QByteArray ReadCommandFor(const QString &entry)
+{
+    const VariableEntry parts = SplitEntry(entry);
+    if (!entry.contains(QLatin1Char('#')))
+        throw link::FormatError(entry, 0, QStringLiteral("Name#Adresse"));
+    const QByteArray address = parts.address.toLatin1();
+    if (parts.name.startsWith(QLatin1Char('B')) || parts.name.startsWith(QStringLiteral("PB")))
+        return "bit?" + address;
+    if (parts.name.startsWith(QLatin1Char('V')) || parts.name.startsWith(QStringLiteral("PV")))
+        return "var?" + address;
+    throw link::FormatError(entry, 0, QStringLiteral("ein Name, der mit B, PB, V oder PV beginnt"));
+}
+
+VariableReading ReadVariable(link::Link &link, const QString &entry)
+{
+    VariableReading reading;
+    reading.command = ReadCommandFor(entry);
+    reading.answer = link.Exchange(reading.command);
+    if (!reading.answer.contains(".Y"))
+        throw link::FormatError(QStringLiteral("Antwort auf %1").arg(QString::fromLatin1(reading.command)), 0,
+                                QStringLiteral("einen Wert mit \".Y\""));
+    reading.value = ValueAfterEquals(reading.answer);
+    reading.number = static_cast<int>(link::NumericValue("&H" + reading.value));
+    reading.binary = link::HexToBinary(reading.value);
+    return reading;
+}
+
+QString ConfigurationDump::Text() const
+{
+    QString text;
+    for (const QString &line : lines)
+        text += line + QStringLiteral("\r\n");
+    return text;
+}
+
+ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEntries)
+{
+    ConfigurationDump dump;
+    // One digit table for the whole dump, as the view keeps it between lines.
+    link::BinaryGroups groups;
+    for (int i = 1; i <= ConfigurationDump::kRegisters; ++i) {
+        const QByteArray address = QByteArray::number(207 + i, 16).toUpper();
+        const QByteArray value = ValueAfterEquals(link.Exchange("var?" + address));
+        dump.values << value;
+        dump.lines << QString::fromLatin1(address) + QStringLiteral(": ==") + QString::fromLatin1(value) +
+                          QLatin1Char(' ') + link::HexToBinary(value, groups) + blockEntries.value(i - 1);
+    }
+    return dump;
+}
+
+bool StoreConfiguration(link::Link &link, link::Prompter &prompter)
+{
+    return link::StoreChanges(link, prompter, link::StoreCommand::Configuration);
+}
+
+bool ToggleRegisterSwitch(link::Link &link, RegisterSwitch which, bool checked)
+{
+    const QByteArray address = which == RegisterSwitch::MitBez ? "D3" : "E3";
+    link.Exchange("var!" + address + (checked ? " 0" : " 1"));
+    return !checked;
+}
+
+void ResetD3(link::Link &link)
+{
+    link.Exchange("var!D3,0");
+}
+
+} // namespace kalvo::config

@@ -1,0 +1,105 @@
+// The limit frame GWFrame: one of the tester's three limits on a scroll bar, written and stored.
+#include "LimitFrame.h"
+
+#include "link/Link.h"
+#include "shell/ui/DeviceThread.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollBar>
+
+namespace kalvo::config::ui {
+
+LimitFrame::LimitFrame(shell::ui::DeviceThread &device, link::Prompter &prompter, QWidget *parent)
+    : QGroupBox(parent), m_device(device), m_prompter(prompter)
+{
+    setObjectName(QStringLiteral("GWFrame"));
+    auto *grid = new QGridLayout(this);
+    m_scroll = new QScrollBar(Qt::Vertical, this);
+    m_scroll->setObjectName(QStringLiteral("VScroll1"));
+    // Up is more, as on a dial.
+    m_scroll->setInvertedAppearance(true);
+    m_scroll->setInvertedControls(true);
+    m_scroll->setMinimumHeight(120);
+    m_label = new QLabel(this);
+    m_label->setObjectName(QStringLiteral("Label10"));
+    QFont big = m_label->font();
+    big.setPointSizeF(big.pointSizeF() * 1.6);
+    m_label->setFont(big);
+    m_ok = new QPushButton(this);
+    m_ok->setObjectName(QStringLiteral("GWok"));
+    m_store = new QPushButton(this);
+    m_store->setObjectName(QStringLiteral("GWspeichern"));
+    grid->addWidget(m_scroll, 0, 0, 3, 1);
+    grid->addWidget(m_label, 0, 1);
+    grid->addWidget(m_ok, 1, 1);
+    grid->addWidget(m_store, 2, 1);
+    grid->setColumnStretch(2, 1); // the buttons keep their size; the room goes to the right
+    connect(m_scroll, &QScrollBar::valueChanged, this, &LimitFrame::ShowValue);
+    connect(m_ok, &QPushButton::clicked, this, &LimitFrame::Write);
+    connect(m_store, &QPushButton::clicked, this, &LimitFrame::Store);
+    hide();
+}
+
+void LimitFrame::SetCaptions(const QString &ok, const QString &store)
+{
+    m_ok->setText(ok);
+    m_store->setText(store);
+}
+
+void LimitFrame::SetBusy(bool busy)
+{
+    m_ok->setEnabled(!busy);
+    m_store->setEnabled(!busy);
+}
+
+int LimitFrame::value() const
+{
+    return m_scroll->value();
+}
+
+void LimitFrame::ShowValue(int value)
+{
+    if (m_kind)
+        m_label->setText(LimitLabel(*m_kind, value));
+}
+
+void LimitFrame::Edit(LimitKind kind, const QString &title)
+{
+    m_device.Post([this, kind, title](link::Link &link) {
+        if (link.PortClosed())
+            return;
+        const int value = ReadLimit(link, kind);
+        QMetaObject::invokeMethod(this, [this, kind, title, value] {
+            const LimitInfo &info = Limit(kind);
+            m_kind = kind;
+            setTitle(title);
+            m_scroll->setRange(info.minimum, info.maximum);
+            m_scroll->setValue(value);
+            ShowValue(m_scroll->value());
+            show();
+            emit loaded();
+        });
+    });
+}
+
+void LimitFrame::Write()
+{
+    if (!m_kind)
+        return;
+    m_device.Post([this, kind = *m_kind, value = m_scroll->value()](link::Link &link) {
+        if (!link.PortClosed())
+            WriteLimit(link, m_prompter, kind, value);
+    });
+}
+
+void LimitFrame::Store()
+{
+    m_device.Post([this](link::Link &link) {
+        if (!link.PortClosed())
+            StoreLimits(link, m_prompter);
+    });
+}
+
+} // namespace kalvo::config::ui

@@ -1,0 +1,73 @@
+// The service form's configuration part: the variable list, the configuration dump and store,
+// and the calibration backup and restore with their file frame.
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+class QAction;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+
+namespace kalvo::link {
+class Prompter;
+}
+
+namespace kalvo::shell {
+class LanguageTable;
+}
+
+namespace kalvo::shell::ui {
+class DeviceThread;
+}
+
+namespace kalvo::config::ui {
+
+class ServiceConfigPanel : public QWidget {
+    Q_OBJECT
+public:
+    using TextSink = std::function<void(const QString &text, bool clearFirst)>;
+
+    // `show` writes into the service form's terminal panel; `command` shows a command in its command line.
+    ServiceConfigPanel(shell::ui::DeviceThread &device, link::Prompter &prompter, TextSink show,
+                       std::function<void(const QString &)> command, QWidget *parent = nullptr);
+
+    // varmas, konfiguration, bitstore, readcal, storecal: for the form's menu.
+    QList<QAction *> actions() const { return m_actions; }
+    void ApplyTexts(const shell::LanguageTable &texts);
+    void SetBusy(bool busy);
+    // The calibration files are looked for and written here (the current directory).
+    void setDirectory(const QString &dir) { m_dir = dir; }
+    // The default backup name: the tester's short designation + ".cal".
+    void setDefaultBackupName(const QString &name) { m_defaultBackup = name; }
+
+private:
+    void LoadVariables();      // varmas
+    void ReadChosenVariable(); // readvar
+    void DumpConfiguration();  // konfiguration
+    void StoreConfiguration(); // bitstore
+    void BeginBackup();        // readcal
+    void BeginRestore();       // storecal
+    void SaveBackup();         // speichern
+    void RestoreChosenFile();  // kalibfiles
+
+    shell::ui::DeviceThread &m_device;
+    link::Prompter &m_prompter;
+    TextSink m_show;
+    std::function<void(const QString &)> m_command;
+    QString m_dir;
+    QString m_defaultBackup = QStringLiteral("kalvomer.cal");
+
+    QListWidget *m_readvar;
+    QLabel *m_variablesLabel;
+    QWidget *m_calibrationFrame;
+    QLabel *m_label2;
+    QLineEdit *m_text1;
+    QListWidget *m_kalibfiles;
+    QPushButton *m_speichern;
+    QList<QAction *> m_actions;
+};
+
+} // namespace kalvo::config::ui

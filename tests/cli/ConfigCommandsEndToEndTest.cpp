@@ -1,0 +1,93 @@
+// kalvo-cli cal and limits against kalvo-sim over a pseudo-terminal: the exact bytes sent.
+#include "support/SimProcess.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace kalvo::testing;
+
+namespace {
+
+QByteArray ReadFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
+QStringList CalibrationReads()
+{
+    QStringList lines;
+    for (int n = 0; n <= 50; ++n)
+        lines << QStringLiteral("kal? %1\\r").arg(n);
+    return lines;
+}
+
+} // namespace
+
+TEST(CliConfigCommands, BackupThenRestoreWithStoreSendsTheEntriesBack)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("t.cal"));
+    const RunResult backup = RunCli(sim, {QStringLiteral("cal"), QStringLiteral("backup"), path});
+    ASSERT_EQ(backup.exitCode, 0) << backup.err.toStdString();
+    EXPECT_EQ(sim.ReceivedBytes(), CalibrationReads());
+    const QList<QByteArray> lines = ReadFile(path).split('\n');
+    ASSERT_EQ(lines.size(), 52);
+    EXPECT_TRUE(lines[3].startsWith("3:")); // entry numbers in order
+    EXPECT_EQ(lines[29], QByteArray("29:0,3042.6\r"));
+
+    const RunResult restore =
+        RunCli(sim, {QStringLiteral("cal"), QStringLiteral("restore"), path, QStringLiteral("--store")});
+    ASSERT_EQ(restore.exitCode, 0) << restore.err.toStdString();
+    const QStringList sent = sim.ReceivedBytes().mid(51);
+    ASSERT_EQ(sent.size(), 2 + 102 + 2);
+    EXPECT_EQ(sent.mid(0, 2), (QStringList{"idn!99\\r", "kal!ein\\r"}));
+    const QByteArray three = lines[3].trimmed();
+    const qsizetype colon = three.indexOf(':'), comma = three.indexOf(',');
+    EXPECT_EQ(
+        sent[8],
+        QStringLiteral("wer! 3,%1\\r").arg(QString::fromLatin1(three.mid(colon + 1, comma - colon - 1))));
+    EXPECT_EQ(sent[9], QStringLiteral("wer! 3,%1\\r").arg(QString::fromLatin1(three.mid(comma + 1))));
+    EXPECT_EQ(sent[60], QStringLiteral("wer! 29,0\\r"));
+    EXPECT_EQ(sent[61], QStringLiteral("wer! 29,3042.6\\r"));
+    EXPECT_EQ(sent.mid(104), (QStringList{"kal!pgm\\r", "kal!aus\\r"}));
+}
+
+TEST(CliConfigCommands, RestoreWithoutStoreAnswersCancelAndBackupNamesTheFileAfterTheTester)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    QTemporaryDir dir;
+    const RunResult backup = RunCli(sim, {QStringLiteral("cal"), QStringLiteral("backup")}, dir.path());
+    ASSERT_EQ(backup.exitCode, 0) << backup.err.toStdString();
+    EXPECT_EQ(sim.ReceivedBytes(), QStringList({"dis?\\r", "ver?\\r", "idn?\\r"}) + CalibrationReads());
+    const QString path = dir.filePath(QStringLiteral("KALVO-01.cal"));
+    ASSERT_TRUE(QFile::exists(path));
+
+    const RunResult restore = RunCli(sim, {QStringLiteral("cal"), QStringLiteral("restore"), path});
+    ASSERT_EQ(restore.exitCode, 0) << restore.err.toStdString();
+    const QStringList sent = sim.ReceivedBytes();
+    EXPECT_FALSE(sent.contains(QStringLiteral("kal!pgm\\r")));
+    EXPECT_EQ(sent.last(), QStringLiteral("kal!aus\\r"));
+    EXPECT_TRUE(restore.err.contains(QStringLiteral("speichern??"))) << restore.err.toStdString();
+}
+
+TEST(CliConfigCommands, LimitSetSendsTheTestersFormAndRefusesOutOfRangeBeforeSending)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    const RunResult set = RunCli(sim, {QStringLiteral("limits"), QStringLiteral("set"),
+                                       QStringLiteral("kuschl"), QStringLiteral("15")});
+    ASSERT_EQ(set.exitCode, 0) << set.err.toStdString();
+    EXPECT_EQ(sim.ReceivedBytes(), QStringList{"wer!bgwkuschl_ea<015.0 mA\\r"});
+    const RunResult get =
+        RunCli(sim, {QStringLiteral("limits"), QStringLiteral("get"), QStringLiteral("kuschl")});
+    EXPECT_EQ(get.out, QStringLiteral("kuschl_ea 15 mA\n"));
+    const RunResult out = RunCli(sim, {QStringLiteral("limits"), QStringLiteral("set"),
+                                       QStringLiteral("kuschl"), QStringLiteral("14")});
+    EXPECT_EQ(out.exitCode, 2);
+    EXPECT_EQ(sim.ReceivedBytes().size(), 2); // nothing more was sent
+}

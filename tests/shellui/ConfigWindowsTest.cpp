@@ -1,0 +1,157 @@
+// Configuration from the windows offscreen: switches, limits, modem, variables and calibration.
+#include "WindowFixture.h"
+
+#include "shell/TextIds.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollBar>
+
+using namespace kalvo;
+using namespace kalvo::testing;
+
+class ConfigWindowsTest : public WindowFixture {
+protected:
+    void Trigger(QWidget &window, const char *name)
+    {
+        window.findChild<QAction *>(QString::fromLatin1(name))->trigger();
+        EXPECT_TRUE(Idle());
+    }
+    void Click(QWidget &window, const char *name)
+    {
+        QMetaObject::invokeMethod(window.findChild<QPushButton *>(QString::fromLatin1(name)), "click");
+        EXPECT_TRUE(Idle());
+    }
+    QWidget *TopLevel(const char *name)
+    {
+        for (QWidget *w : QApplication::topLevelWidgets())
+            if (w->objectName() == QLatin1String(name) && w->isVisible())
+                return w;
+        return nullptr;
+    }
+};
+
+TEST_F(ConfigWindowsTest, SwitchesFollowTheTestersRegistersAndWriteThem)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    auto *mitBez = window.findChild<QAction *>(QStringLiteral("mitBez"));
+    EXPECT_TRUE(mitBez->isChecked()); // D3 holds 1 in the virtual tester
+    EXPECT_FALSE(window.findChild<QAction *>(QStringLiteral("Quillbank"))->isEnabled()); // E3 holds 0
+    EXPECT_FALSE(window.findChild<QAction *>(QStringLiteral("setKal"))->isVisible());
+    const qsizetype before = LinesSince(0).size();
+    Trigger(window, "mitBez");
+    EXPECT_FALSE(mitBez->isChecked());
+    Trigger(window, "mitBez");
+    EXPECT_TRUE(mitBez->isChecked());
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"var!D3 0\r", "var!D3 1\r"}));
+}
+
+TEST_F(ConfigWindowsTest, ALimitIsReadShownOnTheScrollBarWrittenAndStored)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    Trigger(window, "kuschl");
+    auto *frame = window.findChild<QWidget *>(QStringLiteral("GWFrame"));
+    ASSERT_TRUE(WaitUntil([&] { return frame->isVisible(); }));
+    auto *scroll = window.findChild<QScrollBar *>(QStringLiteral("VScroll1"));
+    EXPECT_EQ(scroll->minimum(), 15);
+    EXPECT_EQ(scroll->maximum(), 95);
+    scroll->setValue(15);
+    EXPECT_EQ(window.findChild<QLabel *>(QStringLiteral("Label10"))->text(), QStringLiteral(" 15 mA"));
+    const qsizetype before = LinesSince(0).size();
+    Click(window, "GWok");
+    Click(window, "GWspeichern");
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"wer!bgwkuschl_ea<015.0 mA\r", "cfg!pgm\r"}));
+    // Read back, the tester has it.
+    Trigger(window, "kuschl");
+    ASSERT_TRUE(WaitUntil([&] { return scroll->value() == 15; }));
+
+    Trigger(window, "PZHV");
+    ASSERT_TRUE(WaitUntil([&] { return scroll->maximum() == 60; }));
+    scroll->setValue(5);
+    const qsizetype beforeTime = LinesSince(0).size();
+    Click(window, "GWok");
+    EXPECT_EQ(LinesSince(beforeTime), (QList<QByteArray>{"var!D25\r"}));
+    Screenshot(window, QStringLiteral("main-limit-frame"));
+}
+
+TEST_F(ConfigWindowsTest, TheModemWindowSendsFiveStringsAndStoresThem)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    window.findChild<QAction *>(QStringLiteral("modem"))->trigger();
+    QWidget *modem = TopLevel("Modem");
+    ASSERT_NE(modem, nullptr);
+    EXPECT_EQ(modem->windowTitle(), QStringLiteral("Modem Konfiguration"));
+    modem->findChild<QLineEdit *>(QStringLiteral("TelNr1"))->setText(QStringLiteral("0711 123456"));
+    modem->findChild<QLineEdit *>(QStringLiteral("ModemIni"))->setText(QStringLiteral("AT&F E0 S0=1"));
+    const qsizetype before = LinesSince(0).size();
+    Click(*modem, "ModemOK");
+    Click(*modem, "ModemStore");
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"str!121,\r", "str!122,0711 123456\r", "str!123,\r",
+                                                     "str!124,\r", "str!125,AT&F E0 S0=1\r", "cfg!pgm\r"}));
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_EQ(m_dialogs.messages.last(), window.texts().text(shell::TxtModemStored));
+    Click(*modem, "ModemAbbrechen");
+    EXPECT_FALSE(modem->isVisible());
+}
+
+TEST_F(ConfigWindowsTest, TheServiceFormListsVariablesDumpsAndBacksUpAndRestoresCalibration)
+{
+    auto &window = Open({QStringLiteral("--simulate"), QStringLiteral("/Service")});
+    EXPECT_TRUE(window.findChild<QAction *>(QStringLiteral("setKal"))->isVisible());
+    ASSERT_TRUE(ConnectToSimulator());
+    window.findChild<QAction *>(QStringLiteral("service"))->trigger();
+    QWidget *service = TopLevel("test");
+    ASSERT_NE(service, nullptr);
+    auto *terminal = service->findChild<QPlainTextEdit *>(QStringLiteral("Testfeld"));
+
+    Trigger(*service, "varmas");
+    auto *list = service->findChild<QListWidget *>(QStringLiteral("readvar"));
+    ASSERT_GT(list->count(), 5);
+    const auto d3 = list->findItems(QStringLiteral("#D3"), Qt::MatchEndsWith);
+    ASSERT_FALSE(d3.isEmpty());
+    list->setCurrentItem(d3.first());
+    emit list->itemActivated(d3.first());
+    ASSERT_TRUE(Idle());
+    EXPECT_TRUE(WaitUntil([&] { return terminal->toPlainText().contains(QStringLiteral("0000 0001")); }))
+        << terminal->toPlainText().toStdString();
+
+    Trigger(*service, "konfiguration");
+    ASSERT_TRUE(WaitUntil([&] { return terminal->toPlainText().count(QLatin1Char('\n')) >= 48; }));
+    EXPECT_TRUE(terminal->toPlainText().startsWith(QStringLiteral("D0: ==")));
+
+    // Back up under the tester's name, then restore it and store it on OK.
+    Trigger(*service, "readcal");
+    auto *name = service->findChild<QLineEdit *>(QStringLiteral("Text1"));
+    EXPECT_EQ(name->text(), QStringLiteral("KALVO-01.cal"));
+    Click(*service, "speichern");
+    QFile backup(m_dir.filePath(QStringLiteral("KALVO-01.cal")));
+    ASSERT_TRUE(backup.open(QIODevice::ReadOnly));
+    EXPECT_EQ(backup.readAll().count("\r\n"), 51);
+
+    Trigger(*service, "storecal");
+    auto *files = service->findChild<QListWidget *>(QStringLiteral("kalibfiles"));
+    ASSERT_EQ(files->count(), 1);
+    const qsizetype before = LinesSince(0).size();
+    m_dialogs.confirmations.push_back(true);
+    files->setCurrentRow(0);
+    emit files->itemActivated(files->item(0));
+    ASSERT_TRUE(Idle());
+    const QList<QByteArray> lines = LinesSince(before);
+    ASSERT_GE(lines.size(), 2 + 2 * 51 + 2);
+    EXPECT_EQ(lines.first(), QByteArray("idn!99\r"));
+    EXPECT_EQ(lines[lines.size() - 2], QByteArray("kal!pgm\r"));
+    EXPECT_EQ(lines.last(), QByteArray("kal!aus\r"));
+    EXPECT_TRUE(m_dialogs.messages.contains(QStringLiteral("speichern??")));
+    service->resize(900, 600);
+    Screenshot(*service, QStringLiteral("service-calibration-restored"));
+}
