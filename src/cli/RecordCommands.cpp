@@ -3,11 +3,11 @@
 #include "CliContext.h"
 
 #include "records/RecordDecoding.h"
-#include "records/print/ReportDocument.h"
 #include "records/RecordFiles.h"
 #include "records/RecordRetrieval.h"
 #include "records/ReportBuilder.h"
 #include "records/TesterPrintText.h"
+#include "records/print/ReportDocument.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -53,7 +53,8 @@ void PaintReport(const QStringList &reports, QPagedPaintDevice &device)
     bool first = true;
     for (const QString &report : reports) {
         QString plain = report;
-        plain.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
+        plain.replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
+            .replace(QLatin1Char('\r'), QLatin1Char('\n'));
         const QStringList lines = plain.split(QLatin1Char('\n'));
         for (qsizetype i = 0; i < lines.size(); ++i) {
             // Only a report's first line starts a new page; every other line is a plain block.
@@ -66,7 +67,10 @@ void PaintReport(const QStringList &reports, QPagedPaintDevice &device)
     document.print(&device);
 }
 
-void PaintReport(const QString &text, QPagedPaintDevice &device) { PaintReport(QStringList{text}, device); }
+void PaintReport(const QString &text, QPagedPaintDevice &device)
+{
+    PaintReport(QStringList{text}, device);
+}
 
 void SaveReportPdf(const QString &text, const QString &path, const QString &title)
 {
