@@ -1,19 +1,15 @@
 // kalvo-cli cal and limits against kalvo-sim over a pseudo-terminal: the exact bytes sent.
 #include "support/SimProcess.h"
 
+#include "support/TestFiles.h"
 #include <QFile>
 #include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 using namespace kalvo::testing;
 
 namespace {
-
-QByteArray ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
 
 QStringList CalibrationReads()
 {

@@ -1,22 +1,16 @@
 // kalvo-cli records, report and csv against kalvo-sim over a pseudo-terminal.
 #include "support/SimProcess.h"
 
+#include "support/TestFiles.h"
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 using namespace kalvo::testing;
 
-namespace {
-
-QByteArray ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
-
-} // namespace
+namespace {} // namespace
 
 TEST(CliRecordCommands, ReadAllAsksForEachPartOfEveryRecordAndWritesOneLineEach)
 {

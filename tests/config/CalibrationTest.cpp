@@ -1,32 +1,25 @@
 // Calibration backups against the virtual tester: round trip, cancel, time-out, names and drift.
 #include "config/Calibration.h"
-#include "SimBench.h"
 #include "config/CalibrationDiff.h"
 #include "link/Errors.h"
+#include "support/SimBench.h"
 
+#include "support/TestFiles.h"
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 using namespace kalvo;
 using config::RestoreSource;
 using kalvo::testing::SimBench;
 
+using kalvo::testing::ReadFile;
+
+using kalvo::testing::WriteFile;
+
 namespace {
-
-QByteArray ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
-
-void WriteFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
 
 QList<QByteArray> WithoutSession(QList<QByteArray> lines)
 {

@@ -1,8 +1,8 @@
 // Variables, the configuration dump, the register switches and the limits against the virtual tester.
-#include "SimBench.h"
 #include "config/Limits.h"
 #include "config/Variables.h"
 #include "link/Errors.h"
+#include "support/SimBench.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The modem settings: five string registers in order, and the store with its confirmation.
 #include "modem/ModemSettings.h"
-#include "SimBench.h"
+#include "support/SimBench.h"
 
 #include <gtest/gtest.h>
 

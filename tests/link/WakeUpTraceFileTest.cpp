@@ -2,6 +2,7 @@
 #include "LinkFixture.h"
 
 #include "link/TextRules.h"
+#include "support/TestFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -40,12 +41,6 @@ TEST(WakeUp, PassesRepeatUntilThePromptStandsEarlyOrIsMissing)
         for (size_t i = 1; i < writes.size(); ++i)
             EXPECT_GE(writes[i].at - writes[i - 1].at, 100ms) << "before write " << i;
     }
-}
-
-QByteArray ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
 
 TEST(Trace, EveryReceivedByteLandsInTheFileAndRecordEndsBreakLinesBehindTheByteAfterADollar)

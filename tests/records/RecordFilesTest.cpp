@@ -6,30 +6,21 @@
 #include "records/RecordFiles.h"
 #include "records/TesterPrintText.h"
 
+#include "support/TestFiles.h"
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 using namespace kalvo;
 using namespace kalvo::records;
 
-namespace {
+using kalvo::testing::ReadFile;
 
-void WriteFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
+using kalvo::testing::WriteFile;
 
-QByteArray ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
-
-} // namespace
+namespace {} // namespace
 
 TEST(ExportCsv, BytesFollowTheDollarCountdown)
 {

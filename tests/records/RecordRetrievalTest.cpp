@@ -10,8 +10,12 @@
 #include "records/TesterPrintText.h"
 #include "sim/SimTransport.h"
 
+#include "support/SimBench.h"
 #include <QFile>
 #include <QTemporaryDir>
+
+#include "support/TestFiles.h"
+
 #include <gtest/gtest.h>
 
 using namespace kalvo;
@@ -19,38 +23,11 @@ using namespace kalvo::records;
 using kalvo::testing::RecordText;
 using kalvo::testing::ScriptedLink;
 
+using kalvo::testing::ReadFile;
+
+using kalvo::testing::WriteFile;
+
 namespace {
-
-// A link to the virtual tester on a manual clock: nothing really waits.
-struct SimLink {
-    link::ManualClock clock;
-    sim::VirtualTester tester{clock};
-    sim::SimTransport transport{tester, clock};
-    kalvo::testing::ScriptedPrompter prompter;
-    link::Link link{transport, prompter, clock};
-    SimLink() { link.OpenPort(QStringLiteral("Simulator")); }
-
-    QList<QByteArray> Lines() const
-    {
-        QList<QByteArray> lines;
-        for (const auto &line : tester.receivedLines())
-            lines << line.bytes;
-        return lines;
-    }
-};
-
-QByteArray ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
-
-void WriteFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
 
 // Stored form of the virtual tester: no line end.
 QByteArray Stored(const QByteArray &id)
@@ -138,7 +115,7 @@ TEST(StoreAllRecords, ReadsEveryRecordOfTheVirtualTesterIntoTheChosenFile)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("alle.txt"));
-    SimLink s;
+    kalvo::testing::SimBench s;
     QList<QByteArray> stored;
     for (int i = 1; i <= 11; ++i)
         stored << Stored("ID-" + QByteArray::number(i));
@@ -182,7 +159,7 @@ TEST(StoreAllRecords, EndsWithoutWritingWhenCancelledEmptyOrCutOff)
         QTemporaryDir dir;
         const QString path = dir.filePath(c.file.isEmpty() ? QStringLiteral("x.txt") : c.file);
         WriteFile(path, "old records");
-        SimLink s;
+        kalvo::testing::SimBench s;
         s.tester.model().records().KeepFirst(c.records);
         s.prompter.fileAnswers.push_back(c.file.isEmpty() ? QString() : path);
         EXPECT_EQ(StoreAllRecords(s.link, s.prompter).status, c.status);
@@ -218,7 +195,7 @@ TEST(ReadProtocols, ConfirmsTheCountThenReadsBehindTheLiteralFiller)
     const QString path = dir.filePath(QStringLiteral("service.txt"));
     for (const bool ok : {true, false}) {
         SCOPED_TRACE(ok ? "OK" : "Cancel");
-        SimLink s;
+        kalvo::testing::SimBench s;
         s.tester.model().records().setRecords({Stored("A"), Stored("B")});
         s.prompter.confirmAnswers.push_back(ok);
         s.prompter.fileAnswers.push_back(path);
@@ -240,7 +217,7 @@ TEST(StoreCurrentRecord, AsksForTheFileOnlyWhenThereIsARecord)
     const QString path = dir.filePath(QStringLiteral("aktuell.txt"));
     for (const bool present : {true, false}) {
         SCOPED_TRACE(present ? "current record" : "none");
-        SimLink s;
+        kalvo::testing::SimBench s;
         s.tester.model().records().setCurrent(present ? std::optional<QByteArray>(Stored("NOW"))
                                                       : std::nullopt);
         s.prompter.fileAnswers.push_back(path);
@@ -282,7 +259,7 @@ TEST(StoreListing, OnlyTestRecordsReachTheListAndTheRawAnswerIsKept)
 TEST(StoreListing, TheVirtualTestersListingNamesItsRecords)
 {
     QTemporaryDir dir;
-    SimLink s;
+    kalvo::testing::SimBench s;
     s.tester.model().records().setRecords({Stored("DEV-1"), Stored("DEV-2")});
     const StoreListing result = ReadStoreListing(s.link, dir.filePath(QStringLiteral("proto.txt")));
     EXPECT_EQ(result.records, (QStringList{QStringLiteral("DEV-1:1"), QStringLiteral("DEV-2:2")}));
@@ -345,7 +322,7 @@ TEST(AccessoryRead, NeedsTheAccessoryAndItsRecords)
         SCOPED_TRACE(c.name);
         QTemporaryDir dir;
         const QString logTmp = dir.filePath(QStringLiteral("log.tmp"));
-        SimLink s;
+        kalvo::testing::SimBench s;
         s.tester.model().setKymInFront(c.inFront);
         QList<QByteArray> stored;
         for (int i = 0; i < c.records; ++i)
@@ -380,7 +357,7 @@ TEST(PrintText, StoredRecordsAreRenderedInsideTheRemoteSessionAndBadTemplatesSen
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.templateNumber);
-        SimLink s;
+        kalvo::testing::SimBench s;
         s.tester.model().records().setRecords({Stored("A"), Stored("PRINTME")});
         const QString text = RenderStoredRecord(s.link, c.templateNumber, 2);
         EXPECT_EQ(s.Lines(), c.lines);
@@ -389,7 +366,7 @@ TEST(PrintText, StoredRecordsAreRenderedInsideTheRemoteSessionAndBadTemplatesSen
         else
             EXPECT_TRUE(text.contains(QStringLiteral("PRINTME"))) << text.toStdString();
     }
-    SimLink s;
+    kalvo::testing::SimBench s;
     s.tester.model().records().setCurrent(Stored("CURRENT"));
     EXPECT_TRUE(RenderCurrentRecord(s.link, 3).contains(QStringLiteral("CURRENT")));
     EXPECT_EQ(s.Lines(), QList<QByteArray>{"prn!3\r"});

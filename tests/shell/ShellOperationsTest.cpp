@@ -7,39 +7,19 @@
 #include "sim/SimTransport.h"
 #include "support/ScriptedPrompter.h"
 
+#include "support/SimBench.h"
 #include <QFile>
 #include <QTemporaryDir>
+
+#include "support/TestFiles.h"
+
 #include <gtest/gtest.h>
 
 using namespace kalvo;
 
-namespace {
+using kalvo::testing::ReadFile;
 
-// A link to the virtual tester on a manual clock: nothing really waits.
-struct SimLink {
-    link::ManualClock clock;
-    sim::VirtualTester tester{clock};
-    sim::SimTransport transport{tester, clock};
-    kalvo::testing::ScriptedPrompter prompter;
-    link::Link link{transport, prompter, clock};
-    SimLink() { link.OpenPort(QStringLiteral("Simulator")); }
-
-    QList<QByteArray> Lines() const
-    {
-        QList<QByteArray> lines;
-        for (const auto &line : tester.receivedLines())
-            lines << line.bytes;
-        return lines;
-    }
-};
-
-QByteArray ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
-
-} // namespace
+namespace {} // namespace
 
 TEST(Clock, ShowsTheTestersClockProposesThePcsAndSendsTheTextAsTyped)
 {
@@ -54,7 +34,7 @@ TEST(Clock, ShowsTheTestersClockProposesThePcsAndSendsTheTextAsTyped)
         {std::nullopt, ""},
     };
     for (const auto &c : cases) {
-        SimLink s;
+        kalvo::testing::SimBench s;
         s.tester.model().setDateTime(QDateTime(QDate(2009, 3, 17), QTime(10, 42, 7)));
         s.prompter.textAnswers.push_back(c.typed);
         const shell::ClockSetting setting = shell::SetTesterClock(s.link, s.prompter, now);
@@ -86,7 +66,7 @@ TEST(Name, EightCharactersAreStoredNineAreRefusedBeforeAnythingIsSent)
         {QString(), shell::NamingResult::Cancelled, {}},
     };
     for (const auto &c : cases) {
-        SimLink s;
+        kalvo::testing::SimBench s;
         EXPECT_EQ(shell::SendTesterName(s.link, s.prompter, texts, c.name), c.result) << c.name.toStdString();
         EXPECT_EQ(s.Lines(), c.lines) << c.name.toStdString();
         if (c.result == shell::NamingResult::TooLong) {
@@ -95,7 +75,7 @@ TEST(Name, EightCharactersAreStoredNineAreRefusedBeforeAnythingIsSent)
         }
     }
     // A stored name survives a restart and is what the tester then reports.
-    SimLink s;
+    kalvo::testing::SimBench s;
     shell::SendTesterName(s.link, s.prompter, texts, QStringLiteral("WERK-7"));
     s.tester.model().Restart();
     EXPECT_TRUE(s.link.Exchange("idn?").contains(";WERK-7;"));
@@ -104,7 +84,7 @@ TEST(Name, EightCharactersAreStoredNineAreRefusedBeforeAnythingIsSent)
 TEST(Name, TheDialogAsksWithTheLanguagesPromptAndLimit)
 {
     const shell::LanguageTable texts;
-    SimLink s;
+    kalvo::testing::SimBench s;
     s.prompter.textAnswers.push_back(std::nullopt);
     EXPECT_EQ(shell::NameTester(s.link, s.prompter, texts), shell::NamingResult::Cancelled);
     ASSERT_EQ(s.prompter.calls.size(), 1);
@@ -123,7 +103,7 @@ TEST(ServiceTerminal, ScriptSendsLinesWholeAndKeepsCommentsAndReadings)
     file.write("mes!0\r\nwer?WC;protective conductor\r\nvar?D3\r\nwer?WB\n");
     file.close();
 
-    SimLink s;
+    kalvo::testing::SimBench s;
     QStringList shown;
     EXPECT_EQ(shell::RunCommandScript(s.link, script, result, [&](const QString &l) { shown << l; }), 4);
     EXPECT_EQ(s.Lines(),
@@ -151,7 +131,7 @@ TEST(ServiceTerminal, AScriptThatStopsHalfWayLeavesTheOldResultAlone)
     file.write("wer?WC;one\r\ndis?\r\n");
     file.close();
 
-    SimLink s;
+    kalvo::testing::SimBench s;
     s.tester.faults().add(QStringLiteral("silence:dis?"));
     EXPECT_THROW(shell::RunCommandScript(s.link, script, result), link::Timeout);
     EXPECT_EQ(ReadFile(result), QByteArray("yesterday's readings\r\n"));
@@ -161,7 +141,7 @@ TEST(ServiceTerminal, AScriptThatStopsHalfWayLeavesTheOldResultAlone)
 
 TEST(ServiceTerminal, HelpTextsStepWithKeyOneBetweenThemAndStopReturnsToTheStart)
 {
-    SimLink s;
+    kalvo::testing::SimBench s;
     shell::HelpStepper stepper;
     stepper.Begin();
     stepper.Next(s.link);
@@ -174,7 +154,7 @@ TEST(ServiceTerminal, HelpTextsStepWithKeyOneBetweenThemAndStopReturnsToTheStart
 
 TEST(ServiceTerminal, DirectPrintingAndTheWerFlag)
 {
-    SimLink s;
+    kalvo::testing::SimBench s;
     shell::SetDirectPrinting(s.link, true);
     shell::SetDirectPrinting(s.link, false);
     EXPECT_EQ(s.Lines(), (QList<QByteArray>{"bit!04 1\r", "bit!04 0\r"}));

@@ -1,5 +1,6 @@
 // The main window offscreen: start-up, connecting to the virtual tester, languages, time-out.
 #include "WindowFixture.h"
+#include "support/TestFiles.h"
 
 #include "shell/TextIds.h"
 
@@ -21,13 +22,6 @@ QString LabelText(QWidget &window, const char *name)
 {
     auto *label = window.findChild<QLabel *>(QString::fromLatin1(name));
     return label ? label->text() : QStringLiteral("<no %1>").arg(QString::fromLatin1(name));
-}
-
-void WriteFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
 }
 
 QStringList MenuTitles(QMainWindow &window)

@@ -1,5 +1,6 @@
 // The record window offscreen against the virtual tester: the store, files, reports, PDF and CSV.
 #include "WindowFixture.h"
+#include "support/TestFiles.h"
 
 #include <QAction>
 #include <QApplication>
@@ -40,12 +41,6 @@ protected:
 };
 
 namespace {
-
-QByteArray ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QString PdfText(const QString &path)
 {

@@ -1,4 +1,4 @@
-// A link to the virtual tester on a manual clock, for the configuration tests: nothing really waits.
+// A link to the virtual tester on a manual clock, for operation tests: nothing really waits.
 #pragma once
 
 #include "link/Link.h"
