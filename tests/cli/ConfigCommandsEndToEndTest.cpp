@@ -1,10 +1,9 @@
-// kalvo-cli cal and limits against kalvo-sim over a pseudo-terminal: the exact bytes sent.
+// kalvo-cli vars, limits, cal and modem against kalvo-sim over a pseudo-terminal: the exact bytes sent.
 #include "support/SimProcess.h"
-
 #include "support/TestFiles.h"
+
 #include <QFile>
 #include <QTemporaryDir>
-
 #include <gtest/gtest.h>
 
 using namespace kalvo::testing;
@@ -86,4 +85,39 @@ TEST(CliConfigCommands, LimitSetSendsTheTestersFormAndRefusesOutOfRangeBeforeSen
                                        QStringLiteral("kuschl"), QStringLiteral("14")});
     EXPECT_EQ(out.exitCode, 2);
     EXPECT_EQ(sim.ReceivedBytes().size(), 2); // nothing more was sent
+}
+
+TEST(CliConfigCommands, VariablesAreReadByNameDumpedAndStored)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    const RunResult read =
+        RunCli(sim, {QStringLiteral("vars"), QStringLiteral("read"), QStringLiteral("VMITBEZ")});
+    ASSERT_EQ(read.exitCode, 0) << read.err.toStdString();
+    EXPECT_TRUE(read.out.contains(QStringLiteral("0000 0001"))) << read.out.toStdString();
+    const RunResult dump = RunCli(sim, {QStringLiteral("vars"), QStringLiteral("dump")});
+    ASSERT_EQ(dump.exitCode, 0);
+    EXPECT_EQ(dump.out.count(QLatin1Char('\n')), 48);
+    EXPECT_EQ(RunCli(sim, {QStringLiteral("vars"), QStringLiteral("store")}).exitCode, 0);
+
+    QStringList expected{"var?D3\\r"};
+    for (int address = 0xD0; address <= 0xFF; ++address)
+        expected << QStringLiteral("var?") + QString::number(address, 16).toUpper() + QStringLiteral("\\r");
+    expected << QStringLiteral("cfg!pgm\\r");
+    EXPECT_EQ(sim.ReceivedBytes(), expected);
+}
+
+TEST(CliConfigCommands, ModemSettingsGoToTheFiveStringRegistersAndAreStored)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    const RunResult run =
+        RunCli(sim, {QStringLiteral("modem"), QStringLiteral("set"), QStringLiteral("--tel1"),
+                     QStringLiteral("0711 4711"), QStringLiteral("--tel2"), QString(),
+                     QStringLiteral("--init"), QStringLiteral("AT&F"), QStringLiteral("--store")});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    const QStringList lines = sim.ReceivedBytes();
+    ASSERT_GE(lines.size(), 6);
+    EXPECT_EQ(lines.mid(lines.size() - 6), (QStringList{"str!121,\\r", "str!122,0711 4711\\r", "str!123,\\r",
+                                                        "str!124,\\r", "str!125,AT&F\\r", "cfg!pgm\\r"}));
 }
