@@ -3,11 +3,12 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QTest>
+#include <QThread>
 
 namespace kalvo::testing {
 
@@ -73,7 +74,15 @@ void DialogAnswerer::Look()
 
 bool WaitUntil(const std::function<bool()> &done, int ms)
 {
-    return QTest::qWaitFor(done, ms);
+    QDeadlineTimer deadline(ms);
+    while (!done()) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QThread::msleep(2);
+    }
+    return true;
 }
 
 } // namespace kalvo::testing
