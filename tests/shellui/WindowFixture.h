@@ -54,10 +54,14 @@ protected:
         if (!WaitUntil([this] { return !m_window->device().busy(); }))
             return false;
         bool done = false;
-        QObject::connect(m_window.get(), &shell::ui::MainWindow::identified, [&done] { done = true; });
+        // The connection must not outlive `done`: later identifications emit the signal again.
+        const QMetaObject::Connection connection =
+            QObject::connect(m_window.get(), &shell::ui::MainWindow::identified, [&done] { done = true; });
         auto *ok = m_window->findChild<QWidget *>(QStringLiteral("activate"));
         QMetaObject::invokeMethod(ok, "click");
-        return WaitUntil([&] { return done; });
+        const bool identified = WaitUntil([&] { return done; });
+        QObject::disconnect(connection);
+        return identified;
     }
 
     // The lines the tester received from the `from`-th on, read on the device thread.
