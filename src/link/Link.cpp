@@ -12,6 +12,7 @@ namespace {
 const QString kDefaultPortNotOpen = QStringLiteral("Die Schnittstelle ist nicht geöffnet.");
 const QString kDefaultProtocolText = QStringLiteral("Protokollfehler");
 constexpr qint64 kShortestSendableFile = 101;
+constexpr std::chrono::milliseconds kWaitSlice(200);
 } // namespace
 
 Link::Link(Transport &transport, Prompter &prompter, Clock &clock)
@@ -84,9 +85,13 @@ QByteArray Link::ReceiveAnswer()
             m_transport.close();
             throw Timeout();
         }
+        if (m_abandoned)
+            Lost(PortError(PortError::Kind::Lost, QStringLiteral("Abgebrochen: das Programm wird beendet")));
         QByteArray chunk;
         try {
-            chunk = m_transport.read(std::chrono::ceil<std::chrono::milliseconds>(remaining));
+            // Waiting in slices lets a program that is being closed stop waiting.
+            const auto wait = std::min(std::chrono::ceil<std::chrono::milliseconds>(remaining), kWaitSlice);
+            chunk = m_transport.read(wait);
         } catch (const PortError &e) {
             Lost(e);
         }

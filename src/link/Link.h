@@ -8,6 +8,7 @@
 #include <QByteArray>
 #include <QFile>
 #include <QString>
+#include <atomic>
 #include <memory>
 
 namespace kalvo::link {
@@ -65,6 +66,10 @@ public:
     // Show the busy pointer while waiting for answers.
     void setBusyCursor(bool on) { m_busyCursor = on; }
 
+    // Makes a running or later wait give up at once (the program is being closed); safe to call
+    // from another thread.
+    void Abandon() { m_abandoned = true; }
+
     // Development trace: every received byte goes to `path` (replaced). Empty path stops it.
     void StartTrace(const QString &path);
     void StopTrace();
@@ -87,6 +92,7 @@ private:
     std::unique_ptr<QFile> m_trace;
     bool m_traceRecordEnds = false;
     bool m_traceAfterDollar = false;
+    std::atomic<bool> m_abandoned{false};
 };
 
 // Sets the protocol-error number and text for one operation and restores the old ones after it.

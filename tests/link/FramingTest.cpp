@@ -143,5 +143,16 @@ TEST_F(Framing, VanishedDeviceClosesThePortAndPropagates)
     EXPECT_LT(clock.now(), kAnswerTimeout);
 }
 
+TEST_F(Framing, AnAbandonedLinkGivesUpInsteadOfWaitingAndClosesThePort)
+{
+    // Silence: the link waits in slices; once abandoned it gives up at the next one.
+    transport.Expect("dis?\r");
+    link.SendCommand("dis?\r");
+    link.Abandon();
+    EXPECT_THROW(link.ReceiveAnswer(), PortError);
+    EXPECT_FALSE(link.IsOpen());
+    EXPECT_LT(clock.now(), std::chrono::seconds(1));
+}
+
 } // namespace
 } // namespace kalvo::testing

@@ -21,6 +21,8 @@ DeviceThread::DeviceThread(TransportFactory factory, link::Prompter &prompter, Q
 
 DeviceThread::~DeviceThread()
 {
+    // Closing the program ends at once, even while an operation waits for the tester.
+    m_worker->Abandon();
     QMetaObject::invokeMethod(
         m_worker, [w = m_worker] { w->Stop(); }, Qt::BlockingQueuedConnection);
     m_thread.quit();

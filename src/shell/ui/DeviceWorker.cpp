@@ -22,6 +22,7 @@ void DeviceWorker::Start()
 {
     m_transport = m_factory();
     m_link = std::make_unique<link::Link>(*m_transport, m_prompter);
+    m_linkForAbandon = m_link.get();
     m_poll = new QTimer(this);
     m_poll->setInterval(kDisplayPollMs);
     connect(m_poll, &QTimer::timeout, this, &DeviceWorker::PollDisplay);
@@ -58,12 +59,19 @@ void DeviceWorker::PollDisplay()
     }
 }
 
+void DeviceWorker::Abandon()
+{
+    if (link::Link *link = m_linkForAbandon.load())
+        link->Abandon();
+}
+
 void DeviceWorker::Stop()
 {
     if (m_poll)
         m_poll->stop();
     if (m_link)
         m_link->ClosePort();
+    m_linkForAbandon = nullptr;
     m_link.reset();
     m_transport.reset();
 }

@@ -3,6 +3,8 @@
 
 #include "DeviceThread.h"
 
+#include <atomic>
+
 class QTimer;
 
 namespace kalvo::shell::ui {
@@ -18,6 +20,8 @@ public:
     // Runs an operation; failures become signals, nothing is thrown across the event loop.
     void Run(const DeviceThread::Job &job);
     void Stop();
+    // From the window's thread, when the program closes: a running wait gives up at once.
+    void Abandon();
 
 signals:
     void jobDone();
@@ -33,6 +37,7 @@ private:
     std::unique_ptr<link::Transport> m_transport;
     std::unique_ptr<link::Link> m_link;
     QTimer *m_poll = nullptr;
+    std::atomic<link::Link *> m_linkForAbandon{nullptr}; // read from the window's thread
 };
 
 } // namespace kalvo::shell::ui
