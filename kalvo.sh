@@ -7,7 +7,7 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-PACKAGES=(cmake ninja-build g++ pkg-config qt6-base-dev libqt6serialport6-dev libgtest-dev libgmock-dev
+PACKAGES=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev libgtest-dev libgmock-dev
           fonts-dejavu-core poppler-utils)
 JOBS=$(nproc 2>/dev/null || echo 2)
 
