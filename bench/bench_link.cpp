@@ -1,4 +1,5 @@
 // Link benchmarks: exchange time against the wire time of its bytes, and CPU used while waiting.
+#include "QuietPrompter.h"
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/SerialTransport.h"
@@ -19,18 +20,6 @@
 using namespace kalvo::link;
 
 namespace {
-
-// Messages are not part of a benchmark's figures.
-class QuietPrompter final : public Prompter {
-public:
-    void message(const QString &, Icon) override {}
-    bool confirm(const QString &) override { return false; }
-    std::optional<QString> askText(const QString &, const QString &, const QString &) override { return {}; }
-    QString askOpenFile(const QString &) override { return {}; }
-    QString askSaveFile(const QString &) override { return {}; }
-    void progress(int) override {}
-    void busy(bool) override {}
-};
 
 double CpuSeconds()
 {
@@ -56,7 +45,7 @@ void ExchangeAgainstWire(const QString &simPath)
     }
     const QString pty = QString::fromLocal8Bit(sim.readLine()).trimmed();
     SerialTransport transport;
-    QuietPrompter prompter;
+    kalvo::bench::QuietPrompter prompter;
     Link link(transport, prompter);
     link.OpenPort(pty);
     for (const QByteArray command : {QByteArray("var?D3"), QByteArray("ver?"), QByteArray("idn?")}) {
@@ -99,7 +88,7 @@ void WaitForSilence(double seconds)
     tcsetattr(slave, TCSANOW, &raw);
 
     SerialTransport transport;
-    QuietPrompter prompter;
+    kalvo::bench::QuietPrompter prompter;
     Link link(transport, prompter);
     link.setTimeout(FromSeconds(seconds));
     link.OpenPort(path);

@@ -1,5 +1,6 @@
 // Record benchmarks: decoding, reports and CSV per second, and reading records at 9600 baud
 // against the wire time of the bytes that crossed.
+#include "QuietPrompter.h"
 #include "link/Link.h"
 #include "records/RecordDecoding.h"
 #include "records/RecordFiles.h"
@@ -17,17 +18,6 @@ using namespace kalvo;
 namespace {
 
 using Seconds = std::chrono::duration<double>;
-
-class QuietPrompter final : public link::Prompter {
-public:
-    void message(const QString &, Icon) override {}
-    bool confirm(const QString &) override { return false; }
-    std::optional<QString> askText(const QString &, const QString &, const QString &) override { return {}; }
-    QString askOpenFile(const QString &) override { return {}; }
-    QString askSaveFile(const QString &) override { return {}; }
-    void progress(int) override {}
-    void busy(bool) override {}
-};
 
 // Counts the bytes that cross the line in both directions.
 class CountingTransport final : public link::Transport {
@@ -103,7 +93,7 @@ int main()
     tester.model().records().setRecords(Records(kRead));
     sim::SimTransport sim(tester, link::SteadyClock::instance());
     CountingTransport counting(sim);
-    QuietPrompter prompter;
+    kalvo::bench::QuietPrompter prompter;
     link::Link link(counting, prompter);
     link.OpenPort(QStringLiteral("Simulator"));
     const auto start = std::chrono::steady_clock::now();
