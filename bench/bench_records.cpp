@@ -31,7 +31,7 @@ public:
         m_bytes += bytes.size();
         m_inner.write(bytes);
     }
-    void drain() override { m_inner.drain(); }
+    bool drain(std::chrono::milliseconds limit) override { return m_inner.drain(limit); }
     QByteArray read(std::chrono::milliseconds wait) override
     {
         const QByteArray bytes = m_inner.read(wait);

@@ -42,10 +42,9 @@ void PortTransport::write(const QByteArray &bytes)
         m_current->write(bytes);
 }
 
-void PortTransport::drain()
+bool PortTransport::drain(std::chrono::milliseconds limit)
 {
-    if (m_current)
-        m_current->drain();
+    return m_current ? m_current->drain(limit) : true;
 }
 
 QByteArray PortTransport::read(std::chrono::milliseconds wait)

@@ -18,7 +18,7 @@ public:
     void close() override;
     bool isOpen() const override;
     void write(const QByteArray &bytes) override;
-    void drain() override;
+    bool drain(std::chrono::milliseconds limit) override;
     QByteArray read(std::chrono::milliseconds wait) override;
     void discardInput() override;
 

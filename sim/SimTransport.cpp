@@ -33,14 +33,19 @@ void SimTransport::write(const QByteArray &bytes)
     m_tester.feed(bytes);
 }
 
-void SimTransport::drain()
+bool SimTransport::drain(std::chrono::milliseconds limit)
 {
     if (!m_open)
-        return;
+        return true;
     const link::Duration sent = m_tester.inputDoneAt();
     const link::Duration now = m_clock.now();
+    if (sent - now > limit) {
+        m_clock.sleepFor(limit);
+        return false;
+    }
     if (sent > now)
         m_clock.sleepFor(sent - now);
+    return true;
 }
 
 QByteArray SimTransport::read(std::chrono::milliseconds wait)

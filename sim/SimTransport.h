@@ -18,7 +18,7 @@ public:
     bool isOpen() const override { return m_open; }
     void write(const QByteArray &bytes) override;
     // With pacing on, waits until the written bytes have reached the tester.
-    void drain() override;
+    bool drain(std::chrono::milliseconds limit) override;
     // Bytes whose time has come; otherwise sleeps until the next one arrives or `wait` runs out.
     QByteArray read(std::chrono::milliseconds wait) override;
     // Drops what has arrived; bytes still on the wire keep coming, as on a real line.

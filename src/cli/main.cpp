@@ -64,7 +64,14 @@ int main(int argc, char *argv[])
             continue;
         CliContext context(*options);
         try {
-            return command.run(context, options->words.mid(1));
+            const int code = command.run(context, options->words.mid(1));
+            // A refusal was reported on the way: whatever the command made of it, it was not done.
+            if (code == kExitDone && context.link().refusals() > 0) {
+                err << "kalvo-cli: abgelehnt: " << link::RefusalWatch(context.link(), 0).Describe()
+                    << Qt::endl;
+                return kExitFailed;
+            }
+            return code;
         } catch (const UsageError &e) {
             err << "kalvo-cli " << name << ' ' << command.synopsis << ": " << e.text << Qt::endl;
             return kExitUsage;

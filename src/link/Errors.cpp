@@ -1,6 +1,8 @@
 // Failures that end a device operation.
 #include "Errors.h"
 
+#include "TextRules.h"
+
 namespace kalvo::link {
 
 KalvoError::KalvoError(int number, const QString &text)
@@ -29,5 +31,16 @@ static QString DescribeFormat(const QString &where, int line, const QString &exp
 FormatError::FormatError(const QString &where, int line, const QString &expected)
     : KalvoError(kFormatErrorNumber, DescribeFormat(where, line, expected))
 {}
+
+FormatError FormatError::ForAnswer(const QByteArray &command, const QByteArray &answer,
+                                   const QString &expected)
+{
+    constexpr qsizetype kShown = 80;
+    QString came = EscapeBytes(answer.left(kShown));
+    if (answer.size() > kShown)
+        came += QStringLiteral("... (%1 Bytes)").arg(answer.size());
+    return FormatError(QStringLiteral("Antwort auf %1 \"%2\"").arg(QString::fromLatin1(command), came), 0,
+                       expected);
+}
 
 } // namespace kalvo::link

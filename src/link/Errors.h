@@ -1,6 +1,7 @@
 // Failures that end a device operation; each front end catches them once and shows message().
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <stdexcept>
 
@@ -53,6 +54,10 @@ class FormatError : public KalvoError {
 public:
     // where: file name or "Antwort auf <command>"; line: 1-based, 0 when not line-oriented.
     FormatError(const QString &where, int line, const QString &expected);
+    // An answer that does not hold what was to be read from it: names the command, what came
+    // (escaped, long answers shortened) and what was expected.
+    static FormatError ForAnswer(const QByteArray &command, const QByteArray &answer,
+                                 const QString &expected);
 };
 
 constexpr int kTimeoutNumber = 3;

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStringList>
 
 namespace kalvo::link {
 
@@ -13,6 +14,27 @@ const QString kDefaultPortNotOpen = QStringLiteral("Die Schnittstelle ist nicht 
 const QString kDefaultProtocolText = QStringLiteral("Protokollfehler");
 constexpr qint64 kShortestSendableFile = 101;
 constexpr std::chrono::milliseconds kWaitSlice(200);
+
+// The busy pointer while the link waits for the tester, when the program asked for it.
+class BusyWhileWaiting {
+public:
+    BusyWhileWaiting(Prompter &prompter, bool on) : m_prompter(prompter), m_on(on)
+    {
+        if (m_on)
+            m_prompter.busy(true);
+    }
+    ~BusyWhileWaiting()
+    {
+        if (m_on)
+            m_prompter.busy(false);
+    }
+    BusyWhileWaiting(const BusyWhileWaiting &) = delete;
+    BusyWhileWaiting &operator=(const BusyWhileWaiting &) = delete;
+
+private:
+    Prompter &m_prompter;
+    bool m_on;
+};
 } // namespace
 
 Link::Link(Transport &transport, Prompter &prompter, Clock &clock)
@@ -51,35 +73,25 @@ void Link::SendCommand(const QByteArray &text)
 {
     if (!m_transport.isOpen())
         return;
+    m_lastCommand = text.endsWith(kCR) ? text.chopped(1) : text;
+    bool sent = false;
     try {
         m_transport.discardInput();
         m_transport.write(text);
-        m_transport.drain();
+        sent = m_transport.drain(std::chrono::ceil<std::chrono::milliseconds>(m_timeout));
     } catch (const PortError &e) {
         Lost(e);
     }
+    if (!sent) {
+        // The line stopped taking bytes: as good as a tester that does not answer.
+        m_transport.close();
+        throw Timeout();
+    }
 }
 
-QByteArray Link::ReceiveAnswer()
+QByteArray Link::ReadBefore(Duration deadline)
 {
-    if (!m_transport.isOpen())
-        return {};
-    if (m_busyCursor)
-        m_prompter.busy(true);
-    struct BusyOff {
-        Link &link;
-        ~BusyOff()
-        {
-            if (link.m_busyCursor)
-                link.m_prompter.busy(false);
-        }
-    } busyOff{*this};
-
-    QByteArray answer;
-    Duration deadline = m_clock.now() + m_timeout;
-    bool started = false;
-    bool complete = false;
-    while (!complete) {
+    for (;;) {
         const Duration remaining = deadline - m_clock.now();
         if (remaining <= Duration::zero()) {
             m_transport.close();
@@ -95,24 +107,36 @@ QByteArray Link::ReceiveAnswer()
         } catch (const PortError &e) {
             Lost(e);
         }
-        if (chunk.isEmpty())
-            continue;
-        if (!started) {
-            // From the first waiting character on, the whole answer has one time-out to arrive in.
-            started = true;
-            deadline = m_clock.now() + m_timeout;
-        }
-        for (char byte : std::as_const(chunk)) {
-            Trace(byte);
-            answer.append(byte);
-            if (byte == kDC1) {
-                complete = true;
-                break;
-            }
-        }
+        if (!chunk.isEmpty())
+            return chunk;
     }
+}
+
+bool Link::Collect(QByteArray &answer, const QByteArray &chunk, qsizetype cap)
+{
+    qsizetype end = chunk.indexOf(kDC1);
+    const bool complete = end >= 0;
+    const qsizetype take = complete ? end + 1 : chunk.size();
+    if (answer.size() + take > cap) {
+        // Nothing that long is a real answer; the rest of it is not waited for.
+        m_transport.discardInput();
+        throw FormatError(QStringLiteral("Antwort auf %1").arg(QString::fromLatin1(m_lastCommand)), 0,
+                          QStringLiteral("höchstens %1 Bytes bis zum Endzeichen").arg(cap));
+    }
+    for (qsizetype i = 0; i < take; ++i)
+        Trace(chunk[i]);
+    answer.append(chunk.constData(), take);
+    return complete;
+}
+
+void Link::Finish(const QByteArray &answer)
+{
     // Whatever followed the terminator is not kept for the next command.
-    m_transport.discardInput();
+    try {
+        m_transport.discardInput();
+    } catch (const PortError &e) {
+        Lost(e);
+    }
     if (m_trace)
         m_trace->flush();
 
@@ -121,16 +145,76 @@ QByteArray Link::ReceiveAnswer()
         if (answer.contains("cfg!pgm"))
             Wait(kWakePause);
     } else if (answer.contains(".N")) {
+        NoteRefusal(m_lastCommand);
         m_prompter.message(QStringLiteral("%1:  %2").arg(m_protocolNumber).arg(m_protocolText),
                            Prompter::Icon::Critical);
     }
+}
+
+QByteArray Link::ReceiveAnswer()
+{
+    if (!m_transport.isOpen())
+        return {};
+    const BusyWhileWaiting busy(m_prompter, m_busyCursor);
+    QByteArray answer;
+    // From the first waiting character on, the whole answer has one time-out to arrive in.
+    QByteArray chunk = ReadBefore(m_clock.now() + m_timeout);
+    const Duration deadline = m_clock.now() + m_timeout;
+    while (!Collect(answer, chunk, kMaxAnswerBytes))
+        chunk = ReadBefore(deadline);
+    Finish(answer);
     return answer;
+}
+
+QByteArray Link::ReceiveStream(const ChunkSink &onChunk)
+{
+    if (!m_transport.isOpen())
+        return {};
+    const BusyWhileWaiting busy(m_prompter, m_busyCursor);
+    QByteArray stream;
+    for (bool complete = false; !complete;) {
+        const qsizetype before = stream.size();
+        complete = Collect(stream, ReadBefore(m_clock.now() + m_timeout), kMaxStreamBytes);
+        if (onChunk)
+            onChunk(stream.mid(before));
+    }
+    Finish(stream);
+    return stream;
 }
 
 QByteArray Link::Exchange(const QByteArray &command)
 {
     SendCommand(command + kCR);
     return ReceiveAnswer();
+}
+
+QByteArray Link::ExchangeStream(const QByteArray &command, const ChunkSink &onChunk)
+{
+    SendCommand(command + kCR);
+    return ReceiveStream(onChunk);
+}
+
+void Link::NoteRefusal(const QByteArray &command)
+{
+    m_refused.append(command);
+    if (m_refused.size() > kKeptRefusals) {
+        m_refused.removeFirst();
+        ++m_refusalsForgotten;
+    }
+}
+
+QList<QByteArray> Link::refusedCommands(int since) const
+{
+    const int skip = std::max(0, since - m_refusalsForgotten);
+    return m_refused.mid(std::min<qsizetype>(skip, m_refused.size()));
+}
+
+QString RefusalWatch::Describe() const
+{
+    QStringList names;
+    for (const QByteArray &command : commands())
+        names << QStringLiteral("\"%1\"").arg(QString::fromLatin1(command));
+    return names.join(QStringLiteral(", "));
 }
 
 bool Link::PortClosed()
@@ -174,11 +258,7 @@ QByteArray Link::SendFileRaw(const QString &path)
     }
     const QByteArray bytes = file.readAll();
     file.close();
-    m_prompter.busy(true);
-    struct BusyOff {
-        Prompter &p;
-        ~BusyOff() { p.busy(false); }
-    } busyOff{m_prompter};
+    const BusyWhileWaiting busy(m_prompter, true);
     for (char byte : bytes)
         SendCommand(QByteArray(1, byte));
     return ReceiveAnswer();

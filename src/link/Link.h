@@ -7,8 +7,10 @@
 
 #include <QByteArray>
 #include <QFile>
+#include <QList>
 #include <QString>
 #include <atomic>
+#include <functional>
 #include <memory>
 
 namespace kalvo::link {
@@ -34,11 +36,20 @@ public:
     bool IsOpen() const;
 
     // Writes `text` (which carries its own CR) and waits until it has left; silent when closed.
+    // A line that does not take the bytes within the time-out ends in Timeout.
     void SendCommand(const QByteArray &text);
-    // The next answer up to and including DC1. Throws Timeout; reports a refusal and returns it.
+    // The next answer up to and including DC1: the whole answer must arrive within one time-out
+    // of its first byte. Throws Timeout; a refusal is reported, counted and returned; an answer
+    // longer than kMaxAnswerBytes is a FormatError.
     QByteArray ReceiveAnswer();
     // SendCommand(command + CR), then ReceiveAnswer.
     QByteArray Exchange(const QByteArray &command);
+    // A streamed answer (the store listing, the accessory's records): chunks up to and including
+    // the one with DC1. The time-out bounds each wait for more, not the whole stream; `onChunk`
+    // sees every chunk as it arrives. Longer than kMaxStreamBytes is a FormatError.
+    using ChunkSink = std::function<void(const QByteArray &chunk)>;
+    QByteArray ReceiveStream(const ChunkSink &onChunk = {});
+    QByteArray ExchangeStream(const QByteArray &command, const ChunkSink &onChunk = {});
     // True, after telling the user, when the port is not open.
     bool PortClosed();
     // Sleeps (never spins) for the given seconds.
@@ -66,6 +77,15 @@ public:
     // Show the busy pointer while waiting for answers.
     void setBusyCursor(bool on) { m_busyCursor = on; }
 
+    // Refusals met so far: answers with "Protokoll" and ".N" (counted by ReceiveAnswer) and those
+    // that an operation judged itself (NoteRefusal), e.g. ".Nx" to a store command.
+    int refusals() const { return m_refusalsForgotten + static_cast<int>(m_refused.size()); }
+    // The commands that were refused, oldest first (only the last kKeptRefusals are kept).
+    QList<QByteArray> refusedCommands(int since = 0) const;
+    void NoteRefusal(const QByteArray &command);
+    // The last command sent, without its CR: names an answer in messages.
+    const QByteArray &lastCommand() const { return m_lastCommand; }
+
     // Makes a running or later wait give up at once (the program is being closed); safe to call
     // from another thread.
     void Abandon() { m_abandoned = true; }
@@ -80,6 +100,12 @@ public:
 private:
     void Trace(char byte);
     [[noreturn]] void Lost(const PortError &error);
+    // Waits for the next bytes until `deadline`; throws Timeout (closing the port) after it.
+    QByteArray ReadBefore(Duration deadline);
+    // Appends `chunk` up to and including DC1 to `answer`; true when DC1 was in it.
+    bool Collect(QByteArray &answer, const QByteArray &chunk, qsizetype cap);
+    // What follows a complete answer: input discarded, the refusal rule, the "cfg!pgm" pause.
+    void Finish(const QByteArray &answer);
 
     Transport &m_transport;
     Prompter &m_prompter;
@@ -93,6 +119,26 @@ private:
     bool m_traceRecordEnds = false;
     bool m_traceAfterDollar = false;
     std::atomic<bool> m_abandoned{false};
+    QByteArray m_lastCommand;
+    QList<QByteArray> m_refused;
+    int m_refusalsForgotten = 0;
+};
+
+// Counts the refusals from its construction on: an operation asks it whether anything it sent
+// was refused before it writes a file or stores anything.
+class RefusalWatch {
+public:
+    explicit RefusalWatch(const Link &link) : m_link(link), m_start(link.refusals()) {}
+    // Counting from the `start`-th refusal on (0: all of them).
+    RefusalWatch(const Link &link, int start) : m_link(link), m_start(start) {}
+    bool refused() const { return m_link.refusals() > m_start; }
+    QList<QByteArray> commands() const { return m_link.refusedCommands(m_start); }
+    // The refused commands for a message: "wer! 5,1.0", "kal!pgm".
+    QString Describe() const;
+
+private:
+    const Link &m_link;
+    int m_start;
 };
 
 // Sets the protocol-error number and text for one operation and restores the old ones after it.
@@ -110,6 +156,12 @@ private:
 };
 
 constexpr Duration kAnswerTimeout = std::chrono::seconds(40);
+// The longest answer taken: far beyond any real one (a print text is a few KB), so that a line
+// that streams without end cannot fill the memory.
+constexpr qsizetype kMaxAnswerBytes = 4 * 1024 * 1024;
+// The longest stream taken: a full store listing or accessory is well under a megabyte.
+constexpr qsizetype kMaxStreamBytes = 64 * 1024 * 1024;
+constexpr int kKeptRefusals = 64;
 constexpr double kWakePause = 0.1;
 
 } // namespace kalvo::link

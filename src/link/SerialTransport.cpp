@@ -4,7 +4,11 @@
 #include "Errors.h"
 #include "PortNames.h"
 
+#include <algorithm>
+#include <thread>
+
 #ifdef Q_OS_UNIX
+#include <sys/ioctl.h>
 #include <termios.h>
 #endif
 
@@ -65,18 +69,36 @@ void SerialTransport::write(const QByteArray &bytes)
     CheckLost();
 }
 
-void SerialTransport::drain()
+bool SerialTransport::drain(std::chrono::milliseconds limit)
 {
+    using namespace std::chrono;
     if (!isOpen())
-        return;
+        return true;
+    const auto deadline = steady_clock::now() + limit;
+    const auto left = [deadline] { return duration_cast<milliseconds>(deadline - steady_clock::now()); };
     // Qt's buffer first; "written" there only means handed to the system.
     while (m_port->bytesToWrite() > 0) {
-        if (!m_port->waitForBytesWritten(1000))
+        const milliseconds remaining = left();
+        if (remaining <= milliseconds::zero())
+            return false;
+        if (!m_port->waitForBytesWritten(static_cast<int>(std::min(remaining, milliseconds(1000)).count())))
             CheckLost();
     }
 #ifdef Q_OS_UNIX
-    ::tcdrain(static_cast<int>(m_port->handle()));
+    // tcdrain would wait without end on a line that stops taking bytes; the driver's count of
+    // bytes still queued can be watched against the deadline instead.
+    const int fd = static_cast<int>(m_port->handle());
+    for (;;) {
+        int queued = 0;
+        if (::ioctl(fd, TIOCOUTQ, &queued) != 0 || queued <= 0)
+            return true;
+        if (left() <= milliseconds::zero())
+            return false;
+        // At 9600 baud one byte takes a little over a millisecond.
+        std::this_thread::sleep_for(std::min(microseconds(1042) * queued, microseconds(20000)));
+    }
 #endif
+    return true;
 }
 
 QByteArray SerialTransport::read(std::chrono::milliseconds wait)

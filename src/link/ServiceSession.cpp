@@ -14,18 +14,20 @@ void OpenServiceSession(Link &link)
 
 bool StoreChanges(Link &link, Prompter &prompter, StoreCommand store)
 {
-    switch (store) {
-    case StoreCommand::None: return true;
-    case StoreCommand::Calibration: link.Exchange("kal!pgm"); return true;
-    case StoreCommand::Configuration:
-        if (link.Exchange("cfg!pgm").contains(".Nx")) {
-            prompter.message(QStringLiteral("Die Konfiguration konnten nicht gespeichert werden"),
-                             Prompter::Icon::Warning);
-            return false;
-        }
+    if (store == StoreCommand::None)
         return true;
-    }
-    return true;
+    const QByteArray command = store == StoreCommand::Calibration ? "kal!pgm" : "cfg!pgm";
+    const RefusalWatch watch(link);
+    const QByteArray answer = link.Exchange(command);
+    if (answer.contains(".Y") && !answer.contains(".N"))
+        return true;
+    // A "Protokoll" refusal has been counted by the link already.
+    if (!watch.refused())
+        link.NoteRefusal(command);
+    prompter.message(store == StoreCommand::Configuration ? kConfigurationNotStoredText
+                                                          : kCalibrationNotStoredText,
+                     Prompter::Icon::Warning);
+    return false;
 }
 
 void RestartTester(Link &link)

@@ -1,6 +1,7 @@
 // The fixed order every change to the tester is wrapped in.
 #pragma once
 
+#include <QString>
 #include <functional>
 
 namespace kalvo::link {
@@ -16,8 +17,14 @@ enum class StoreCommand {
 
 // "idn!99", then "kal!ein".
 void OpenServiceSession(Link &link);
-// Sends the store command; a ".Nx" answer to "cfg!pgm" is shown to the user and false returned.
+// Sends the store command. Stored only when the tester says ".Y" and refuses nothing: any ".N"
+// (".Nx" included) or an answer without ".Y" is "not stored", counted as a refusal, shown to the
+// user and false returned.
 bool StoreChanges(Link &link, Prompter &prompter, StoreCommand store);
+inline const QString kConfigurationNotStoredText =
+    QStringLiteral("Die Konfiguration konnten nicht gespeichert werden");
+inline const QString kCalibrationNotStoredText =
+    QStringLiteral("Die Kalibrierwerte wurden nicht gespeichert");
 // "rst!0", then the lone EOT without waiting for an answer.
 void RestartTester(Link &link);
 // Open, change, store, and restart where the change needs it.

@@ -111,10 +111,11 @@ double NumericValue(const QByteArray &text)
     while (i < n && (text[i] == ' ' || text[i] == '\t'))
         ++i;
     if (i + 1 < n && text[i] == '&' && (text[i + 1] == 'H' || text[i + 1] == 'h')) {
-        long long value = 0;
+        // In floating point, so that any number of digits gives a large value, never a wrapped one.
+        double value = 0;
         for (i += 2; i < n && DigitValue(text[i], 16) >= 0; ++i)
             value = value * 16 + DigitValue(text[i], 16);
-        return static_cast<double>(value);
+        return value;
     }
     double sign = 1;
     if (i < n && (text[i] == '-' || text[i] == '+')) {
@@ -130,6 +131,38 @@ double NumericValue(const QByteArray &text)
             value += (text[i] - '0') * scale;
     }
     return sign * value;
+}
+
+std::optional<qint64> WholeNumber(const QByteArray &text, qint64 minimum, qint64 maximum)
+{
+    qsizetype i = 0;
+    const qsizetype n = text.size();
+    while (i < n && (text[i] == ' ' || text[i] == '\t'))
+        ++i;
+    int base = 10;
+    bool negative = false;
+    if (i + 1 < n && text[i] == '&' && (text[i + 1] == 'H' || text[i + 1] == 'h')) {
+        base = 16;
+        i += 2;
+    } else if (i < n && (text[i] == '-' || text[i] == '+')) {
+        negative = text[i] == '-';
+        ++i;
+    }
+    // Digits beyond what any range here needs mean "too large"; the magnitude stops growing there.
+    constexpr qint64 kCeiling = qint64(1) << 53;
+    qint64 magnitude = 0;
+    bool any = false;
+    for (; i < n && DigitValue(text[i], base) >= 0; ++i) {
+        any = true;
+        if (magnitude < kCeiling)
+            magnitude = magnitude * base + DigitValue(text[i], base);
+    }
+    if (!any)
+        return std::nullopt;
+    const qint64 value = negative ? -magnitude : magnitude;
+    if (value < minimum || value > maximum)
+        return std::nullopt;
+    return value;
 }
 
 QList<QByteArray> SplitFields(const QByteArray &answer)

@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <optional>
 
 namespace kalvo::link {
 
@@ -35,6 +36,11 @@ qsizetype PositionOf(const QByteArray &text, const QByteArray &needle);
 // leading blanks skipped, "&H" for hexadecimal, "." as the decimal point whatever the locale,
 // reading stops at the first character that does not fit; 0 when there is no number.
 double NumericValue(const QByteArray &text);
+
+// The leading whole number of `text`, read as NumericValue reads it (leading blanks, a sign,
+// "&H" for hexadecimal; reading stops at the first character that does not fit, "." included),
+// when there is one and it lies within [minimum, maximum]; nullopt otherwise, never a wrapped value.
+std::optional<qint64> WholeNumber(const QByteArray &text, qint64 minimum, qint64 maximum);
 
 // `answer` split at ";" into fields, each without control characters.
 QList<QByteArray> SplitFields(const QByteArray &answer);

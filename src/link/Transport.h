@@ -15,8 +15,9 @@ public:
     virtual void close() = 0;
     virtual bool isOpen() const = 0;
     virtual void write(const QByteArray &bytes) = 0;
-    // Returns when everything written has left the machine.
-    virtual void drain() = 0;
+    // Waits until everything written has left the machine; false when the line has not taken it
+    // within `limit` (a stalled line). Throws PortError(Lost) when the device has gone.
+    virtual bool drain(std::chrono::milliseconds limit) = 0;
     // Whatever has arrived; waits up to `wait` for the first byte, returns empty when none came.
     // Throws PortError(Lost) when the device has gone.
     virtual QByteArray read(std::chrono::milliseconds wait) = 0;

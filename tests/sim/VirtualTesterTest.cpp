@@ -268,7 +268,7 @@ TEST(SimTransport, DrainWaitsForTheWireAndDiscardKeepsWhatIsStillOnIt)
     sim::SimTransport transport(tester, clock);
     transport.open(QStringLiteral("Simulator"));
     transport.write("ver?\r");
-    transport.drain();
+    transport.drain(std::chrono::seconds(40));
     // Draining is honest about the wire: the five bytes take their time to go out.
     EXPECT_EQ(clock.now(), tester.byteTime() * 5);
     clock.advance(tester.byteTime() * 20);

@@ -36,6 +36,12 @@ ScriptedTransport::Step &ScriptedTransport::Step::Vanish(Duration after)
     return *this;
 }
 
+ScriptedTransport::Step &ScriptedTransport::Step::Stall()
+{
+    m_stall = true;
+    return *this;
+}
+
 ScriptedTransport::ScriptedTransport(link::ManualClock &clock) : m_clock(clock)
 {}
 
@@ -100,6 +106,15 @@ void ScriptedTransport::write(const QByteArray &bytes)
         Schedule(now + burst.after, burst.bytes);
     if (step.m_vanishAfter)
         m_lostAt = now + *step.m_vanishAfter;
+    m_stalled = step.m_stall;
+}
+
+bool ScriptedTransport::drain(std::chrono::milliseconds limit)
+{
+    if (!m_stalled)
+        return true;
+    m_clock.advance(limit);
+    return false;
 }
 
 QByteArray ScriptedTransport::read(std::chrono::milliseconds wait)

@@ -34,6 +34,8 @@ public:
         Step &Stream(const QByteArray &bytes, link::Duration every, int times, link::Duration after = {});
         // The device vanishes `after` the write: from then on every read throws PortError(Lost).
         Step &Vanish(link::Duration after = {});
+        // The line stops taking bytes: this write never leaves, the drain waits out its limit.
+        Step &Stall();
 
     private:
         friend class ScriptedTransport;
@@ -44,6 +46,7 @@ public:
         QByteArray m_expected;
         std::vector<Burst> m_bursts;
         std::optional<link::Duration> m_vanishAfter;
+        bool m_stall = false;
     };
 
     struct Write {
@@ -68,7 +71,7 @@ public:
     void close() override;
     bool isOpen() const override { return m_open; }
     void write(const QByteArray &bytes) override;
-    void drain() override {}
+    bool drain(std::chrono::milliseconds limit) override;
     QByteArray read(std::chrono::milliseconds wait) override;
     void discardInput() override;
 
@@ -87,6 +90,7 @@ private:
     std::optional<link::Duration> m_lostAt;
     std::vector<Write> m_writes;
     int m_discards = 0;
+    bool m_stalled = false;
     bool m_open = true;
     QString m_portName = QStringLiteral("COM 1");
 };
