@@ -19,13 +19,22 @@ namespace kalvo::cli {
 
 namespace {
 
-// Forwards to the command line's prompter but answers "speichern??" with OK when asked to store.
+// Forwards to the command line's prompter but answers a store question with OK when asked to
+// store (--store) — unless the tester refused something since this prompter was made: then the
+// answer is Cancel, whatever --store or --yes say, so that nothing half-written is kept.
 class StoringPrompter final : public link::Prompter {
 public:
-    StoringPrompter(link::Prompter &inner, bool store) : m_inner(inner), m_store(store) {}
+    StoringPrompter(const link::Link &link, link::Prompter &inner, bool store)
+        : m_watch(link), m_inner(inner), m_store(store)
+    {}
     void message(const QString &text, Icon icon) override { m_inner.message(text, icon); }
     bool confirm(const QString &text) override
     {
+        if (m_watch.refused()) {
+            m_inner.message(text + QStringLiteral(" -> Abbrechen (abgelehnt: %1)").arg(m_watch.Describe()),
+                            Icon::Warning);
+            return false;
+        }
         if (!m_store)
             return m_inner.confirm(text);
         m_inner.message(text + QStringLiteral(" -> OK (--store)"), Icon::Information);
@@ -41,6 +50,7 @@ public:
     void busy(bool on) override { m_inner.busy(on); }
 
 private:
+    link::RefusalWatch m_watch;
     link::Prompter &m_inner;
     bool m_store;
 };
@@ -124,6 +134,7 @@ int Limits(CliContext &context, QStringList words)
                                  .arg(info.maximum)
                                  .arg(words[2])};
         context.OpenPort();
+        // A refused limit is not stored: WriteLimit said so and the store is not sent.
         if (!config::WriteLimit(context.link(), context.prompter(), kind, value))
             return kExitFailed;
         if (store && !config::StoreLimits(context.link(), context.prompter()))
@@ -154,7 +165,7 @@ int Cal(CliContext &context, QStringList words)
         // Read before anything is sent: a bad file ends the command with the tester untouched.
         config::ReadCalibrationFile(words[1], config::RestoreSource::MainForm);
         context.OpenPort();
-        StoringPrompter prompter(context.prompter(), store);
+        StoringPrompter prompter(context.link(), context.prompter(), store);
         const auto result = config::RestoreCalibration(context.link(), prompter, words[1],
                                                        config::RestoreSource::MainForm, show);
         out << result.entriesWritten << " entries written, " << (result.stored ? "stored" : "not stored")
@@ -185,14 +196,15 @@ int Modem(CliContext &context, QStringList words)
         given.insert(option, words[i + 1]);
     }
     context.OpenPort();
-    // What is not given keeps the value the tester holds.
-    modem::ModemSettings settings = modem::ReadModemSettings(context.link());
-    settings.tel1 = given.value(QStringLiteral("--tel1"), settings.tel1);
-    settings.tel2 = given.value(QStringLiteral("--tel2"), settings.tel2);
-    settings.init = given.value(QStringLiteral("--init"), settings.init);
-    modem::WriteModemSettings(context.link(), settings);
-    if (store && !modem::StoreModemSettings(context.link(), context.prompter(),
-                                            context.texts().text(shell::TxtModemStored)))
+    // As the modem window does: all five registers are written, and what is not given is empty
+    // (the tester has no command that reads them back).
+    const modem::ModemSettings settings{given.value(QStringLiteral("--tel1")),
+                                        given.value(QStringLiteral("--tel2")),
+                                        given.value(QStringLiteral("--init"))};
+    StoringPrompter prompter(context.link(), context.prompter(), store);
+    const QList<QByteArray> refused = modem::WriteModemSettings(context.link(), settings);
+    if (store && !modem::StoreModemSettings(context.link(), prompter,
+                                            context.texts().text(shell::TxtModemStored), refused))
         return kExitFailed;
     return kExitDone;
 }
@@ -215,7 +227,8 @@ QList<CliCommand> ConfigCommands()
                         "(stored with --store or --yes), compare two backups"),
          Cal},
         {QStringLiteral("modem"), QStringLiteral("set [--tel1 T] [--tel2 T] [--init S] [--store]"),
-         QStringLiteral("write the modem's telephone numbers and initialisation string; --store keeps them"),
+         QStringLiteral("write the modem's telephone numbers and initialisation string (all five string "
+                        "registers; what is not given is sent empty); --store keeps them"),
          Modem},
     };
 }

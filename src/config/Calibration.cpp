@@ -9,7 +9,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QSaveFile>
+#include <optional>
 
 namespace kalvo::config {
 
@@ -27,12 +29,20 @@ QByteArray Str(double value)
     return value >= 0 ? ' ' + digits : digits;
 }
 
+// A backup is 51 short lines; even with heading lines a real one stays far below this.
+constexpr qint64 kMaxCalibrationFileBytes = 1024 * 1024;
+
 QList<QByteArray> FileLines(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         throw link::FormatError(Native(path), 0,
                                 QStringLiteral("eine lesbare Datei (%1)").arg(file.errorString()));
+    if (file.size() > kMaxCalibrationFileBytes)
+        throw link::FormatError(Native(path), 0,
+                                QStringLiteral("eine Kalibrierdatei von höchstens %1 Bytes, nicht %2 Bytes")
+                                    .arg(kMaxCalibrationFileBytes)
+                                    .arg(file.size()));
     QByteArray bytes = file.readAll();
     bytes.replace("\r\n", "\n").replace('\r', '\n');
     QList<QByteArray> lines = bytes.split('\n');
@@ -55,15 +65,49 @@ QByteArray CalibrationReadCommand(int entry)
     return "kal?" + Str(entry);
 }
 
-QByteArray CalibrationLine(const QByteArray &command, const QByteArray &answer)
+bool IsCalibrationValue(const QByteArray &text)
+{
+    static const QRegularExpression number(
+        QStringLiteral("^ *[-+]?(\\d+\\.?\\d*|\\.\\d+)([eE][-+]?\\d+)? *$"));
+    return number.match(QString::fromLatin1(text)).hasMatch();
+}
+
+namespace {
+
+// "n:a,b": the entry number (trimmed) and the two values, or nullopt when the line is not of that form.
+std::optional<CalibrationEntry> SplitCalibrationLine(const QByteArray &line)
+{
+    const qsizetype colon = line.indexOf(':');
+    const qsizetype comma = line.indexOf(',');
+    if (colon < 0 || comma < colon)
+        return std::nullopt;
+    // The whole text before ":" must be the number: "25-6" is not entry 25.
+    bool whole = false;
+    const qlonglong entry = line.left(colon).trimmed().toLongLong(&whole);
+    if (!whole || entry < 0 || entry >= kCalibrationEntries)
+        return std::nullopt;
+    CalibrationEntry result;
+    result.number = Str(static_cast<double>(entry));
+    result.first = line.mid(colon + 1, comma - colon - 1);
+    result.second = line.mid(comma + 1);
+    if (!IsCalibrationValue(result.first) || !IsCalibrationValue(result.second))
+        return std::nullopt;
+    return result;
+}
+
+} // namespace
+
+QByteArray CalibrationLine(int entry, const QByteArray &command, const QByteArray &answer)
 {
     const QByteArray clean = link::StripControlChars(answer);
     const qsizetype yes = clean.indexOf(".Y");
     const qsizetype start = clean.indexOf(';') + 1;
-    if (yes < start)
-        throw link::FormatError(QStringLiteral("Antwort auf %1").arg(QString::fromLatin1(command)), 0,
-                                QStringLiteral("\";\", den Eintrag und \".Y\""));
-    return clean.mid(start, yes - start);
+    const QByteArray line = yes < start ? QByteArray() : clean.mid(start, yes - start);
+    const auto parts = SplitCalibrationLine(line);
+    if (!parts || parts->number != Str(entry))
+        throw link::FormatError::ForAnswer(command, answer,
+                                           QStringLiteral("\";%1:Wert,Wert.Y\" mit zwei Zahlen").arg(entry));
+    return line;
 }
 
 QList<QByteArray> BackupCalibration(link::Link &link, link::Prompter &prompter, const QString &path,
@@ -77,7 +121,7 @@ QList<QByteArray> BackupCalibration(link::Link &link, link::Prompter &prompter, 
     try {
         for (int n = 0; n < kCalibrationEntries; ++n) {
             const QByteArray command = CalibrationReadCommand(n);
-            const QByteArray line = CalibrationLine(command, link.Exchange(command));
+            const QByteArray line = CalibrationLine(n, command, link.Exchange(command));
             file.write(line + "\r\n");
             lines << line;
             if (showLine)
@@ -132,21 +176,28 @@ QList<CalibrationEntry> ParseEntries(const QString &path, const QList<QByteArray
         const QByteArray &line = lines[i];
         if (Skipped(line, source))
             continue;
-        const qsizetype colon = line.indexOf(':');
-        const qsizetype comma = line.indexOf(',');
-        bool numeric = false;
-        line.left(colon).trimmed().toInt(&numeric);
-        if (colon < 0 || comma < colon || !numeric)
+        auto entry = SplitCalibrationLine(line);
+        if (!entry)
             throw link::FormatError(Native(path), static_cast<int>(i) + 1,
-                                    QStringLiteral("Nummer:Wert,Wert"));
-        CalibrationEntry entry;
-        entry.line = static_cast<int>(i) + 1;
-        entry.number = Str(link::NumericValue(line));
-        entry.first = line.mid(colon + 1, comma - colon - 1);
-        entry.second = line.mid(comma + 1);
-        entries << entry;
+                                    QStringLiteral("Nummer 0 bis 50:Zahl,Zahl, nicht \"%1\"")
+                                        .arg(link::EscapeBytes(line.left(80))));
+        entry->line = static_cast<int>(i) + 1;
+        entries << *entry;
     }
     return entries;
+}
+
+} // namespace
+
+namespace {
+
+// One line of the session; success is ".Y", anything with ".N" (or without ".Y") was refused.
+void WriteChecked(link::Link &link, const QByteArray &command)
+{
+    const link::RefusalWatch watch(link);
+    const QByteArray answer = link.Exchange(command);
+    if (!watch.refused() && (!answer.contains(".Y") || answer.contains(".N")))
+        link.NoteRefusal(command);
 }
 
 } // namespace
@@ -162,6 +213,7 @@ RestoreResult RestoreCalibration(link::Link &link, link::Prompter &prompter, con
     const QList<QByteArray> lines = FileLines(path);
     const QList<CalibrationEntry> entries = ParseEntries(path, lines, source);
     RestoreResult result;
+    const link::RefusalWatch watch(link);
     link::OpenServiceSession(link);
     int shown = 0;
     const auto showUpTo = [&](int lineNumber) {
@@ -171,15 +223,17 @@ RestoreResult RestoreCalibration(link::Link &link, link::Prompter &prompter, con
     for (const CalibrationEntry &entry : entries) {
         showUpTo(entry.line);
         // Two writes to one entry: the first sets its first value, the second its second.
-        link.Exchange("wer!" + entry.number + ',' + entry.first);
-        link.Exchange("wer!" + entry.number + ',' + entry.second);
+        for (const QByteArray &value : {entry.first, entry.second})
+            WriteChecked(link, "wer!" + entry.number + ',' + value);
         ++result.entriesWritten;
     }
     showUpTo(static_cast<int>(lines.size()));
-    if (prompter.confirm(kStoreQuestion)) {
-        link::StoreChanges(link, prompter, link::StoreCommand::Calibration);
-        result.stored = true;
-    }
+    result.refused = watch.commands();
+    const QString question = result.refused.isEmpty()
+                                 ? kStoreQuestion
+                                 : QStringLiteral("Abgelehnt: %1\n%2").arg(watch.Describe(), kStoreQuestion);
+    if (prompter.confirm(question))
+        result.stored = link::StoreChanges(link, prompter, link::StoreCommand::Calibration);
     link.Exchange("kal!aus");
     return result;
 }

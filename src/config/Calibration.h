@@ -21,9 +21,13 @@ using LineSink = std::function<void(const QString &)>;
 
 // "kal?" + n with the blank of the number conversion: "kal? 0" ... "kal? 50".
 QByteArray CalibrationReadCommand(int entry);
-// The part of a "kal?" answer after its first ";" and before ".Y": "n:a,b".
-// Throws link::FormatError when the answer has no ".Y".
-QByteArray CalibrationLine(const QByteArray &command, const QByteArray &answer);
+// The part of a "kal?" answer after its first ";" and before ".Y": "n:a,b", exactly as the tester
+// wrote it. Throws link::FormatError when the answer has no ".Y" or what stands there is not entry
+// `entry` with two numbers: such a line could not be restored.
+QByteArray CalibrationLine(int entry, const QByteArray &command, const QByteArray &answer);
+// Whether `text` is one number as the tester writes calibration values: an optional sign, digits
+// with an optional decimal point, an optional exponent; blanks around it are allowed.
+bool IsCalibrationValue(const QByteArray &text);
 
 // Reads entries 0..50 into `path` (one line each, CR LF) through a QSaveFile: a time-out, a
 // refusal or an unusable answer leaves an existing file as it was; the user is told, and the
@@ -51,16 +55,19 @@ struct CalibrationEntry {
 };
 
 // The entries of a ".cal" file by the skip rules of `source`. Throws link::FormatError naming the
-// file and line for a line that is not "n:a,b", and when the file cannot be read.
+// file and line for a line that is not "n:a,b" with n from 0 to 50 and two numbers, and when the
+// file cannot be read or is far larger than any backup.
 QList<CalibrationEntry> ReadCalibrationFile(const QString &path, RestoreSource source);
 
 struct RestoreResult {
     int entriesWritten = 0;
-    bool stored = false; // "kal!pgm" was sent
+    bool stored = false;       // "kal!pgm" was sent and the tester said it stored
+    QList<QByteArray> refused; // the lines of the session the tester refused
 };
 // Reads the whole file first (nothing is sent for a bad file), then "idn!99", "kal!ein", the two
 // "wer!" writes per entry, the "speichern??" question ("kal!pgm" only on OK) and "kal!aus".
-// `showLine` sees every line of the file.
+// A write the tester refuses (".N" or "Protokoll") does not stop the session, but the question
+// then names every refused line first. `showLine` sees every line of the file.
 RestoreResult RestoreCalibration(link::Link &link, link::Prompter &prompter, const QString &path,
                                  RestoreSource source, const LineSink &showLine = {});
 

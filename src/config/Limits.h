@@ -34,7 +34,7 @@ bool InRange(LimitKind kind, int value);
 QByteArray LimitWriteCommand(LimitKind kind, int value);
 // The value in a read answer: for "wer?bgw" the integer read from five places after the "B" of the
 // first "BGW", for "var?D2" the integer after the first "=". Throws link::FormatError when the
-// mark is missing.
+// mark is missing or no whole number from 0 to 9999 stands there.
 int LimitValueFromAnswer(LimitKind kind, const QByteArray &answer);
 // What the value label shows: the value with the blank of the number conversion, then the unit.
 QString LimitLabel(LimitKind kind, int value);

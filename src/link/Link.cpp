@@ -209,10 +209,10 @@ QList<QByteArray> Link::refusedCommands(int since) const
     return m_refused.mid(std::min<qsizetype>(skip, m_refused.size()));
 }
 
-QString RefusalWatch::Describe() const
+QString QuotedCommands(const QList<QByteArray> &commands)
 {
     QStringList names;
-    for (const QByteArray &command : commands())
+    for (const QByteArray &command : commands)
         names << QStringLiteral("\"%1\"").arg(QString::fromLatin1(command));
     return names.join(QStringLiteral(", "));
 }

@@ -124,6 +124,9 @@ private:
     int m_refusalsForgotten = 0;
 };
 
+// Commands for a message: "wer! 5,1.0", "kal!pgm".
+QString QuotedCommands(const QList<QByteArray> &commands);
+
 // Counts the refusals from its construction on: an operation asks it whether anything it sent
 // was refused before it writes a file or stores anything.
 class RefusalWatch {
@@ -133,8 +136,8 @@ public:
     RefusalWatch(const Link &link, int start) : m_link(link), m_start(start) {}
     bool refused() const { return m_link.refusals() > m_start; }
     QList<QByteArray> commands() const { return m_link.refusedCommands(m_start); }
-    // The refused commands for a message: "wer! 5,1.0", "kal!pgm".
-    QString Describe() const;
+    // The refused commands for a message.
+    QString Describe() const { return QuotedCommands(commands()); }
 
 private:
     const Link &m_link;

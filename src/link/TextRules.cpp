@@ -148,16 +148,20 @@ std::optional<qint64> WholeNumber(const QByteArray &text, qint64 minimum, qint64
         negative = text[i] == '-';
         ++i;
     }
-    // Digits beyond what any range here needs mean "too large"; the magnitude stops growing there.
+    // No range here comes near this; a number beyond it is too large whatever the range says.
     constexpr qint64 kCeiling = qint64(1) << 53;
     qint64 magnitude = 0;
     bool any = false;
+    bool tooLarge = false;
     for (; i < n && DigitValue(text[i], base) >= 0; ++i) {
         any = true;
-        if (magnitude < kCeiling)
-            magnitude = magnitude * base + DigitValue(text[i], base);
+        magnitude = magnitude * base + DigitValue(text[i], base);
+        if (magnitude > kCeiling) {
+            tooLarge = true;
+            magnitude = kCeiling;
+        }
     }
-    if (!any)
+    if (!any || tooLarge)
         return std::nullopt;
     const qint64 value = negative ? -magnitude : magnitude;
     if (value < minimum || value > maximum)

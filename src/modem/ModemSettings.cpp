@@ -16,18 +16,6 @@ QByteArray StringRegister(int entry)
     return QByteArray::number(kFirstStringRegister - 1 + entry);
 }
 
-QString ReadString(link::Link &link, int entry)
-{
-    const QByteArray command = "str?" + StringRegister(entry);
-    const QByteArray answer = link::StripControlChars(link.Exchange(command));
-    const qsizetype comma = answer.indexOf(',');
-    const qsizetype yes = answer.lastIndexOf(".Y");
-    if (comma < 0 || yes < comma)
-        throw link::FormatError(QStringLiteral("Antwort auf %1").arg(QString::fromLatin1(command)), 0,
-                                QStringLiteral("\",\", den Text und \".Y\""));
-    return link::DecodeTesterText(answer.mid(comma + 1, yes - comma - 1));
-}
-
 } // namespace
 
 QList<QByteArray> ModemCommands(const ModemSettings &settings)
@@ -41,23 +29,25 @@ QList<QByteArray> ModemCommands(const ModemSettings &settings)
     return commands;
 }
 
-void WriteModemSettings(link::Link &link, const ModemSettings &settings)
+QList<QByteArray> WriteModemSettings(link::Link &link, const ModemSettings &settings)
 {
-    for (const QByteArray &command : ModemCommands(settings))
-        link.Exchange(command);
+    const link::RefusalWatch watch(link);
+    for (const QByteArray &command : ModemCommands(settings)) {
+        const int before = link.refusals();
+        // The answers are not judged further: an echo with or without ".Y" is taken as done.
+        if (link.Exchange(command).contains(".N") && link.refusals() == before)
+            link.NoteRefusal(command);
+    }
+    return watch.commands();
 }
 
-ModemSettings ReadModemSettings(link::Link &link)
+bool StoreModemSettings(link::Link &link, link::Prompter &prompter, const QString &confirmationText,
+                        const QList<QByteArray> &refusedBefore)
 {
-    ModemSettings settings;
-    settings.tel1 = ReadString(link, 2);
-    settings.tel2 = ReadString(link, 3);
-    settings.init = ReadString(link, 5);
-    return settings;
-}
-
-bool StoreModemSettings(link::Link &link, link::Prompter &prompter, const QString &confirmationText)
-{
+    if (!refusedBefore.isEmpty() &&
+        !prompter.confirm(
+            QStringLiteral("Abgelehnt: %1\nTrotzdem speichern?").arg(link::QuotedCommands(refusedBefore))))
+        return false;
     if (!link::StoreChanges(link, prompter, link::StoreCommand::Configuration))
         return false;
     prompter.message(confirmationText, link::Prompter::Icon::Information);

@@ -23,12 +23,13 @@ constexpr int kStringRegisters = 5;
 
 // "str!121," ... "str!125,", entry i behind register 120 + i; entries 1 and 4 stay empty.
 QList<QByteArray> ModemCommands(const ModemSettings &settings);
-// Sends the five commands in order, each answer received and not judged.
-void WriteModemSettings(link::Link &link, const ModemSettings &settings);
-// "str?122", "str?123", "str?125": the values the tester holds (the text between the first ","
-// and the last ".Y"). Throws link::FormatError for an answer without them.
-ModemSettings ReadModemSettings(link::Link &link);
-// "cfg!pgm", then `confirmationText`; a ".Nx" answer is shown instead and false returned.
-bool StoreModemSettings(link::Link &link, link::Prompter &prompter, const QString &confirmationText);
+// Sends the five commands in order, each answer received. Returns the lines the tester refused
+// ("Protokoll" with ".N", or ".N"), which are also counted on the link.
+QList<QByteArray> WriteModemSettings(link::Link &link, const ModemSettings &settings);
+// "cfg!pgm", then `confirmationText`; a refused store is shown instead and false returned. When the
+// writes before it met refusals (`refusedBefore`), the user is asked first, with the refused lines
+// named, and nothing is stored on Cancel.
+bool StoreModemSettings(link::Link &link, link::Prompter &prompter, const QString &confirmationText,
+                        const QList<QByteArray> &refusedBefore = {});
 
 } // namespace kalvo::modem

@@ -116,8 +116,36 @@ TEST(CliConfigCommands, ModemSettingsGoToTheFiveStringRegistersAndAreStored)
                      QStringLiteral("0711 4711"), QStringLiteral("--tel2"), QString(),
                      QStringLiteral("--init"), QStringLiteral("AT&F"), QStringLiteral("--store")});
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-    const QStringList lines = sim.ReceivedBytes();
-    ASSERT_GE(lines.size(), 6);
-    EXPECT_EQ(lines.mid(lines.size() - 6), (QStringList{"str!121,\\r", "str!122,0711 4711\\r", "str!123,\\r",
-                                                        "str!124,\\r", "str!125,AT&F\\r", "cfg!pgm\\r"}));
+    // Nothing but the five writes and the store: the tester cannot be asked for the registers.
+    EXPECT_EQ(sim.ReceivedBytes(), (QStringList{"str!121,\\r", "str!122,0711 4711\\r", "str!123,\\r",
+                                                "str!124,\\r", "str!125,AT&F\\r", "cfg!pgm\\r"}));
+}
+
+// A write session that met a refusal stores nothing, whatever --store says, and ends with exit 1.
+TEST(CliConfigCommands, ARefusalInAWriteSessionIsNamedAndNothingIsStored)
+{
+    QTemporaryDir dir;
+    const QString cal = dir.filePath(QStringLiteral("t.cal"));
+    WriteFile(cal, "4:1,2\r\n5:3,4\r\n6:5,6\r\n");
+    const struct {
+        const char *fault;
+        QStringList words;
+        const char *named;
+        const char *notSent;
+    } cases[] = {
+        {"refuse:wer! 5", {"cal", "restore", cal, "--store"}, "wer! 5,3", "kal!pgm\\r"},
+        {"refusestore:wer! 5", {"--yes", "cal", "restore", cal, "--store"}, "wer! 5,3", "kal!pgm\\r"},
+        {"refuse:str!123", {"modem", "set", "--tel2", "1", "--store"}, "str!123,1", "cfg!pgm\\r"},
+        {"refusestore:cfg!pgm", {"modem", "set", "--store"}, "nicht gespeichert", nullptr},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.fault);
+        SimProcess sim({QStringLiteral("--fault"), QString::fromLatin1(c.fault)});
+        ASSERT_TRUE(sim.started());
+        const RunResult run = RunCli(sim, c.words);
+        EXPECT_EQ(run.exitCode, 1) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(QString::fromLatin1(c.named))) << run.err.toStdString();
+        if (c.notSent)
+            EXPECT_FALSE(sim.ReceivedBytes().contains(QString::fromLatin1(c.notSent)));
+    }
 }

@@ -2,6 +2,8 @@
 #include "config/Calibration.h"
 #include "config/CalibrationDiff.h"
 #include "link/Errors.h"
+#include "support/ScriptedPrompter.h"
+#include "support/ScriptedTransport.h"
 #include "support/SimBench.h"
 
 #include "support/TestFiles.h"
@@ -139,6 +141,13 @@ TEST(Calibration, MalformedOrMissingFileSendsNothing)
         {"no colon", "1:2,3\r\n2;4,5\r\n", 2},
         {"comma before colon", "1,2:3\r\n", 1},
         {"no number", "x:2,3\r\n", 1},
+        {"a value that is no number", "1:x,2\r\n", 1},
+        {"a second value that is no number", "0:1,2\r\n1:2,3,4\r\n", 2},
+        {"an empty value", "1:,2\r\n", 1},
+        {"entry 51", "0:1,2\r\n51:1,2\r\n", 2},
+        {"a negative entry", "-1:1,2\r\n", 1},
+        {"an entry too large for any number", "99999999999:1,2\r\n", 1},
+        {"a number with more behind it", "25-6:1,2\r\n", 1},
     };
     for (const auto &c : cases) {
         const QString path = dir.filePath(QStringLiteral("bad.cal"));
@@ -152,6 +161,19 @@ TEST(Calibration, MalformedOrMissingFileSendsNothing)
             EXPECT_TRUE(e.message().contains(QString::number(c.line))) << e.message().toStdString();
         }
         EXPECT_TRUE(s.Lines().isEmpty()) << c.name;
+    }
+    // Far larger than any backup: refused by its size, not read whole.
+    const QString huge = dir.filePath(QStringLiteral("huge.cal"));
+    WriteFile(huge, QByteArray(2 * 1024 * 1024, '\n'));
+    {
+        SimBench s;
+        try {
+            config::RestoreCalibration(s.link, s.prompter, huge, RestoreSource::MainForm);
+            ADD_FAILURE() << "a 2 MB file was read";
+        } catch (const link::FormatError &e) {
+            EXPECT_TRUE(e.message().contains(QString::number(2 * 1024 * 1024))) << e.message().toStdString();
+        }
+        EXPECT_TRUE(s.Lines().isEmpty());
     }
     SimBench s;
     EXPECT_THROW(config::RestoreCalibration(s.link, s.prompter, dir.filePath(QStringLiteral("none.cal")),
@@ -228,4 +250,123 @@ TEST(Calibration, DiffListsChangedEntriesWithTheirRelativeChange)
     EXPECT_EQ(config::DescribeDifference(diff[0]), QStringLiteral("0: b 1.0000 -> 1.0100 (+1.00 %)"));
     EXPECT_EQ(config::DescribeDifference(diff[1]), QStringLiteral("1: a 0 -> 4, b 2000 -> 1900 (-5.00 %)"));
     EXPECT_TRUE(config::DiffCalibration(a, a).isEmpty());
+}
+
+namespace {
+
+// A backup from a tester that answers "kal? n" with `answerFor(n)`.
+struct ScriptedBackup {
+    link::ManualClock clock;
+    kalvo::testing::ScriptedTransport transport{clock};
+    kalvo::testing::ScriptedPrompter prompter;
+    link::Link link{transport, prompter, clock};
+
+    explicit ScriptedBackup(const std::function<QByteArray(int)> &answerFor, int entries = 51)
+    {
+        for (int n = 0; n < entries; ++n)
+            transport.Expect("kal? " + QByteArray::number(n) + '\r').Reply(answerFor(n));
+    }
+};
+
+} // namespace
+
+TEST(Calibration, BackupTakesTheAnswerFormsATesterMayUseAndKeepsTheirTexts)
+{
+    const struct {
+        const char *name;
+        std::function<QByteArray(int)> answer;
+        QByteArray line25;
+    } cases[] = {
+        {"upper-case echo",
+         [](int n) {
+             return "KAL? " + QByteArray::number(n) + ";" + QByteArray::number(n) + ":0,1.0000.Y\r\n\x11";
+         },
+         "25:0,1.0000"},
+        {"no echo, signed values", [](int n) { return ";" + QByteArray::number(n) + ":-12,+0.99987.Y\x11"; },
+         "25:-12,+0.99987"},
+        {"blanks around the fields",
+         [](int n) {
+             return "kal? " + QByteArray::number(n) + "; " + QByteArray::number(n) + ": 3 , 1.5E-3 .Y\x11";
+         },
+         " 25: 3 , 1.5E-3 "},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("t.cal"));
+        ScriptedBackup s(c.answer);
+        const QList<QByteArray> lines = config::BackupCalibration(s.link, s.prompter, path);
+        ASSERT_EQ(lines.size(), 51);
+        EXPECT_EQ(lines[25], c.line25);
+        EXPECT_EQ(ReadFile(path).split('\n').value(25), c.line25 + '\r');
+        // What was saved can be restored.
+        EXPECT_EQ(config::ReadCalibrationFile(path, RestoreSource::ServiceForm).size(), 51);
+    }
+}
+
+TEST(Calibration, AnAnswerThatCouldNotBeRestoredKeepsThePreviousBackup)
+{
+    const struct {
+        const char *name;
+        QByteArray answer25;
+    } cases[] = {
+        {"a dash for the colon", "kal? 25;25-6,0.9993.Y\x11"},
+        {"another entry's number", "kal? 25;26:6,0.9993.Y\x11"},
+        {"a value that is no number", "kal? 25;25:6,0.99x3.Y\x11"},
+        {"one value only", "kal? 25;25:6.Y\x11"},
+        {"no \".Y\"", "kal? 25;25:6,0.9993\x11"},
+        {"a refusal", "kal? 25 Protokoll .N\x11"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("t.cal"));
+        const QByteArray previous = "0:1,2\r\nold\r\n";
+        WriteFile(path, previous);
+        ScriptedBackup s(
+            [&](int n) {
+                return n == 25 ? c.answer25
+                               : "kal? " + QByteArray::number(n) + ";" + QByteArray::number(n) + ":0,1.Y\x11";
+            },
+            26);
+        try {
+            config::BackupCalibration(s.link, s.prompter, path);
+            ADD_FAILURE() << "the backup was written";
+        } catch (const link::FormatError &e) {
+            EXPECT_TRUE(e.message().contains(QStringLiteral("kal? 25"))) << e.message().toStdString();
+        }
+        EXPECT_EQ(ReadFile(path), previous);
+        EXPECT_TRUE(s.transport.allExpectationsMet());
+    }
+}
+
+TEST(Calibration, ARefusedWriteIsNamedInTheQuestionAndNothingIsStoredWithoutAYes)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("x.cal"));
+    WriteFile(path, "3:5,1.0500\r\n4:6,1.0600\r\n5:7,1.0700\r\n");
+    const struct {
+        const char *fault;
+        const char *named;
+    } cases[] = {{"refuse:wer! 4", "\"wer! 4,6\", \"wer! 4,1.0600\""},
+                 {"refusestore:wer! 4", "\"wer! 4,6\", \"wer! 4,1.0600\""}};
+    for (const auto &c : cases) {
+        for (const bool agree : {false, true}) {
+            SCOPED_TRACE(std::string(c.fault) + (agree ? " yes" : " no"));
+            SimBench s;
+            s.tester.faults().add(QString::fromLatin1(c.fault));
+            s.prompter.confirmAnswers = {agree};
+            const auto result = config::RestoreCalibration(s.link, s.prompter, path, RestoreSource::MainForm);
+            // The session goes on after the refusal: entry 5 is written too.
+            EXPECT_EQ(result.entriesWritten, 3);
+            EXPECT_EQ(result.refused, (QList<QByteArray>{"wer! 4,6", "wer! 4,1.0600"}));
+            const QStringList asked = s.prompter.calls.filter(QStringLiteral("confirm:"));
+            ASSERT_EQ(asked.size(), 1);
+            EXPECT_TRUE(asked[0].contains(QString::fromLatin1(c.named))) << asked[0].toStdString();
+            EXPECT_TRUE(asked[0].endsWith(config::kStoreQuestion));
+            EXPECT_EQ(s.Lines().contains("kal!pgm\r"), agree);
+            EXPECT_EQ(result.stored, agree);
+            EXPECT_EQ(s.Lines().last(), QByteArray("kal!aus\r"));
+        }
+    }
 }

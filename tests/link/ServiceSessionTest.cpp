@@ -19,8 +19,14 @@ TEST(ServiceSession, CommandsComeInTheFixedOrderAndTheRestartEndsWithALoneEot)
         bool stored;
     } cases[] = {
         {"configuration with restart", StoreCommand::Configuration, true, "cfg!pgm .Y\x11", true},
+        {"upper-case echo", StoreCommand::Configuration, false, "CFG!PGM.Y\r\n\x11", true},
         {"refused configuration", StoreCommand::Configuration, true, "cfg!pgm .Nx\x11", false},
+        {"configuration refused with .N", StoreCommand::Configuration, false, "cfg!pgm .N\x11", false},
+        {"configuration refused as a protocol error", StoreCommand::Configuration, false,
+         "cfg!pgm Protokoll .N\x11", false},
+        {"configuration answered with neither", StoreCommand::Configuration, false, "cfg!pgm ?\x11", false},
         {"calibration", StoreCommand::Calibration, false, "kal!pgm .Y\x11", true},
+        {"refused calibration", StoreCommand::Calibration, false, "kal!pgm .Nx\x11", false},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -37,14 +43,18 @@ TEST(ServiceSession, CommandsComeInTheFixedOrderAndTheRestartEndsWithALoneEot)
         const bool stored =
             RunServiceSession(s.link, s.prompter, c.store, c.restart, [&] { s.link.Exchange("var!D3 1"); });
         EXPECT_EQ(stored, c.stored);
+        // Not stored is a refusal, counted once however the tester said it.
+        EXPECT_EQ(s.link.refusals(), c.stored ? 0 : 1);
         EXPECT_TRUE(s.transport.allExpectationsMet());
-        EXPECT_EQ(s.clock.now(), s.transport.writes().back().at); // nothing waited for after the last write
+        if (c.restart) // the lone EOT is not waited behind
+            EXPECT_EQ(s.clock.now(), s.transport.writes().back().at);
         if (c.stored) {
             EXPECT_TRUE(s.prompter.messages.empty());
         } else {
-            ASSERT_EQ(s.prompter.messages.size(), 1u);
-            EXPECT_EQ(s.prompter.messages[0].text,
-                      QStringLiteral("Die Konfiguration konnten nicht gespeichert werden"));
+            ASSERT_FALSE(s.prompter.messages.empty());
+            EXPECT_EQ(s.prompter.messages.back().text, c.store == StoreCommand::Configuration
+                                                           ? kConfigurationNotStoredText
+                                                           : kCalibrationNotStoredText);
         }
     }
 }

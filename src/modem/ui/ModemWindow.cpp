@@ -72,9 +72,9 @@ void ModemWindow::SetBusy(bool busy)
 void ModemWindow::SendSettings()
 {
     const ModemSettings settings{m_tel1->text(), m_tel2->text(), m_init->text()};
-    m_device.Post([settings](link::Link &link) {
+    m_device.Post([this, settings](link::Link &link) {
         if (!link.PortClosed())
-            WriteModemSettings(link, settings);
+            m_refused = WriteModemSettings(link, settings);
     });
 }
 
@@ -82,7 +82,7 @@ void ModemWindow::Store()
 {
     m_device.Post([this, text = m_storedText](link::Link &link) {
         if (!link.PortClosed())
-            StoreModemSettings(link, m_prompter, text);
+            StoreModemSettings(link, m_prompter, text, m_refused);
     });
 }
 

@@ -37,6 +37,8 @@ private:
     shell::ui::DeviceThread &m_device;
     link::Prompter &m_prompter;
     QString m_storedText;
+    // What the tester refused of the last settings sent; read and written on the device thread only.
+    QList<QByteArray> m_refused;
     QLineEdit *m_tel1, *m_tel2, *m_init;
     QLabel *m_tel1Label, *m_tel2Label, *m_initLabel;
     QPushButton *m_ok, *m_store, *m_cancel;
