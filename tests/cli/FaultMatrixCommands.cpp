@@ -39,89 +39,54 @@ QString IdentifyResults(const QString &out)
     return results.join(QLatin1Char('\n'));
 }
 
-MatrixCommand Command(const QString &id, const QStringList &arguments)
+QStringList Split(const char *text)
 {
-    MatrixCommand command;
-    command.id = id;
-    command.arguments = arguments;
-    command.results = Unchanged;
-    return command;
+    return QString::fromUtf8(text).split(QLatin1Char('|'), Qt::SkipEmptyParts);
 }
 
 QList<MatrixCommand> BuildCommands()
 {
+    const struct {
+        const char *id;
+        const char *arguments; // separated by "|"
+        const char *writes;    // the files the command writes, separated by "|"
+        bool changesTester;
+    } table[] = {
+        {"identify", "identify", "", false},
+        {"clock", "clock", "", false},
+        {"name", "name|NEU-1", "", true},
+        {"records_count", "records|count", "", false},
+        {"records_read_all", "records|read-all|alle.txt", "alle.txt", false},
+        {"records_current", "records|current|aktuell.txt", "aktuell.txt", false},
+        {"records_list", "records|list", "proto.txt", false},
+        {"kym_read", "kym|read|kym.txt", "kym.txt|bin/log.tmp", false},
+        {"cal_backup", "cal|backup|sicher.cal", "sicher.cal", false},
+        {"cal_restore", "cal|restore|werte.cal|--store", "", true},
+        {"limits_set", "limits|set|kuschl|30|--store", "", true},
+        {"modem_set", "modem|set|--tel1|0711 4711|--store", "", true},
+        {"vars_read", "vars|read|VMITBEZ", "", false},
+        {"vars_dump", "vars|dump", "", false},
+        {"vars_store", "vars|store", "", true},
+    };
     QList<MatrixCommand> commands;
-    MatrixCommand identify = Command(QStringLiteral("identify"), {QStringLiteral("identify")});
-    identify.results = IdentifyResults;
-    commands << identify;
-
-    MatrixCommand clock = Command(QStringLiteral("clock"), {QStringLiteral("clock")});
-    clock.repeatable = false; // the tester's time and the PC's
-    commands << clock;
-
-    MatrixCommand name = Command(QStringLiteral("name"), {QStringLiteral("name"), QStringLiteral("NEU-1")});
-    name.changesTester = true;
-    commands << name;
-
-    commands << Command(QStringLiteral("records_count"),
-                        {QStringLiteral("records"), QStringLiteral("count")});
-
-    MatrixCommand readAll =
-        Command(QStringLiteral("records_read_all"),
-                {QStringLiteral("records"), QStringLiteral("read-all"), QStringLiteral("alle.txt")});
-    readAll.files = {{QStringLiteral("alle.txt"), kOldFile}};
-    commands << readAll;
-
-    MatrixCommand current =
-        Command(QStringLiteral("records_current"),
-                {QStringLiteral("records"), QStringLiteral("current"), QStringLiteral("aktuell.txt")});
-    current.files = {{QStringLiteral("aktuell.txt"), kOldFile}};
-    commands << current;
-
-    MatrixCommand list =
-        Command(QStringLiteral("records_list"), {QStringLiteral("records"), QStringLiteral("list")});
-    list.files = {{QStringLiteral("proto.txt"), kOldFile}};
-    commands << list;
-
-    MatrixCommand kym = Command(QStringLiteral("kym_read"),
-                                {QStringLiteral("kym"), QStringLiteral("read"), QStringLiteral("kym.txt")});
-    kym.simArguments = {QStringLiteral("--kym")};
-    kym.files = {{QStringLiteral("kym.txt"), kOldFile}, {QStringLiteral("bin/log.tmp"), kOldFile}};
-    commands << kym;
-
-    MatrixCommand backup =
-        Command(QStringLiteral("cal_backup"),
-                {QStringLiteral("cal"), QStringLiteral("backup"), QStringLiteral("sicher.cal")});
-    backup.files = {{QStringLiteral("sicher.cal"), kOldFile}};
-    commands << backup;
-
-    MatrixCommand restore =
-        Command(QStringLiteral("cal_restore"), {QStringLiteral("cal"), QStringLiteral("restore"),
-                                                QStringLiteral("werte.cal"), QStringLiteral("--store")});
-    restore.files = {{QStringLiteral("werte.cal"), CalibrationBackup()}};
-    restore.changesTester = true;
-    commands << restore;
-
-    MatrixCommand limits = Command(QStringLiteral("limits_set"),
-                                   {QStringLiteral("limits"), QStringLiteral("set"), QStringLiteral("kuschl"),
-                                    QStringLiteral("30"), QStringLiteral("--store")});
-    limits.changesTester = true;
-    commands << limits;
-
-    MatrixCommand modem = Command(QStringLiteral("modem_set"),
-                                  {QStringLiteral("modem"), QStringLiteral("set"), QStringLiteral("--tel1"),
-                                   QStringLiteral("0711 4711"), QStringLiteral("--store")});
-    modem.changesTester = true;
-    commands << modem;
-
-    commands << Command(QStringLiteral("vars_read"),
-                        {QStringLiteral("vars"), QStringLiteral("read"), QStringLiteral("VMITBEZ")});
-    commands << Command(QStringLiteral("vars_dump"), {QStringLiteral("vars"), QStringLiteral("dump")});
-
-    MatrixCommand store =
-        Command(QStringLiteral("vars_store"), {QStringLiteral("vars"), QStringLiteral("store")});
-    store.changesTester = true;
-    commands << store;
+    for (const auto &row : table) {
+        MatrixCommand command;
+        command.id = QString::fromLatin1(row.id);
+        command.arguments = Split(row.arguments);
+        for (const QString &file : Split(row.writes))
+            command.files.append({file, kOldFile});
+        command.changesTester = row.changesTester;
+        command.results = Unchanged;
+        if (command.id == QLatin1String("identify"))
+            command.results = IdentifyResults;
+        if (command.id == QLatin1String("clock"))
+            command.repeatable = false; // the tester's time and the PC's
+        if (command.id == QLatin1String("kym_read"))
+            command.simArguments = {QStringLiteral("--kym")};
+        if (command.id == QLatin1String("cal_restore"))
+            command.files = {{QStringLiteral("werte.cal"), CalibrationBackup()}}; // read, never written
+        commands << command;
+    }
     return commands;
 }
 
