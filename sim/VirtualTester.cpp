@@ -13,6 +13,8 @@ constexpr char kLF = '\n';
 constexpr char kEOT = '\x04';
 constexpr char kDC1 = '\x11';
 constexpr int kBitsPerByte = 10; // start bit, eight data bits, stop bit
+// Between the bursts of an odd answer: long enough for each to reach the reader on its own.
+constexpr link::Duration kBurstGap = std::chrono::milliseconds(20);
 // Looks like the start of another answer, so that junk which leaks into the next one shows.
 const QByteArray kJunk = "var?FF 5A.Y\r\n\x11\r\n>";
 } // namespace
@@ -77,17 +79,17 @@ void VirtualTester::HandleLine(const QByteArray &line, link::Duration at)
     }
     // A refused line is not carried out.
     if (fault == FaultKind::Refuse) {
-        Send(TesterModel::Refusal(line), earliest);
+        SendAnswer(TesterModel::Refusal(line), earliest);
         return;
     }
     if (fault == FaultKind::RefuseStore) {
-        Send(TesterModel::StoreRefusal(line), earliest);
+        SendAnswer(TesterModel::StoreRefusal(line), earliest);
         return;
     }
     // Every other fault spoils only the answer: the tester has done what the line asked.
     const TesterModel::Reply reply = m_model.Answer(line);
     m_restartArmed = reply.restartArmed;
-    QByteArray answer = reply.answer;
+    QByteArray answer = m_style == AnswerStyle::Odd ? OddAnswer(line, reply.answer) : reply.answer;
     if (fault) {
         switch (*fault) {
         case FaultKind::Silence: return;
@@ -96,7 +98,7 @@ void VirtualTester::HandleLine(const QByteArray &line, link::Duration at)
         case FaultKind::Garbage: answer = Garbage() + kDC1; break;
         case FaultKind::TrailingJunk: {
             // Junk in the same burst as the DC1: it is there as soon as the answer is.
-            const link::Duration end = Send(answer, earliest);
+            const link::Duration end = SendAnswer(answer, earliest);
             for (char byte : kJunk)
                 m_output.push_back({byte, end});
             return;
@@ -104,7 +106,7 @@ void VirtualTester::HandleLine(const QByteArray &line, link::Duration at)
         default: break;
         }
     }
-    const link::Duration end = Send(answer, earliest);
+    const link::Duration end = SendAnswer(answer, earliest);
     if (!reply.display.isEmpty())
         Send(reply.display, end + kDisplayDelay);
 }
@@ -118,6 +120,19 @@ link::Duration VirtualTester::Send(const QByteArray &bytes, link::Duration earli
     }
     m_outputFree = at;
     return at;
+}
+
+link::Duration VirtualTester::SendAnswer(const QByteArray &answer, link::Duration earliest)
+{
+    if (m_style != AnswerStyle::Odd)
+        return Send(answer, earliest);
+    link::Duration end = earliest;
+    bool first = true;
+    for (const QByteArray &burst : OddBursts(answer)) {
+        end = Send(burst, first ? earliest : end + kBurstGap);
+        first = false;
+    }
+    return end;
 }
 
 QByteArray VirtualTester::takeOutput(link::Duration until)
@@ -144,7 +159,9 @@ void VirtualTester::pushDisplay(const QByteArray &bytes)
 
 QByteArray VirtualTester::Garbage() const
 {
-    // The same garbage for the same exchange, run after run; never a DC1, never a "." of ".Y".
+    // The same garbage for the same exchange, run after run; never a DC1 and never a mark that an
+    // answer is taken apart at (the "." of ".Y", ":", ";", "=", ",", "$"), so that no reading
+    // rule can find a value in it.
     quint32 state = 0x9E3779B9u ^ static_cast<quint32>(m_exchanges * 2654435761u);
     const auto next = [&state] {
         state ^= state << 13;
@@ -156,7 +173,7 @@ QByteArray VirtualTester::Garbage() const
     const int length = 12 + static_cast<int>(next() % 20);
     while (bytes.size() < length) {
         const char byte = static_cast<char>(0x20 + next() % (0xFF - 0x20));
-        if (byte != '.')
+        if (!QByteArray(".:;=,$").contains(byte))
             bytes.append(byte);
     }
     return bytes;

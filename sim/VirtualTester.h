@@ -1,6 +1,7 @@
 // A tester on the far end of a serial line: takes bytes, answers lines, paced and with faults on demand.
 #pragma once
 
+#include "AnswerStyle.h"
 #include "FaultPlan.h"
 #include "TesterModel.h"
 #include "link/Clock.h"
@@ -44,6 +45,10 @@ public:
     // How long a restart keeps the tester from answering; lines that come meanwhile wait.
     void setRestartDelay(link::Duration delay) { m_restartDelay = delay; }
 
+    // Odd: every answer in another form the reading rules still take, cut into bursts.
+    void setStyle(AnswerStyle style) { m_style = style; }
+    AnswerStyle style() const { return m_style; }
+
     FaultPlan &faults() { return m_faults; }
     TesterModel &model() { return m_model; }
     const TesterModel &model() const { return m_model; }
@@ -65,12 +70,15 @@ private:
     void HandleLine(const QByteArray &line, link::Duration at);
     // Queues `bytes` to leave no earlier than `earliest`; returns when the last one arrives.
     link::Duration Send(const QByteArray &bytes, link::Duration earliest);
+    // An answer to a line: in one burst, or in the odd style's bursts.
+    link::Duration SendAnswer(const QByteArray &answer, link::Duration earliest);
     QByteArray Garbage() const;
 
     link::Clock &m_clock;
     TesterModel m_model;
     FaultPlan m_faults;
     int m_baud = 0;
+    AnswerStyle m_style = AnswerStyle::Plain;
     link::Duration m_restartDelay{};
 
     QByteArray m_line;

@@ -1,4 +1,5 @@
 // kalvo-sim: a virtual Kalvomer tester on a pseudo-terminal; prints the terminal's path and serves it.
+#include "AnswerStyle.h"
 #include "FaultPlan.h"
 #include "PtyHost.h"
 #include "VirtualTester.h"
@@ -23,6 +24,7 @@ void OnSignal(int)
 struct Options {
     int baud = 9600;
     QStringList faults;
+    sim::AnswerStyle style = sim::AnswerStyle::Plain;
     int language = 0;
     QByteArray name;
     bool kym = false;
@@ -45,6 +47,8 @@ void PrintUsage(std::FILE *to)
         "  --fault FAULT            spoil answers, repeatable: KIND[:COMMAND][@N][xCOUNT]\n"
         "                           KIND: %s\n"
         "                           e.g. silence:dis?  garbage@3  refuse:dis?x5\n"
+        "  --style STYLE            plain (default) or odd: other echoes, blanks, widths and\n"
+        "                           line ends that a tester may also answer in, in odd bursts\n"
         "  --language CODE          display language code 0..99 (default 0, deutsch)\n"
         "  --name NAME              the tester's name, at most 8 characters (default KALVO-01)\n"
         "  --kym                    the KYM accessory is switched on in front of the tester\n"
@@ -88,9 +92,9 @@ bool ParseOptions(const QStringList &args, Options &options, bool &help)
             options.noCurrent = true;
             continue;
         }
-        const QStringList valued = {"--baud",          "--fault",   "--language",
-                                    "--name",          "--log",     "--display-every",
-                                    "--restart-delay", "--records", "--kym-records"};
+        const QStringList valued = {"--baud",    "--fault",      "--language",      "--style",
+                                    "--name",    "--log",        "--display-every", "--restart-delay",
+                                    "--records", "--kym-records"};
         if (!valued.contains(arg))
             return Fail(QStringLiteral("unknown option \"%1\"").arg(arg));
         if (i + 1 >= args.size())
@@ -107,6 +111,12 @@ bool ParseOptions(const QStringList &args, Options &options, bool &help)
             if (!sim::FaultPlan::Parse(value, &error))
                 return Fail(error);
             options.faults << value;
+        } else if (arg == QLatin1String("--style")) {
+            const auto style = sim::ParseAnswerStyle(value);
+            if (!style)
+                return Fail(QStringLiteral("--style wants %1, not \"%2\"")
+                                .arg(sim::AnswerStyleNames().join(QStringLiteral(" or ")), value));
+            options.style = *style;
         } else if (arg == QLatin1String("--language")) {
             options.language = value.toInt(&ok);
             if (!ok || options.language < 0 || options.language > 99)
@@ -152,6 +162,7 @@ int main(int argc, char *argv[])
 
     sim::VirtualTester tester(link::SteadyClock::instance());
     tester.setBaud(options.baud);
+    tester.setStyle(options.style);
     tester.setRestartDelay(link::FromSeconds(options.restartDelay));
     tester.model().setLanguage(options.language);
     tester.model().setKymInFront(options.kym);

@@ -114,6 +114,7 @@ TEST(KalvoSim, RejectsBadOptionsWithAReason)
         {{QStringLiteral("--frobnicate")}, 2, "--frobnicate"},
         {{QStringLiteral("--records"), QStringLiteral("-1")}, 2, "--records"},
         {{QStringLiteral("--kym-records"), QStringLiteral("many")}, 2, "many"},
+        {{QStringLiteral("--style"), QStringLiteral("weird")}, 2, "plain or odd"},
         {{QStringLiteral("--help")}, 0, "--fault FAULT"},
     };
     for (const Case &c : cases) {
@@ -145,6 +146,7 @@ TEST(KalvoSim, RecordOptionsShapeTheStoreAndTheAccessory)
          "esr?",
          "esr?;0\r\n\x11"},
         {{}, "esr?", "esr? Protokoll .N\r\n\x11"},
+        {{QStringLiteral("--style"), QStringLiteral("odd")}, "prx?n", "PRX?N=   14\r\n\x11"},
     };
     for (const Case &c : cases) {
         RunningSim sim(QStringList{QStringLiteral("--baud"), QStringLiteral("0")} + c.args);

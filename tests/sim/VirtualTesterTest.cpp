@@ -184,6 +184,12 @@ TEST(VirtualTester, GarbageIsTheSameRunAfterRun)
     second.faults().add(QStringLiteral("garbage"));
     EXPECT_EQ(Ask(first, clock, "dis?"), Ask(second, clock, "dis?"));
     EXPECT_NE(Ask(first, clock, "dis?"), Ask(first, clock, "dis?")) << "each exchange has its own garbage";
+    // No reading rule may find a value in it: none of the marks answers are taken apart at.
+    for (int i = 0; i < 200; ++i) {
+        const QByteArray garbage = Ask(first, clock, "prx?n");
+        for (char mark : QByteArray(".:;=,$"))
+            EXPECT_FALSE(garbage.contains(mark)) << link::EscapeBytes(garbage).toStdString();
+    }
 }
 
 TEST(VirtualTester, VanishedLineTakesNothingMore)

@@ -58,10 +58,10 @@ QStringList SimProcess::ReceivedBytes() const
     return lines;
 }
 
-RunResult RunCli(const SimProcess &sim, const QStringList &arguments, const QString &workingDir)
+RunResult RunCli(const SimProcess &sim, const QStringList &arguments, const QString &workingDir, int seconds)
 {
     return RunProgram(QStringLiteral("kalvo-cli"),
-                      QStringList{QStringLiteral("--port"), sim.pty()} + arguments, 60, workingDir);
+                      QStringList{QStringLiteral("--port"), sim.pty()} + arguments, seconds, workingDir);
 }
 
 RunResult RunProgram(const QString &name, const QStringList &arguments, int seconds,
@@ -76,9 +76,11 @@ RunResult RunProgram(const QString &name, const QStringList &arguments, int seco
         process.kill();
         process.waitForFinished();
         result.err = QStringLiteral("did not finish in %1 s").arg(seconds);
+        result.hung = true;
         return result;
     }
-    result.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    result.crashed = process.exitStatus() != QProcess::NormalExit;
+    result.exitCode = result.crashed ? -1 : process.exitCode();
     result.out = QString::fromUtf8(process.readAllStandardOutput());
     result.err = QString::fromUtf8(process.readAllStandardError());
     return result;

@@ -38,12 +38,15 @@ struct RunResult {
     int exitCode = -1;
     QString out;
     QString err;
+    bool hung = false;    // killed after its time was up
+    bool crashed = false; // ended by a signal
 };
 
 // Runs a built program to its end (at most `seconds`).
 RunResult RunProgram(const QString &name, const QStringList &arguments, int seconds = 60,
                      const QString &workingDir = QString());
-// Runs kalvo-cli against the simulator's terminal ("--port" and its path go first).
-RunResult RunCli(const SimProcess &sim, const QStringList &arguments, const QString &workingDir = QString());
+// Runs kalvo-cli against the simulator's terminal ("--port" and its path go first), at most `seconds`.
+RunResult RunCli(const SimProcess &sim, const QStringList &arguments, const QString &workingDir = QString(),
+                 int seconds = 60);
 
 } // namespace kalvo::testing

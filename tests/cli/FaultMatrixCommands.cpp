@@ -1,0 +1,101 @@
+// The commands of the fault matrix: what each is run with, which files it keeps or reads, what it finds.
+#include "cli/FaultMatrix.h"
+
+#include <QRegularExpression>
+
+namespace kalvo::testing::matrix {
+
+namespace {
+
+const QByteArray kOldFile = "alte Datei, vor dem Lauf geschrieben\r\n";
+
+// A backup of 51 entries that differs from what the tester holds, so that a restore changes it.
+QByteArray CalibrationBackup()
+{
+    QByteArray text;
+    for (int n = 0; n <= 50; ++n)
+        text +=
+            QStringLiteral("%1:%2,%3\r\n").arg(n).arg(n % 7 - 3).arg(1.0 + n / 1000.0, 0, 'f', 4).toLatin1();
+    return text;
+}
+
+QString Unchanged(const QString &out)
+{
+    return out;
+}
+
+// identify shows the tester's texts as they came beside what it read from them; only what it read
+// counts (the identity answer with its echo, and a version date as the tester wrote it, do not).
+QString IdentifyResults(const QString &out)
+{
+    static const QRegularExpression version(QStringLiteral(R"(^(\w+): .* (\(\d{4}-\d\d-\d\d\))$)"));
+    QStringList results;
+    for (const QString &line : out.split(QLatin1Char('\n'))) {
+        if (line.startsWith(QLatin1String("identity:")))
+            continue;
+        const auto match = version.match(line);
+        results << (match.hasMatch() ? match.captured(1) + QLatin1Char(' ') + match.captured(2) : line);
+    }
+    return results.join(QLatin1Char('\n'));
+}
+
+QStringList Split(const char *text)
+{
+    return QString::fromUtf8(text).split(QLatin1Char('|'), Qt::SkipEmptyParts);
+}
+
+QList<MatrixCommand> BuildCommands()
+{
+    const struct {
+        const char *id;
+        const char *arguments; // separated by "|"
+        const char *writes;    // the files the command writes, separated by "|"
+        bool changesTester;
+    } table[] = {
+        {"identify", "identify", "", false},
+        {"clock", "clock", "", false},
+        {"name", "name|NEU-1", "", true},
+        {"records_count", "records|count", "", false},
+        {"records_read_all", "records|read-all|alle.txt", "alle.txt", false},
+        {"records_current", "records|current|aktuell.txt", "aktuell.txt", false},
+        {"records_list", "records|list", "proto.txt", false},
+        {"kym_read", "kym|read|kym.txt", "kym.txt|bin/log.tmp", false},
+        {"cal_backup", "cal|backup|sicher.cal", "sicher.cal", false},
+        {"cal_restore", "cal|restore|werte.cal|--store", "", true},
+        {"limits_set", "limits|set|kuschl|30|--store", "", true},
+        {"modem_set", "modem|set|--tel1|0711 4711|--store", "", true},
+        {"vars_read", "vars|read|VMITBEZ", "", false},
+        {"vars_dump", "vars|dump", "", false},
+        {"vars_store", "vars|store", "", true},
+    };
+    QList<MatrixCommand> commands;
+    for (const auto &row : table) {
+        MatrixCommand command;
+        command.id = QString::fromLatin1(row.id);
+        command.arguments = Split(row.arguments);
+        for (const QString &file : Split(row.writes))
+            command.files.append({file, kOldFile});
+        command.changesTester = row.changesTester;
+        command.results = Unchanged;
+        if (command.id == QLatin1String("identify"))
+            command.results = IdentifyResults;
+        if (command.id == QLatin1String("clock"))
+            command.repeatable = false; // the tester's time and the PC's
+        if (command.id == QLatin1String("kym_read"))
+            command.simArguments = {QStringLiteral("--kym")};
+        if (command.id == QLatin1String("cal_restore"))
+            command.files = {{QStringLiteral("werte.cal"), CalibrationBackup()}}; // read, never written
+        commands << command;
+    }
+    return commands;
+}
+
+} // namespace
+
+const QList<MatrixCommand> &MatrixCommands()
+{
+    static const QList<MatrixCommand> commands = BuildCommands();
+    return commands;
+}
+
+} // namespace kalvo::testing::matrix
