@@ -189,19 +189,6 @@ QList<CalibrationEntry> ParseEntries(const QString &path, const QList<QByteArray
 
 } // namespace
 
-namespace {
-
-// One line of the session; success is ".Y", anything with ".N" (or without ".Y") was refused.
-void WriteChecked(link::Link &link, const QByteArray &command)
-{
-    const link::RefusalWatch watch(link);
-    const QByteArray answer = link.Exchange(command);
-    if (!watch.refused() && (!answer.contains(".Y") || answer.contains(".N")))
-        link.NoteRefusal(command);
-}
-
-} // namespace
-
 QList<CalibrationEntry> ReadCalibrationFile(const QString &path, RestoreSource source)
 {
     return ParseEntries(path, FileLines(path), source);
@@ -224,7 +211,7 @@ RestoreResult RestoreCalibration(link::Link &link, link::Prompter &prompter, con
         showUpTo(entry.line);
         // Two writes to one entry: the first sets its first value, the second its second.
         for (const QByteArray &value : {entry.first, entry.second})
-            WriteChecked(link, "wer!" + entry.number + ',' + value);
+            link::SendSetting(link, "wer!" + entry.number + ',' + value);
         ++result.entriesWritten;
     }
     showUpTo(static_cast<int>(lines.size()));
@@ -234,7 +221,7 @@ RestoreResult RestoreCalibration(link::Link &link, link::Prompter &prompter, con
                                  : QStringLiteral("Abgelehnt: %1\n%2").arg(watch.Describe(), kStoreQuestion);
     if (prompter.confirm(question))
         result.stored = link::StoreChanges(link, prompter, link::StoreCommand::Calibration);
-    link.Exchange("kal!aus");
+    link::SendSetting(link, "kal!aus");
     return result;
 }
 

@@ -94,12 +94,8 @@ int ReadLimit(link::Link &link, LimitKind kind)
 
 bool WriteLimit(link::Link &link, link::Prompter &prompter, LimitKind kind, int value)
 {
-    const QByteArray command = LimitWriteCommand(kind, value);
-    const link::RefusalWatch watch(link);
-    if (!link.Exchange(command).contains(".N"))
+    if (link::SendSetting(link, LimitWriteCommand(kind, value)))
         return true;
-    if (!watch.refused())
-        link.NoteRefusal(command);
     prompter.message(kLimitRefusedText, link::Prompter::Icon::Warning);
     return false;
 }

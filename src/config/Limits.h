@@ -40,7 +40,8 @@ int LimitValueFromAnswer(LimitKind kind, const QByteArray &answer);
 QString LimitLabel(LimitKind kind, int value);
 
 int ReadLimit(link::Link &link, LimitKind kind);
-// Sends the write command; an answer with ".N" shows "Grenzwerteingabe falsch" and gives false.
+// Sends the write command; an answer that is not ".Y" (a refusal, ".N", garbage) shows
+// "Grenzwerteingabe falsch" and gives false.
 // The value is not checked here: the tester judges it.
 bool WriteLimit(link::Link &link, link::Prompter &prompter, LimitKind kind, int value);
 // "cfg!pgm"; a ".Nx" answer is shown and false returned.

@@ -6,17 +6,8 @@
 
 namespace kalvo::link {
 
-void OpenServiceSession(Link &link)
+bool SendSetting(Link &link, const QByteArray &command)
 {
-    link.Exchange("idn!99");
-    link.Exchange("kal!ein");
-}
-
-bool StoreChanges(Link &link, Prompter &prompter, StoreCommand store)
-{
-    if (store == StoreCommand::None)
-        return true;
-    const QByteArray command = store == StoreCommand::Calibration ? "kal!pgm" : "cfg!pgm";
     const RefusalWatch watch(link);
     const QByteArray answer = link.Exchange(command);
     if (answer.contains(".Y") && !answer.contains(".N"))
@@ -24,6 +15,21 @@ bool StoreChanges(Link &link, Prompter &prompter, StoreCommand store)
     // A "Protokoll" refusal has been counted by the link already.
     if (!watch.refused())
         link.NoteRefusal(command);
+    return false;
+}
+
+void OpenServiceSession(Link &link)
+{
+    SendSetting(link, "idn!99");
+    SendSetting(link, "kal!ein");
+}
+
+bool StoreChanges(Link &link, Prompter &prompter, StoreCommand store)
+{
+    if (store == StoreCommand::None)
+        return true;
+    if (SendSetting(link, store == StoreCommand::Calibration ? "kal!pgm" : "cfg!pgm"))
+        return true;
     prompter.message(store == StoreCommand::Configuration ? kConfigurationNotStoredText
                                                           : kCalibrationNotStoredText,
                      Prompter::Icon::Warning);

@@ -15,7 +15,11 @@ enum class StoreCommand {
     Configuration, // "cfg!pgm": configuration bits, permanently
 };
 
-// "idn!99", then "kal!ein".
+// One line of a write session: success is ".Y" without ".N". Anything else (".N", ".Nx", a
+// "Protokoll" refusal, an answer without ".Y") is counted as a refusal and false returned, so that
+// nothing is stored after it without asking.
+bool SendSetting(Link &link, const QByteArray &command);
+// "idn!99", then "kal!ein", each judged by SendSetting.
 void OpenServiceSession(Link &link);
 // Sends the store command. Stored only when the tester says ".Y" and refuses nothing: any ".N"
 // (".Nx" included) or an answer without ".Y" is "not stored", counted as a refusal, shown to the

@@ -32,12 +32,8 @@ QList<QByteArray> ModemCommands(const ModemSettings &settings)
 QList<QByteArray> WriteModemSettings(link::Link &link, const ModemSettings &settings)
 {
     const link::RefusalWatch watch(link);
-    for (const QByteArray &command : ModemCommands(settings)) {
-        const int before = link.refusals();
-        // The answers are not judged further: an echo with or without ".Y" is taken as done.
-        if (link.Exchange(command).contains(".N") && link.refusals() == before)
-            link.NoteRefusal(command);
-    }
+    for (const QByteArray &command : ModemCommands(settings))
+        link::SendSetting(link, command);
     return watch.commands();
 }
 

@@ -24,7 +24,7 @@ constexpr int kStringRegisters = 5;
 // "str!121," ... "str!125,", entry i behind register 120 + i; entries 1 and 4 stay empty.
 QList<QByteArray> ModemCommands(const ModemSettings &settings);
 // Sends the five commands in order, each answer received. Returns the lines the tester refused
-// ("Protokoll" with ".N", or ".N"), which are also counted on the link.
+// (any answer that is not ".Y" without ".N"), which are also counted on the link.
 QList<QByteArray> WriteModemSettings(link::Link &link, const ModemSettings &settings);
 // "cfg!pgm", then `confirmationText`; a refused store is shown instead and false returned. When the
 // writes before it met refusals (`refusedBefore`), the user is asked first, with the refused lines

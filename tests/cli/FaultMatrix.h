@@ -17,6 +17,10 @@ namespace kalvo::testing::matrix {
 struct KeptFile {
     QString name; // in the run's working folder, or beside the program with the prefix "bin/"
     QByteArray before;
+    // The line (as logged) whose answer completes this file within a longer command: a fault
+    // after it may leave the file as the clean run wrote it (the accessory's log.tmp is complete
+    // once its stream has come, before the record file is stored).
+    QString completeAfter = {};
 };
 
 // One kalvo-cli command of the matrix.

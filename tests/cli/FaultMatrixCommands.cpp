@@ -81,8 +81,10 @@ QList<MatrixCommand> BuildCommands()
             command.results = IdentifyResults;
         if (command.id == QLatin1String("clock"))
             command.repeatable = false; // the tester's time and the PC's
-        if (command.id == QLatin1String("kym_read"))
+        if (command.id == QLatin1String("kym_read")) {
             command.simArguments = {QStringLiteral("--kym")};
+            command.files[1].completeAfter = QStringLiteral("wer?\\r");
+        }
         if (command.id == QLatin1String("cal_restore"))
             command.files = {{QStringLiteral("werte.cal"), CalibrationBackup()}}; // read, never written
         commands << command;

@@ -83,6 +83,11 @@ Expectation Expect(const MatrixCommand &command, const QString &fault, const Pos
         port.remove(QRegularExpression(QStringLiteral("^/dev/")));
         return {{3}, {QStringLiteral("Kein Kalvomer gefunden"), port}};
     }
+    // ".Nx" without "Protokoll" is no refusal the link reports; to a line whose answer is not
+    // looked at it may pass, unless a write session would store after it.
+    if (fault == QLatin1String("refusestore") && KindOf(position.line) == LineKind::Unexamined &&
+        !(command.changesTester && BeforeStore(position, clean.sent)))
+        return {{0, 1}, whatWentWrong};
     if (fault == QLatin1String("refuse") || fault == QLatin1String("refusestore"))
         return {{1}, whatWentWrong};
     // Behind the terminator nothing counts: the run is the clean one.
@@ -107,8 +112,17 @@ QString Codes(const QList<int> &codes)
     return texts.join(QStringLiteral(" or "));
 }
 
+// Whether the fault hits a line after the one that completes `file` in the clean run.
+bool AfterCompletion(const KeptFile &file, const Position *position, const Outcome &clean)
+{
+    if (!position || file.completeAfter.isEmpty())
+        return false;
+    const qsizetype completed = clean.sent.indexOf(file.completeAfter);
+    return completed >= 0 && completed < position->exchange - 1;
+}
+
 QStringList Check(const MatrixCommand &command, const Expectation &expected, const Outcome &clean,
-                  const Outcome &run)
+                  const Outcome &run, const Position *position = nullptr)
 {
     if (!run.failedToStart.isEmpty())
         return {run.failedToStart};
@@ -130,7 +144,8 @@ QStringList Check(const MatrixCommand &command, const Expectation &expected, con
         const QByteArray after = run.files.value(file.name);
         if (exit == 0 && after != clean.files.value(file.name))
             broken << QStringLiteral("%1 is not what the clean run wrote").arg(file.name);
-        else if (exit != 0 && after != file.before)
+        else if (exit != 0 && after != file.before &&
+                 !(AfterCompletion(file, position, clean) && after == clean.files.value(file.name)))
             broken << QStringLiteral("%1 changed although the run failed").arg(file.name);
     }
     if (exit == 0 && command.repeatable && command.results(run.run.out) != command.results(clean.run.out))
@@ -160,7 +175,7 @@ bool IsStoreLine(const QString &logged)
 QStringList Judge(const MatrixCommand &command, const QString &fault, const Position &position,
                   const Outcome &clean, const Outcome &run)
 {
-    QStringList broken = Check(command, Expect(command, fault, position, clean, run), clean, run);
+    QStringList broken = Check(command, Expect(command, fault, position, clean, run), clean, run, &position);
     // Nothing is stored after a refused or spoiled answer in a session that changes the tester.
     if (command.changesTester && fault != QLatin1String("trailingjunk")) {
         for (int i = position.exchange; i < run.sent.size(); ++i) {
