@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QFile>
+#include <QLabel>
 #include <QTextBrowser>
 
 using namespace kalvo;
@@ -56,6 +57,12 @@ TEST_F(MainWindowFlowsTest, NamingIdentifiesFirstThenRefusesNineAndStoresEight)
     Trigger("Taufe");
     EXPECT_EQ(LinesSince(before),
               (QList<QByteArray>{"dis?\r", "ver?\r", "idn?\r", "kal!aus\r", "idn!1,PRUEF-3\r", "cfg!pgm\r"}));
+    // What the window shows afterwards is the tester's new name, not the one identification read.
+    EXPECT_TRUE(WaitUntil([&] { return window.windowTitle().contains(QStringLiteral("PRUEF-3")); }))
+        << window.windowTitle().toStdString();
+    EXPECT_TRUE(
+        window.findChild<QLabel *>(QStringLiteral("identity"))->text().contains(QStringLiteral("PRUEF-3")));
+    EXPECT_EQ(window.identity().shortDesignation, QByteArray("PRUEF-3"));
 }
 
 TEST_F(MainWindowFlowsTest, ARefusedConfigurationStoreIsReported)

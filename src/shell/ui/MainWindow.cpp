@@ -328,9 +328,12 @@ void MainWindow::NameTester()
     // The device thread gets its own copy of the texts: the window may switch language meanwhile.
     auto texts = std::make_shared<const LanguageTable>(m_texts);
     PostChecked([this, options, texts](link::Link &link) {
-        const link::TesterIdentity identity = link::IdentifyTester(link, options);
-        OnWindow([this, identity] { ShowIdentity(m_connection, identity); });
-        shell::NameTester(link, *m_prompter, *texts);
+        const auto show = [this](const link::TesterIdentity &identity) {
+            OnWindow([this, identity] { ShowIdentity(m_connection, identity); });
+        };
+        const Naming naming = shell::NameTester(link, *m_prompter, *texts, options, std::nullopt, show);
+        if (naming.result == NamingResult::Sent)
+            show(naming.identity);
     });
 }
 
