@@ -78,9 +78,11 @@ bool ToggleRegisterSwitch(link::Link &link, RegisterSwitch which, bool checked)
     return !checked;
 }
 
-void ResetD3(link::Link &link)
+bool ResetD3(link::Link &link)
 {
+    const link::RefusalWatch watch(link);
     link.Exchange("var!D3,0");
+    return !watch.refused();
 }
 
 } // namespace kalvo::config

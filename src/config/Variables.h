@@ -49,6 +49,7 @@ enum class RegisterSwitch {
 // Off → sends "var!XX 1", on → "var!XX 0"; returns the new check state. The answer is not judged.
 bool ToggleRegisterSwitch(link::Link &link, RegisterSwitch which, bool checked);
 // "var!D3,0": the reset of D3 writes with a comma where the switch writes with a blank.
-void ResetD3(link::Link &link);
+// False when the tester refused it.
+bool ResetD3(link::Link &link);
 
 } // namespace kalvo::config

@@ -3,9 +3,9 @@
 
 namespace kalvo::shell {
 
-const std::array<TextDefault, 77> &TextDefaults()
+const std::array<TextDefault, 78> &TextDefaults()
 {
-    static const std::array<TextDefault, 77> kDefaults = {{
+    static const std::array<TextDefault, 78> kDefaults = {{
         {TxtPortNotOpen, "port not open",
          "Die Schnittstelle ist nicht geöffnet. Bitte unter Einstellungen die Schnittstelle wählen und mit "
          "OK "
@@ -88,6 +88,7 @@ const std::array<TextDefault, 77> &TextDefaults()
         {TxtServiceStoreConfiguration, "service store configuration", "Konfiguration speichern"},
         {TxtServiceBackupCalibration, "service back up calibration", "Kalibrierwerte sichern"},
         {TxtServiceVariables, "service variables", "Variablen"},
+        {TxtServiceResetD3, "service reset d3", "Register D3 zurücksetzen"},
     }};
     return kDefaults;
 }

@@ -88,6 +88,7 @@ enum TextId : int {
     TxtServiceStoreConfiguration = 76,
     TxtServiceBackupCalibration = 77,
     TxtServiceVariables = 78,
+    TxtServiceResetD3 = 79,
 };
 
 struct TextDefault {
@@ -97,6 +98,6 @@ struct TextDefault {
 };
 
 // Every row the program uses, in row order.
-const std::array<TextDefault, 77> &TextDefaults();
+const std::array<TextDefault, 78> &TextDefaults();
 
 } // namespace kalvo::shell

@@ -99,6 +99,7 @@ constexpr TextId kCaptionsInHelp[] = {
     TxtServiceStoreConfiguration,
     TxtServiceBackupCalibration,
     TxtServiceVariables,
+    TxtServiceResetD3,
 };
 
 // A page as the reader sees its words: runs of white space count as one blank.

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -154,4 +155,29 @@ TEST_F(ConfigWindowsTest, TheServiceFormListsVariablesDumpsAndBacksUpAndRestores
     EXPECT_TRUE(m_dialogs.messages.contains(QStringLiteral("speichern??")));
     service->resize(900, 600);
     Screenshot(*service, QStringLiteral("service-calibration-restored"));
+}
+
+TEST_F(ConfigWindowsTest, TheServiceFormResetsRegisterD3AndTheMainSwitchFollows)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    auto *mitBez = window.findChild<QAction *>(QStringLiteral("mitBez"));
+    ASSERT_TRUE(mitBez->isChecked()); // D3 holds 1 in the virtual tester
+    window.findChild<QAction *>(QStringLiteral("english"))->trigger();
+    window.findChild<QAction *>(QStringLiteral("service"))->trigger();
+    QWidget *service = TopLevel("test");
+    ASSERT_NE(service, nullptr);
+    auto *reset = service->findChild<QAction *>(QStringLiteral("resetD3"));
+    ASSERT_NE(reset, nullptr);
+    EXPECT_EQ(reset->text(), QStringLiteral("Reset register D3"));
+    const qsizetype before = LinesSince(0).size();
+    Trigger(*service, "resetD3");
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"var!D3,0\r"}));
+    EXPECT_TRUE(WaitUntil([&] { return !mitBez->isChecked(); }));
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('\n').toStdString();
+
+    auto *menu = service->findChild<QMenu *>(QStringLiteral("konfigurationMenu"));
+    menu->popup(service->mapToGlobal(QPoint(120, 20)));
+    Screenshot(*menu, QStringLiteral("service-configuration-menu"));
+    menu->hide();
 }

@@ -121,3 +121,21 @@ TEST_F(MainWindowFlowsTest, ExitEndsTheProgram)
                               Qt::QueuedConnection);
     EXPECT_EQ(QApplication::exec(), 0);
 }
+
+TEST_F(MainWindowFlowsTest, OpeningTheServiceFormEndsTheDevelopmentTerminal)
+{
+    auto &window = Open({QStringLiteral("--simulate"), QStringLiteral("/Entw")});
+    auto *terminal = window.findChild<QAction *>(QStringLiteral("Entw"));
+    terminal->trigger();
+    ASSERT_TRUE(terminal->isChecked());
+    // In development-terminal mode connecting only wakes the tester.
+    ASSERT_TRUE(ConnectToSimulator());
+    EXPECT_FALSE(LinesSince(0).contains("mes!0\r"));
+
+    Trigger("service");
+    EXPECT_FALSE(terminal->isChecked());
+    const qsizetype before = LinesSince(0).size();
+    ASSERT_TRUE(ConnectToSimulator());
+    const QList<QByteArray> lines = LinesSince(before);
+    EXPECT_TRUE(lines.contains("mes!0\r") && lines.contains("var?D3\r")) << lines.join(' ').toStdString();
+}

@@ -12,6 +12,7 @@
 #include <QLocale>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 #include <QSet>
 
 using namespace kalvo;
@@ -170,4 +171,13 @@ TEST_F(MainWindowTest, ALanguageFileOfTooManyRowsIsReportedAndChangesNothing)
         << m_dialogs.messages.last().toStdString();
     EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
               QStringLiteral("Einstellungen"));
+}
+
+TEST_F(MainWindowTest, ThePrompterGoesWithTheWindow)
+{
+    auto &window = Open();
+    const QPointer<shell::ui::GuiPrompter> prompter = window.findChild<shell::ui::GuiPrompter *>();
+    ASSERT_FALSE(prompter.isNull()) << "the window's prompter has no owner";
+    m_window.reset();
+    EXPECT_TRUE(prompter.isNull());
 }

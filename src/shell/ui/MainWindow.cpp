@@ -3,6 +3,7 @@
 
 #include "ConfigFrame.h"
 #include "HelpWindow.h"
+#include "LanguageMenu.h"
 #include "RemoteDisplay.h"
 #include "ServiceWindow.h"
 #include "SettingsFrame.h"
@@ -31,21 +32,6 @@ namespace kalvo::shell::ui {
 namespace {
 const QString kTitle = QStringLiteral("kalvo");
 constexpr int kExitNoAnswer = 3;
-
-struct LanguageEntry {
-    const char *objectName;
-    const char *caption; // each language by its own name
-    const char *language;
-};
-const LanguageEntry kLanguageEntries[] = {
-    {"deutsch", "Deutsch", "deutsch"},
-    {"english", "English", "englisch"},
-    {"france", "Français", "französisch"},
-    {"italiano", "Italiano", "italienisch"},
-    {"nederlandske", "Nederlands", "nederlandske"},
-    {"spain", "Español", "spain"},
-    {"tschech", "Čeština", "tschechisch"},
-};
 } // namespace
 
 MainWindow::MainWindow(const Startup &startup, QWidget *parent)
@@ -142,16 +128,9 @@ void MainWindow::BuildMenus()
     m_recordsAction = action(nullptr, "protokolle", &MainWindow::OpenRecords);
     m_serviceAction = action(nullptr, "service", &MainWindow::OpenService);
 
-    m_languageMenu = menuBar()->addMenu(QString());
-    m_languageMenu->setObjectName(QStringLiteral("sprache"));
-    for (const LanguageEntry &entry : kLanguageEntries) {
-        QAction *a = m_languageMenu->addAction(QString::fromUtf8(entry.caption));
-        a->setObjectName(QString::fromLatin1(entry.objectName));
-        a->setCheckable(true);
-        const QString language = QString::fromUtf8(entry.language);
-        connect(a, &QAction::triggered, this, [this, language] { SetLanguage(language); });
-        m_languageActions << a;
-    }
+    m_languageMenu = new LanguageMenu(this);
+    menuBar()->addMenu(m_languageMenu);
+    connect(m_languageMenu, &LanguageMenu::chosen, this, &MainWindow::SetLanguage);
     m_helpMenu = menuBar()->addMenu(QString());
     m_helpMenu->setObjectName(QStringLiteral("hilfeMenu"));
     m_helpContents = action(m_helpMenu, "Inhalt", &MainWindow::ShowHelp);
@@ -208,9 +187,7 @@ void MainWindow::ApplyTexts()
     m_infoAction->setText(m_texts.text(TxtMenuInfo));
     m_exitAction->setText(m_texts.text(TxtMenuExit));
     m_developmentAction->setText(m_texts.text(TxtMenuDevelopment));
-    for (qsizetype i = 0; i < m_languageActions.size(); ++i)
-        m_languageActions[i]->setChecked(QString::fromUtf8(kLanguageEntries[i].language) ==
-                                         m_texts.language());
+    m_languageMenu->ShowChosen(m_texts.language());
     m_settings->ApplyTexts(m_texts);
     m_config->ApplyTexts(m_texts);
     m_display->setTitle(m_texts.text(TxtLabelDisplay));
@@ -340,12 +317,16 @@ void MainWindow::NameTester()
 void MainWindow::OpenService()
 {
     if (!m_service) {
-        m_service = new ServiceWindow(*m_device, *m_prompter, m_texts);
-        m_service->setAttribute(Qt::WA_DeleteOnClose);
-        connect(m_service, &ServiceWindow::terminalOpened, this, [this] {
+        // Loading the service form, like its terminal entry, ends the development-terminal mode.
+        const auto endDevelopmentTerminal = [this] {
             m_developmentTerminal = false;
             m_developmentAction->setChecked(false);
-        });
+        };
+        endDevelopmentTerminal();
+        m_service = new ServiceWindow(*m_device, *m_prompter, m_texts);
+        m_service->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_service, &ServiceWindow::terminalOpened, this, endDevelopmentTerminal);
+        connect(m_service, &ServiceWindow::d3Reset, this, [this] { m_mitBez->setChecked(false); });
         m_service->SetBusy(m_device->busy());
     }
     if (!m_identity.shortDesignation.isEmpty())
