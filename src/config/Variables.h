@@ -23,11 +23,15 @@ struct VariableReading {
 // The value of a "var?" or "bit?" answer: the two characters after the first "=", or the first
 // two characters of an answer without "=".
 QByteArray ValueAfterEquals(const QByteArray &answer);
+// The hexadecimal digits of such a value as two upper-case digits: a tester may send a one-digit
+// value with a blank in front (" 4" is "04"). Empty when the value starts with no digit.
+QByteArray ByteDigits(const QByteArray &value);
 
 // The read command of a "NAME#AD" entry: "bit?" for names beginning with B or PB, "var?" for V
 // or PV. Throws link::FormatError for any other name or an entry without "#".
 QByteArray ReadCommandFor(const QString &entry);
-// Sends the entry's read command. Throws link::FormatError when the tester refuses (no ".Y").
+// Sends the entry's read command. Throws link::FormatError when the tester refuses (no ".Y") or
+// the answer holds no hexadecimal value.
 VariableReading ReadVariable(link::Link &link, const QString &entry);
 
 struct ConfigurationDump {

@@ -181,3 +181,32 @@ TEST_F(ConfigWindowsTest, TheServiceFormResetsRegisterD3AndTheMainSwitchFollows)
     Screenshot(*menu, QStringLiteral("service-configuration-menu"));
     menu->hide();
 }
+
+TEST_F(ConfigWindowsTest, AnOverfullDumpBlockRefusesTheDumpButTheVariableListLoads)
+{
+    QByteArray text = "; ab hier speichern\r\n";
+    for (int i = 0; i < 60; ++i)
+        text += "V" + QByteArray::number(i) + "\tEQU 0D0H\t; x\r\n";
+    text += "; bis hier speichern\r\n";
+    QFile file(m_dir.filePath(QStringLiteral("variable.mas")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text);
+    file.close();
+
+    Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    m_window->findChild<QAction *>(QStringLiteral("service"))->trigger();
+    QWidget *service = TopLevel("test");
+    ASSERT_NE(service, nullptr);
+    Trigger(*service, "varmas");
+    EXPECT_EQ(service->findChild<QListWidget *>(QStringLiteral("readvar"))->count(), 60);
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('\n').toStdString();
+
+    const qsizetype before = LinesSince(0).size();
+    Trigger(*service, "konfiguration");
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("variable.mas")) &&
+                m_dialogs.messages[0].contains(QStringLiteral("gefunden 60")))
+        << m_dialogs.messages[0].toStdString();
+    EXPECT_TRUE(LinesSince(before).isEmpty());
+}
