@@ -3,9 +3,9 @@
 
 namespace kalvo::shell {
 
-const std::array<TextDefault, 78> &TextDefaults()
+const std::array<TextDefault, 80> &TextDefaults()
 {
-    static const std::array<TextDefault, 78> kDefaults = {{
+    static const std::array<TextDefault, 80> kDefaults = {{
         {TxtPortNotOpen, "port not open",
          "Die Schnittstelle ist nicht geöffnet. Bitte unter Einstellungen die Schnittstelle wählen und mit "
          "OK "
@@ -89,6 +89,10 @@ const std::array<TextDefault, 78> &TextDefaults()
         {TxtServiceBackupCalibration, "service back up calibration", "Kalibrierwerte sichern"},
         {TxtServiceVariables, "service variables", "Variablen"},
         {TxtServiceResetD3, "service reset d3", "Register D3 zurücksetzen"},
+        {TxtLimitOutOfRange, "limit read out of range",
+         "Der Kalvomer meldet %1, einstellbar sind %2 bis %3. Angezeigt wird %4."},
+        {TxtLimitWriteClamped, "limit write clamped",
+         "Der Kalvomer meldete %1 (außerhalb %2 bis %3). Stattdessen %4 schreiben?"},
     }};
     return kDefaults;
 }

@@ -89,6 +89,8 @@ enum TextId : int {
     TxtServiceBackupCalibration = 77,
     TxtServiceVariables = 78,
     TxtServiceResetD3 = 79,
+    TxtLimitOutOfRange = 80,
+    TxtLimitWriteClamped = 81,
 };
 
 struct TextDefault {
@@ -98,6 +100,6 @@ struct TextDefault {
 };
 
 // Every row the program uses, in row order.
-const std::array<TextDefault, 78> &TextDefaults();
+const std::array<TextDefault, 80> &TextDefaults();
 
 } // namespace kalvo::shell

@@ -161,6 +161,25 @@ TEST(LanguageData, EveryUsedRowHasATextInEveryLanguage)
     }
 }
 
+TEST(LanguageData, EveryLanguageKeepsThePlaceholdersOfTheGermanText)
+{
+    // A translation that lost "%2" would show the bare placeholder, or a value in the wrong place.
+    static const QRegularExpression placeholder(QStringLiteral("%\\d"));
+    const auto placeholders = [](const QString &text) {
+        QStringList found;
+        for (const QRegularExpressionMatch &m : placeholder.globalMatch(text))
+            found << m.captured();
+        found.sort();
+        return found;
+    };
+    for (const TextDefault &entry : TextDefaults()) {
+        const QStringList german = placeholders(QString::fromUtf8(entry.german));
+        for (const LanguageColumn &language : LanguageColumns())
+            EXPECT_EQ(placeholders(Cell(entry.id, language.column)), german)
+                << Str(language.name) << " row " << entry.id << " (" << entry.key << ")";
+    }
+}
+
 TEST(LanguageData, LongTextsDifferBetweenLanguages)
 {
     // Short captions may rightly agree (OK, Terminal, Service, log ASCII); a sentence that reads the

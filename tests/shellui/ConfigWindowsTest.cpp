@@ -210,3 +210,44 @@ TEST_F(ConfigWindowsTest, AnOverfullDumpBlockRefusesTheDumpButTheVariableListLoa
         << m_dialogs.messages[0].toStdString();
     EXPECT_TRUE(LinesSince(before).isEmpty());
 }
+
+TEST_F(ConfigWindowsTest, ALimitOutsideTheScrollRangeIsReportedAndNotWrittenBackUnasked)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    window.device().RunAndWait(
+        [this](link::Link &) { m_tester.load()->model().working().touchCurrentLimit = 120; });
+    Trigger(window, "kuschl");
+    auto *scroll = window.findChild<QScrollBar *>(QStringLiteral("VScroll1"));
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_EQ(m_dialogs.messages[0],
+              QStringLiteral(
+                  "Der Kalvomer meldet 120 mA, einstellbar sind 15 mA bis 95 mA. Angezeigt wird 95 mA."));
+    EXPECT_EQ(scroll->value(), 95);
+    Screenshot(window, QStringLiteral("main-limit-out-of-range"));
+
+    // OK with the stand-in value asks first; Cancel sends nothing, OK writes it.
+    const qsizetype before = LinesSince(0).size();
+    m_dialogs.confirmations.push_back(false);
+    Click(window, "GWok");
+    ASSERT_EQ(m_dialogs.messages.size(), 2);
+    EXPECT_TRUE(m_dialogs.messages[1].contains(QStringLiteral("95 mA")))
+        << m_dialogs.messages[1].toStdString();
+    EXPECT_TRUE(LinesSince(before).isEmpty());
+    m_dialogs.confirmations.push_back(true);
+    Click(window, "GWok");
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"wer!bgwkuschl_ea<095.0 mA\r"}));
+
+    // A value the user chose is written without a question.
+    window.device().RunAndWait(
+        [this](link::Link &) { m_tester.load()->model().working().touchCurrentLimit = 10; });
+    Trigger(window, "kuschl");
+    ASSERT_TRUE(WaitUntil([&] { return m_dialogs.messages.size() == 4; }));
+    EXPECT_TRUE(m_dialogs.messages[3].contains(QStringLiteral("10 mA")))
+        << m_dialogs.messages[3].toStdString();
+    scroll->setValue(40);
+    const qsizetype chosen = LinesSince(0).size();
+    Click(window, "GWok");
+    EXPECT_EQ(m_dialogs.messages.size(), 4);
+    EXPECT_EQ(LinesSince(chosen), (QList<QByteArray>{"wer!bgwkuschl_ea<040.0 mA\r"}));
+}

@@ -178,7 +178,7 @@ void MainWindow::ApplyTexts()
     m_kuschl->setText(m_texts.text(TxtMenuLimitShortCircuit));
     m_ubez->setText(m_texts.text(TxtMenuLimitReferenceVoltage));
     m_pzhv->setText(m_texts.text(TxtMenuLimitHighVoltageTime));
-    m_limits->SetCaptions(m_texts.text(TxtButtonOk), m_texts.text(TxtButtonStore));
+    m_limits->ApplyTexts(m_texts);
     if (m_modem)
         m_modem->ApplyTexts(m_texts);
     m_languageMenu->setTitle(m_texts.text(TxtMenuLanguage));
