@@ -56,6 +56,18 @@ TEST_F(MainWindowTest, StartsFromTheSettingsFileWithItsPortAndLanguage)
     EXPECT_EQ(received, 0);
 }
 
+TEST_F(MainWindowTest, ASettingsNumberOutOfRangeIsToldAndTheRestOfTheFileApplies)
+{
+    WriteFile(m_dir.filePath(QStringLiteral("Q417.ini")),
+              "COM 2\r\n&HFFFFFFFFFFFFFFFFFFFFFFFF\r\nenglisch\r\n");
+    auto &window = Open({});
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("Q417.ini, Zeile 2")))
+        << m_dialogs.messages[0].toStdString();
+    EXPECT_EQ(window.findChild<QComboBox *>(QStringLiteral("COM"))->currentText(), QStringLiteral("COM 2"));
+    EXPECT_EQ(window.texts().language(), QStringLiteral("englisch"));
+}
+
 TEST_F(MainWindowTest, ConnectingThroughTheSettingsFrameShowsVersionsAndIdentity)
 {
     const QLocale previous;

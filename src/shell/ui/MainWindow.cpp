@@ -70,6 +70,10 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
         const QString trace = QDir::current().filePath(QStringLiteral("test.log"));
         m_device->Configure([trace](link::Link &link) { link.StartTrace(trace); });
     }
+    if (const QStringList warnings = m_startup.settings.warnings + m_startup.switches.warnings;
+        !warnings.isEmpty())
+        QTimer::singleShot(0, this,
+                           [this, warnings] { QMessageBox::warning(this, kTitle, warnings.join('\n')); });
     if (m_startup.switches.openConfiguration)
         QTimer::singleShot(0, this, &MainWindow::OpenConfig);
 
