@@ -193,3 +193,18 @@ TEST_F(MainWindowTest, ThePrompterGoesWithTheWindow)
     m_window.reset();
     EXPECT_TRUE(prompter.isNull());
 }
+
+TEST_F(MainWindowTest, ALanguageFileWithoutAnySemicolonIsToldOnceAndTheGermanTextsStay)
+{
+    WriteFile(m_dir.filePath(QStringLiteral("sprachen.TXT")), "Einstellungen\r\nSchnittstelle\r\n");
+    m_programDir = m_dir.path();
+    auto &window = Open();
+    window.findChild<QAction *>(QStringLiteral("english"))->trigger();
+    ASSERT_EQ(m_dialogs.messages.size(), 1) << m_dialogs.messages.join('\n').toStdString();
+    EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("sprachen.TXT")) &&
+                m_dialogs.messages[0].contains(QStringLiteral("kein \";\"")))
+        << m_dialogs.messages[0].toStdString();
+    EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
+              QStringLiteral("Einstellungen"));
+    EXPECT_EQ(window.findChild<QAction *>(QStringLiteral("Beenden"))->text(), QStringLiteral("Beenden"));
+}

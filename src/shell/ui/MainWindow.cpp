@@ -10,7 +10,6 @@
 #include "config/Calibration.h"
 #include "config/Variables.h"
 #include "config/ui/LimitFrame.h"
-#include "link/Errors.h"
 #include "link/PortNames.h"
 #include "link/Registers.h"
 #include "link/ServiceSession.h"
@@ -150,17 +149,15 @@ void MainWindow::BuildMenus()
 
 void MainWindow::SetLanguage(const QString &name)
 {
-    const QString path = QDir(m_startup.programDir).filePath(kLanguageFileName);
     QString error;
-    try {
-        if (!m_texts.SetLanguageFromFile(name, path, &error) && !error.isEmpty() &&
-            !m_languageFileMissingShown) {
-            m_languageFileMissingShown = true;
-            QMessageBox::warning(this, kTitle,
-                                 error + QStringLiteral("\nDie eingebauten deutschen Texte bleiben."));
-        }
-    } catch (const link::KalvoError &e) {
-        QMessageBox::critical(this, kTitle, e.message());
+    m_texts.SetLanguageFromFile(name, QDir(m_startup.programDir).filePath(kLanguageFileName), &error);
+    // The same fault again at every switch would only nag; a new one is told.
+    if (!error.isEmpty() && error != m_languageFileError) {
+        m_languageFileError = error;
+        QMessageBox::warning(this, kTitle,
+                             error + (m_texts.fromFile()
+                                          ? QStringLiteral("\nDie bisherigen Texte bleiben.")
+                                          : QStringLiteral("\nDie eingebauten deutschen Texte bleiben.")));
     }
     ApplyTexts();
 }

@@ -86,8 +86,8 @@ private:
 
     Startup m_startup;
     LanguageTable m_texts;
-    bool m_languageFileMissingShown = false;
-    GuiPrompter *m_prompter; // a child of the window: it outlives the device thread
+    QString m_languageFileError; // the last one shown
+    GuiPrompter *m_prompter;     // a child of the window: it outlives the device thread
     std::unique_ptr<DeviceThread> m_device;
     link::TesterIdentity m_identity;
     link::ConnectionState m_connection;
