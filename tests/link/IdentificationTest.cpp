@@ -16,6 +16,14 @@ namespace {
 const QByteArray kVersion = "ver?;15.06.2020;15.06.2020;15.06.2020;15.06.2020;15.06.2020\r\n\x11";
 const QByteArray kIdentity = "idn?;Kalvomer 701;4711;BENCH001; V 1.52\r\n\x11";
 
+// A German tester's "dis?", then "ver?" and "idn?" answered as given.
+void ExpectIdentification(ScriptedLink &s, const QByteArray &identity, const QByteArray &version = kVersion)
+{
+    s.transport.Expect("dis?\r").Reply("dis? 00.Y\x11");
+    s.transport.Expect("ver?\r").Reply(version);
+    s.transport.Expect("idn?\r").Reply(identity);
+}
+
 TEST(Identification, DisplayQueryIsTriedUpToFiveTimesUntilYesStandsPastTwo)
 {
     const struct {
@@ -106,9 +114,7 @@ TEST(Identification, FirmwareVersionNameAndAccessoryFromTheIdentity)
     };
     for (const auto &c : cases) {
         ScriptedLink s;
-        s.transport.Expect("dis?\r").Reply("dis? 00.Y\x11");
-        s.transport.Expect("ver?\r").Reply(kVersion);
-        s.transport.Expect("idn?\r").Reply(c.identity);
+        ExpectIdentification(s, c.identity);
         const TesterIdentity id = IdentifyTester(s.link, {});
         EXPECT_DOUBLE_EQ(id.firmwareVersion, c.firmware) << c.identity.constData();
         EXPECT_EQ(id.AccessoryInFront(), c.accessoryInFront) << c.identity.constData();
@@ -124,9 +130,7 @@ TEST(Identification, AFirmwareVersionThatIsNoNumberOrTooLongIsAFormatErrorNaming
          {"idn?;K;1;N; V 99999999999999999999\x11", "idn?;K;1;N; V 1.1234567\x11", "idn?;K;1;N; V x\x11",
           "idn?;K;1;N; V &HFFFF\x11", "idn?;K;1;N; V -1\x11"}) {
         ScriptedLink s;
-        s.transport.Expect("dis?\r").Reply("dis? 00.Y\x11");
-        s.transport.Expect("ver?\r").Reply(kVersion);
-        s.transport.Expect("idn?\r").Reply(identity);
+        ExpectIdentification(s, identity);
         try {
             IdentifyTester(s.link, {});
             ADD_FAILURE() << "no FormatError for " << identity.constData();
@@ -139,9 +143,7 @@ TEST(Identification, AFirmwareVersionThatIsNoNumberOrTooLongIsAFormatErrorNaming
 TEST(Identification, ANewNameReplacesTheShortDesignationAndItsField)
 {
     ScriptedLink s;
-    s.transport.Expect("dis?\r").Reply("dis? 00.Y\x11");
-    s.transport.Expect("ver?\r").Reply(kVersion);
-    s.transport.Expect("idn?\r").Reply(kIdentity);
+    ExpectIdentification(s, kIdentity);
     const TesterIdentity renamed = WithNewName(IdentifyTester(s.link, {}), "PRUEF-3");
     EXPECT_EQ(renamed.shortDesignation, QByteArray("PRUEF-3"));
     EXPECT_EQ(renamed.identityFields.value(kIdentityNameField), QByteArray("PRUEF-3"));
@@ -184,9 +186,7 @@ TEST(Identification, UpdateIsNeededWhenPicturesHelpOrSequencesAreOlderThanTheirF
         if (c.field > 0)
             fields[c.field] = c.tester;
         ScriptedLink s;
-        s.transport.Expect("dis?\r").Reply("dis? 00.Y\x11");
-        s.transport.Expect("ver?\r").Reply(fields.join(';') + "\r\n\x11");
-        s.transport.Expect("idn?\r").Reply(kIdentity);
+        ExpectIdentification(s, kIdentity, fields.join(';') + "\r\n\x11");
         const TesterIdentity id = IdentifyTester(s.link, {dir.path(), DateOrder::DayMonthYear});
         EXPECT_EQ(id.updateNeeded, c.needed);
     }
