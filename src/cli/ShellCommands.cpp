@@ -75,7 +75,7 @@ QList<CliCommand> ShellCommands()
          QStringLiteral("print the tester's date and time and set it to TEXT or the PC's \"dd.mm.yy;hh:mm\""),
          Clock},
         {QStringLiteral("name"), QStringLiteral("NAME"),
-         QStringLiteral("give the tester a name of at most 8 characters"), Name},
+         QStringLiteral("identify the tester, then give it a name of at most 8 characters"), Name},
         {QStringLiteral("script"), QStringLiteral("FILE.abl [--out FILE]"),
          QStringLiteral("send every line of a command script; comments and \"Wertx=\" answers go to FILE "
                         "(beispiel.txt)"),
