@@ -12,9 +12,10 @@ namespace kalvo::cli {
 
 namespace {
 
+// Date and time in one form for every user, so that scripts can read it.
 QString DateText(const std::optional<QDateTime> &date)
 {
-    return date ? date->date().toString(Qt::ISODate) : QStringLiteral("-");
+    return date ? date->toString(Qt::ISODate) : QStringLiteral("-");
 }
 
 int Identify(CliContext &context, const QStringList &words)
@@ -42,8 +43,9 @@ int Identify(CliContext &context, const QStringList &words)
     out << "serial: " << QString::fromLatin1(id.serialNumber) << '\n';
     out << "name: " << QString::fromLatin1(id.shortDesignation) << '\n';
     out << "firmware: " << QString::number(id.firmwareVersion, 'g', 6) << '\n';
-    out << "accessory: "
-        << (id.AccessoryInFront() ? QString::fromLatin1(id.firmwareField) : QStringLiteral("none")) << '\n';
+    out << "version: " << link::DecodeTesterText(id.VersionText()) << '\n';
+    out << "accessory: " << (id.AccessoryInFront() ? QStringLiteral("in front") : QStringLiteral("none"))
+        << '\n';
     out << "quillbank: " << (state.quillbankPresent ? "yes" : "no") << '\n';
     out << "d3: " << (state.d3Option ? "on" : "off") << '\n';
     bool anyPackageFile = false;

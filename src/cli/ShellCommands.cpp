@@ -33,9 +33,17 @@ int Name(CliContext &context, const QStringList &words)
     if (words.size() != 1)
         throw UsageError{QStringLiteral("genau ein Name")};
     context.OpenPort();
-    const auto result =
-        shell::SendTesterName(context.link(), context.prompter(), context.texts(), words.first());
-    return result == shell::NamingResult::Sent ? kExitDone : kExitFailed;
+    QTextStream &out = context.out();
+    // The window's sequence: identify, then name; the name shown last is the one the tester holds.
+    const shell::Naming naming = shell::NameTester(
+        context.link(), context.prompter(), context.texts(), {QString(), link::SystemDateOrder()},
+        words.first(), [&out](const link::TesterIdentity &identity) {
+            out << "before: " << link::DecodeTesterText(identity.shortDesignation) << '\n';
+        });
+    if (naming.result == shell::NamingResult::TooLong)
+        return kExitFailed;
+    out << "name: " << link::DecodeTesterText(naming.identity.shortDesignation) << '\n';
+    return naming.result == shell::NamingResult::Sent ? kExitDone : kExitFailed;
 }
 
 int Script(CliContext &context, const QStringList &words)
@@ -67,7 +75,7 @@ QList<CliCommand> ShellCommands()
          QStringLiteral("print the tester's date and time and set it to TEXT or the PC's \"dd.mm.yy;hh:mm\""),
          Clock},
         {QStringLiteral("name"), QStringLiteral("NAME"),
-         QStringLiteral("give the tester a name of at most 8 characters"), Name},
+         QStringLiteral("identify the tester, then give it a name of at most 8 characters"), Name},
         {QStringLiteral("script"), QStringLiteral("FILE.abl [--out FILE]"),
          QStringLiteral("send every line of a command script; comments and \"Wertx=\" answers go to FILE "
                         "(beispiel.txt)"),

@@ -77,12 +77,19 @@ VariableFile VariableFile::Load(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         throw link::FormatError(QDir::toNativeSeparators(path), 0,
                                 QStringLiteral("eine lesbare Datei (%1)").arg(file.errorString()));
-    return Parse(file.readAll(), QFileInfo(path).fileName());
+    const QByteArray bytes = file.read(kMaxVariableFileSize + 1);
+    if (bytes.size() > kMaxVariableFileSize)
+        throw link::FormatError(QDir::toNativeSeparators(path), 0,
+                                QStringLiteral("höchstens %1 Bytes, die Datei hat %2")
+                                    .arg(kMaxVariableFileSize)
+                                    .arg(std::max(file.size(), qint64(bytes.size()))));
+    return Parse(bytes, QFileInfo(path).fileName());
 }
 
 VariableFile VariableFile::Parse(const QByteArray &bytes, const QString &fileName)
 {
     VariableFile result;
+    result.m_fileName = fileName;
     const QStringList lines = Lines(bytes);
     bool inBlock = false;
     for (qsizetype number = 0; number < lines.size(); ++number) {
@@ -110,15 +117,27 @@ VariableFile VariableFile::Parse(const QByteArray &bytes, const QString &fileNam
             const qsizetype equ = line.indexOf(QStringLiteral("EQU"));
             if (equ < 0)
                 continue;
-            if (result.m_blockEntries.size() >= kMaxBlockEntries)
-                throw link::FormatError(fileName, lineNumber,
-                                        QStringLiteral("höchstens %1 Einträge zwischen \"ab hier speichern\" "
-                                                       "und \"bis hier speichern\"")
-                                            .arg(kMaxBlockEntries));
+            // More entries than the dump can label spoil the dump only, not the variable list.
+            if (++result.m_blockCount > kMaxBlockEntries) {
+                if (result.m_firstLineTooMany == 0)
+                    result.m_firstLineTooMany = lineNumber;
+                continue;
+            }
             result.m_blockEntries << line.left(equ) + BlockComment(line, equ);
         }
     }
     return result;
+}
+
+const QStringList &VariableFile::blockEntries() const
+{
+    if (m_blockCount > kMaxBlockEntries)
+        throw link::FormatError(m_fileName, m_firstLineTooMany,
+                                QStringLiteral("höchstens %1 Einträge zwischen \"ab hier speichern\" und "
+                                               "\"bis hier speichern\", gefunden %2")
+                                    .arg(kMaxBlockEntries)
+                                    .arg(m_blockCount));
+    return m_blockEntries;
 }
 
 QString VariableFile::Locate()

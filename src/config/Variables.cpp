@@ -8,12 +8,26 @@
 #include "link/ServiceSession.h"
 #include "link/TextRules.h"
 
+#include <cctype>
+
 namespace kalvo::config {
 
 QByteArray ValueAfterEquals(const QByteArray &answer)
 {
     const qsizetype equals = answer.indexOf('=');
     return answer.mid(equals + 1, 2);
+}
+
+QByteArray ByteDigits(const QByteArray &value)
+{
+    const QByteArray trimmed = value.trimmed().toUpper();
+    qsizetype digits = 0;
+    while (digits < trimmed.size() && digits < 2 &&
+           std::isxdigit(static_cast<unsigned char>(trimmed[digits])))
+        ++digits;
+    if (digits == 0)
+        return {};
+    return trimmed.left(digits).rightJustified(2, '0');
 }
 
 QByteArray ReadCommandFor(const QString &entry)
@@ -35,11 +49,16 @@ VariableReading ReadVariable(link::Link &link, const QString &entry)
     reading.command = ReadCommandFor(entry);
     reading.answer = link.Exchange(reading.command);
     if (!reading.answer.contains(".Y"))
-        throw link::FormatError(QStringLiteral("Antwort auf %1").arg(QString::fromLatin1(reading.command)), 0,
-                                QStringLiteral("einen Wert mit \".Y\""));
+        throw link::FormatError::ForAnswer(reading.command, reading.answer,
+                                           QStringLiteral("einen Wert mit \".Y\""));
     reading.value = ValueAfterEquals(reading.answer);
-    reading.number = static_cast<int>(link::NumericValue("&H" + reading.value));
-    reading.binary = link::HexToBinary(reading.value);
+    const QByteArray digits = ByteDigits(reading.value);
+    const auto number = link::WholeNumber("&H" + digits, 0, 255);
+    if (!number)
+        throw link::FormatError::ForAnswer(reading.command, reading.answer,
+                                           QStringLiteral("einen hexadezimalen Wert hinter \"=\""));
+    reading.number = static_cast<int>(*number);
+    reading.binary = link::HexToBinary(digits);
     return reading;
 }
 
@@ -59,9 +78,11 @@ ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEn
     for (int i = 1; i <= ConfigurationDump::kRegisters; ++i) {
         const QByteArray address = QByteArray::number(207 + i, 16).toUpper();
         const QByteArray value = ValueAfterEquals(link.Exchange("var?" + address));
+        const QByteArray digits = ByteDigits(value);
         dump.values << value;
         dump.lines << QString::fromLatin1(address) + QStringLiteral(": ==") + QString::fromLatin1(value) +
-                          QLatin1Char(' ') + link::HexToBinary(value, groups) + blockEntries.value(i - 1);
+                          QLatin1Char(' ') + link::HexToBinary(digits.isEmpty() ? value : digits, groups) +
+                          blockEntries.value(i - 1);
     }
     return dump;
 }
@@ -78,9 +99,11 @@ bool ToggleRegisterSwitch(link::Link &link, RegisterSwitch which, bool checked)
     return !checked;
 }
 
-void ResetD3(link::Link &link)
+bool ResetD3(link::Link &link)
 {
+    const link::RefusalWatch watch(link);
     link.Exchange("var!D3,0");
+    return !watch.refused();
 }
 
 } // namespace kalvo::config

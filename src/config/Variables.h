@@ -23,11 +23,15 @@ struct VariableReading {
 // The value of a "var?" or "bit?" answer: the two characters after the first "=", or the first
 // two characters of an answer without "=".
 QByteArray ValueAfterEquals(const QByteArray &answer);
+// The hexadecimal digits of such a value as two upper-case digits: a tester may send a one-digit
+// value with a blank in front (" 4" is "04"). Empty when the value starts with no digit.
+QByteArray ByteDigits(const QByteArray &value);
 
 // The read command of a "NAME#AD" entry: "bit?" for names beginning with B or PB, "var?" for V
 // or PV. Throws link::FormatError for any other name or an entry without "#".
 QByteArray ReadCommandFor(const QString &entry);
-// Sends the entry's read command. Throws link::FormatError when the tester refuses (no ".Y").
+// Sends the entry's read command. Throws link::FormatError when the tester refuses (no ".Y") or
+// the answer holds no hexadecimal value.
 VariableReading ReadVariable(link::Link &link, const QString &entry);
 
 struct ConfigurationDump {
@@ -49,6 +53,7 @@ enum class RegisterSwitch {
 // Off → sends "var!XX 1", on → "var!XX 0"; returns the new check state. The answer is not judged.
 bool ToggleRegisterSwitch(link::Link &link, RegisterSwitch which, bool checked);
 // "var!D3,0": the reset of D3 writes with a comma where the switch writes with a blank.
-void ResetD3(link::Link &link);
+// False when the tester refused it.
+bool ResetD3(link::Link &link);
 
 } // namespace kalvo::config

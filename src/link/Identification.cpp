@@ -7,12 +7,17 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <cctype>
+#include <cmath>
 
 namespace kalvo::link {
 
 namespace {
 const QString kIdentityError = QStringLiteral("Identstring fehlerhaft");
 constexpr int kDisplayTries = 5;
+// Versions run to a few digits each side of the point; anything longer is not a version.
+constexpr qint64 kMaxMajorVersion = 9999;
+constexpr qsizetype kMaxMinorDigits = 6;
 } // namespace
 
 ConnectionState ConnectTester(Link &link, const QString &portName, bool developmentTerminal)
@@ -31,13 +36,67 @@ ConnectionState ConnectTester(Link &link, const QString &portName, bool developm
     return state;
 }
 
-int LanguageCodeFromAnswer(const QByteArray &answer)
+std::optional<int> LanguageCodeFromAnswer(const QByteArray &answer)
 {
     const qsizetype yes = PositionOf(answer, ".Y");
     if (yes < 2)
-        return -1;
+        return std::nullopt;
     const qsizetype from = std::max<qsizetype>(0, yes - 3);
-    return static_cast<int>(NumericValue(answer.mid(from, yes - 1 - from)));
+    const auto code = WholeNumber(answer.mid(from, yes - 1 - from), 0, 99);
+    if (!code)
+        return std::nullopt;
+    return static_cast<int>(*code);
+}
+
+std::optional<double> FirmwareVersionNumber(const QByteArray &text)
+{
+    if (text.trimmed().startsWith('&')) // a version is decimal, never "&H"
+        return std::nullopt;
+    const auto major = WholeNumber(text, 0, kMaxMajorVersion);
+    if (!major)
+        return std::nullopt;
+    qsizetype i = 0;
+    while (i < text.size() && !std::isdigit(static_cast<unsigned char>(text[i])))
+        ++i;
+    while (i < text.size() && std::isdigit(static_cast<unsigned char>(text[i])))
+        ++i;
+    if (i >= text.size() || text[i] != '.')
+        return static_cast<double>(*major);
+    qsizetype end = i + 1;
+    while (end < text.size() && std::isdigit(static_cast<unsigned char>(text[end])))
+        ++end;
+    const QByteArray minorDigits = text.mid(i + 1, end - i - 1);
+    if (minorDigits.isEmpty())
+        return static_cast<double>(*major);
+    if (minorDigits.size() > kMaxMinorDigits)
+        return std::nullopt;
+    const auto minor = WholeNumber(minorDigits, 0, 999999);
+    return static_cast<double>(*major) +
+           static_cast<double>(*minor) / std::pow(10.0, static_cast<double>(minorDigits.size()));
+}
+
+QByteArray TesterIdentity::VersionText() const
+{
+    const QByteArray firmware = firmwareField.trimmed();
+    if (!AccessoryInFront())
+        return firmware;
+    QByteArray accessory;
+    for (const QByteArray &field : identityFields)
+        if (field.contains("KYM")) {
+            accessory = field.trimmed();
+            break;
+        }
+    if (firmware.isEmpty() || accessory == firmware)
+        return accessory;
+    return accessory + "  " + firmware;
+}
+
+TesterIdentity WithNewName(TesterIdentity identity, const QByteArray &name)
+{
+    identity.shortDesignation = name.trimmed().left(8);
+    if (kIdentityNameField < identity.identityFields.size())
+        identity.identityFields[kIdentityNameField] = name;
+    return identity;
 }
 
 std::array<std::optional<QDateTime>, kVersionParts> PackageFileDates(const QString &dir,
@@ -66,7 +125,7 @@ bool UpdateNeeded(const std::array<std::optional<QDateTime>, kVersionParts> &tes
     for (VersionPart part : {VersionPart::Sequences, VersionPart::Help, VersionPart::Pictures}) {
         const auto &tester = testerDates[static_cast<size_t>(part)];
         const auto &file = fileDates[static_cast<size_t>(part)];
-        if (tester && file && tester->date() < file->date())
+        if (tester && file && *tester < *file)
             return true;
     }
     return false;
@@ -89,7 +148,11 @@ TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options)
     }
     if (yes < 2)
         throw ProtocolError(link.protocolErrorNumber(), link.protocolErrorText());
-    id.languageCode = LanguageCodeFromAnswer(display);
+    const auto code = LanguageCodeFromAnswer(display);
+    if (!code)
+        throw FormatError::ForAnswer("dis?", display,
+                                     QStringLiteral("eine Sprachnummer 0 bis 99 vor \".Y\""));
+    id.languageCode = *code;
     id.language = LanguageForCode(id.languageCode);
 
     id.versionAnswer = link.Exchange("ver?");
@@ -111,11 +174,15 @@ TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options)
     id.accessoryIdentity = StripControlChars(id.identityAnswer);
     for (const QByteArray &field : std::as_const(id.identityFields)) {
         const qsizetype v = field.indexOf(" V");
-        if (v >= 0) {
-            id.firmwareField = field;
-            id.firmwareVersion = NumericValue(field.mid(v + 3));
-            break;
-        }
+        if (v < 0)
+            continue;
+        const auto version = FirmwareVersionNumber(field.mid(v + 3));
+        if (!version)
+            throw FormatError::ForAnswer("idn?", id.identityAnswer,
+                                         QStringLiteral("eine Versionsnummer hinter \" V\""));
+        id.firmwareField = field;
+        id.firmwareVersion = *version;
+        break;
     }
     if (kIdentitySerialField < id.identityFields.size())
         id.serialNumber = id.identityFields[kIdentitySerialField];

@@ -55,6 +55,9 @@ struct TesterIdentity {
     // The identity as the device in front answered it; holds "KYM" when the accessory answers.
     QByteArray accessoryIdentity;
     bool AccessoryInFront() const { return accessoryIdentity.indexOf("KYM") + 1 > 1; }
+    // What the Version label shows: with the accessory in front its name and its version
+    // ("KYM QRT4027  Firmware V 2.10"), otherwise the tester's firmware field; empty when unknown.
+    QByteArray VersionText() const;
 
     bool updateNeeded = false;
     std::array<std::optional<QDateTime>, kVersionParts> packageFileDates;
@@ -66,17 +69,26 @@ struct IdentifyOptions {
 };
 
 // "dis?" (up to five tries), "ver?", "idn?"; throws ProtocolError 31995 "Identstring fehlerhaft"
-// when "dis?" never answers with a usable ".Y". Returns an empty identity when the port is closed.
+// when "dis?" never answers with a usable ".Y", FormatError when the language code or the
+// firmware version behind " V" is no number in range. Returns an empty identity when the port is closed.
 TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options);
 
 // The modification dates of the package files of `language` in `dir`, by version part.
 std::array<std::optional<QDateTime>, kVersionParts> PackageFileDates(const QString &dir,
                                                                      const TesterLanguage &language);
-// True when the tester's pictures, help or sequences are older than the matching package file.
+// True when the tester's pictures, help or sequences are older than the matching package file,
+// date and time compared (a version without a time counts from midnight).
 bool UpdateNeeded(const std::array<std::optional<QDateTime>, kVersionParts> &testerDates,
                   const std::array<std::optional<QDateTime>, kVersionParts> &fileDates);
 
-// The language code from a "dis?" answer: the value of the two characters before ".Y".
-int LanguageCodeFromAnswer(const QByteArray &answer);
+// The language code from a "dis?" answer: the value of the two characters before ".Y";
+// nullopt when they hold no number from 0 to 99 or there is no ".Y".
+std::optional<int> LanguageCodeFromAnswer(const QByteArray &answer);
+// The firmware version at the start of `text` (what stands three characters behind " V"), as
+// "1.52" gives 1.52; nullopt when there is no number or it has more digits than any version.
+std::optional<double> FirmwareVersionNumber(const QByteArray &text);
+
+// The identity with the name the tester has just been given: the short designation and its field.
+TesterIdentity WithNewName(TesterIdentity identity, const QByteArray &name);
 
 } // namespace kalvo::link

@@ -1,10 +1,50 @@
 // Dates in the tester's version answer, read in the order of the user's date format.
 #include "VersionDate.h"
 
-#include <QLocale>
 #include <QRegularExpression>
 
 namespace kalvo::link {
+
+namespace {
+
+// A date or time part: one to four digits and nothing else, so that no part can overflow.
+std::optional<int> Part(const QString &text)
+{
+    static const QRegularExpression digits(QStringLiteral("^[0-9]{1,4}$"));
+    if (!digits.match(text).hasMatch())
+        return std::nullopt;
+    return text.toInt();
+}
+
+int FullYear(int year)
+{
+    if (year >= 100)
+        return year;
+    return year < 30 ? 2000 + year : 1900 + year;
+}
+
+// The text behind the date: empty or a time split at ":" (hours, minutes, optional seconds).
+std::optional<QTime> TimeOf(const QString &text)
+{
+    if (text.isEmpty())
+        return QTime(0, 0);
+    const QStringList t = text.split(QLatin1Char(':'));
+    if (t.size() < 2 || t.size() > 3)
+        return std::nullopt;
+    int hms[3] = {0, 0, 0};
+    for (qsizetype i = 0; i < t.size(); ++i) {
+        const auto value = Part(t[i]);
+        if (!value)
+            return std::nullopt;
+        hms[i] = *value;
+    }
+    const QTime time(hms[0], hms[1], hms[2]);
+    if (!time.isValid())
+        return std::nullopt;
+    return time;
+}
+
+} // namespace
 
 DateOrder DateOrderFromFormat(const QString &format)
 {
@@ -18,14 +58,7 @@ DateOrder DateOrderFromFormat(const QString &format)
 
 DateOrder SystemDateOrder()
 {
-    return DateOrderFromFormat(QLocale::system().dateFormat(QLocale::ShortFormat));
-}
-
-static int FullYear(int year)
-{
-    if (year >= 100)
-        return year;
-    return year < 30 ? 2000 + year : 1900 + year;
+    return DateOrderFromFormat(QLocale().dateFormat(QLocale::ShortFormat));
 }
 
 std::optional<QDateTime> ParseVersionDate(const QString &text, DateOrder order)
@@ -35,15 +68,16 @@ std::optional<QDateTime> ParseVersionDate(const QString &text, DateOrder order)
     const QString datePart = blank < 0 ? trimmed : trimmed.left(blank);
     const QString timePart = blank < 0 ? QString() : trimmed.mid(blank + 1).trimmed();
 
-    const QStringList parts = datePart.split(QRegularExpression(QStringLiteral("[./]")));
+    static const QRegularExpression separators(QStringLiteral("[./]"));
+    const QStringList parts = datePart.split(separators);
     if (parts.size() != 3)
         return std::nullopt;
     int n[3];
     for (int i = 0; i < 3; ++i) {
-        bool ok = false;
-        n[i] = parts[i].toInt(&ok);
-        if (!ok)
+        const auto value = Part(parts[i]);
+        if (!value)
             return std::nullopt;
+        n[i] = *value;
     }
     int year = n[2], month = n[1], day = n[0];
     if (order == DateOrder::YearMonthDay) {
@@ -55,20 +89,20 @@ std::optional<QDateTime> ParseVersionDate(const QString &text, DateOrder order)
         day = n[1];
     }
     const QDate date(FullYear(year), month, day);
-    if (!date.isValid())
+    const auto time = TimeOf(timePart);
+    if (!date.isValid() || !time)
         return std::nullopt;
+    return QDateTime(date, *time);
+}
 
-    QTime time(0, 0);
-    if (!timePart.isEmpty()) {
-        const QStringList t = timePart.split(QLatin1Char(':'));
-        int hms[3] = {0, 0, 0};
-        for (qsizetype i = 0; i < t.size() && i < 3; ++i)
-            hms[i] = t[i].toInt();
-        const QTime parsed(hms[0], hms[1], hms[2]);
-        if (parsed.isValid())
-            time = parsed;
-    }
-    return QDateTime(date, time);
+QString VersionDateText(const QString &text, const std::optional<QDateTime> &date, const QLocale &locale)
+{
+    if (!date)
+        return text;
+    // A field with a time has a blank between date and time.
+    if (text.trimmed().contains(QLatin1Char(' ')))
+        return locale.toString(*date, QLocale::ShortFormat);
+    return locale.toString(date->date(), QLocale::ShortFormat);
 }
 
 } // namespace kalvo::link

@@ -3,6 +3,7 @@
 
 #include "LanguageTable.h"
 #include "link/Link.h"
+#include "link/ServiceSession.h"
 #include "link/TextRules.h"
 
 namespace kalvo::shell {
@@ -43,20 +44,41 @@ NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const La
     }
     if (name.isEmpty())
         return NamingResult::Cancelled;
+    const link::RefusalWatch watch(link);
     link.Exchange("kal!aus");
     link.Exchange("idn!1," + link::EncodeTesterText(name));
-    link.Exchange("cfg!pgm");
-    return NamingResult::Sent;
+    if (watch.refused() &&
+        !prompter.confirm(
+            QStringLiteral("Der Kalvomer hat %1 abgelehnt. Trotzdem speichern?").arg(watch.Describe())))
+        return NamingResult::NotStored;
+    const bool stored = link::StoreChanges(link, prompter, link::StoreCommand::Configuration);
+    return stored && !watch.refused() ? NamingResult::Sent : NamingResult::NotStored;
 }
 
-NamingResult NameTester(link::Link &link, link::Prompter &prompter, const LanguageTable &texts)
+Naming NameTester(link::Link &link, link::Prompter &prompter, const LanguageTable &texts,
+                  const link::IdentifyOptions &options, const std::optional<QString> &given,
+                  const std::function<void(const link::TesterIdentity &)> &identified)
 {
-    const QString prompt =
-        texts.text(TxtNamePrompt) + QStringLiteral("\n\n(") + texts.text(TxtNameLimit) + QLatin1Char(')');
-    const auto name = prompter.askText(texts.text(TxtMenuName), prompt, QString());
-    if (!name)
-        return NamingResult::Cancelled;
-    return SendTesterName(link, prompter, texts, *name);
+    Naming naming;
+    if (given && given->size() > kMaxNameLength) {
+        naming.result = SendTesterName(link, prompter, texts, *given);
+        return naming;
+    }
+    naming.identity = link::IdentifyTester(link, options);
+    if (identified)
+        identified(naming.identity);
+    std::optional<QString> name = given;
+    if (!name) {
+        const QString prompt =
+            texts.text(TxtNamePrompt) + QStringLiteral("\n\n(") + texts.text(TxtNameLimit) + QLatin1Char(')');
+        name = prompter.askText(texts.text(TxtMenuName), prompt, QString());
+        if (!name)
+            return naming;
+    }
+    naming.result = SendTesterName(link, prompter, texts, *name);
+    if (naming.result == NamingResult::Sent)
+        naming.identity = link::WithNewName(naming.identity, link::EncodeTesterText(*name));
+    return naming;
 }
 
 } // namespace kalvo::shell

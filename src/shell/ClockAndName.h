@@ -1,9 +1,12 @@
 // Setting the tester's clock from the PC and giving the tester a name.
 #pragma once
 
+#include "link/Identification.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
+#include <functional>
 #include <optional>
 
 namespace kalvo::link {
@@ -32,14 +35,29 @@ struct ClockSetting {
 // confirmed; nothing is sent when the user cancels or confirms an empty text.
 ClockSetting SetTesterClock(link::Link &link, link::Prompter &prompter, const QDateTime &now);
 
-enum class NamingResult { Sent, Cancelled, TooLong };
+enum class NamingResult {
+    Sent,      // the tester took the name and stored it
+    NotStored, // a refusal on the way: the tester may not hold the name
+    Cancelled, // no name given
+    TooLong,   // refused before anything was sent
+};
 constexpr int kMaxNameLength = 8;
 
-// Asks for a name of at most 8 characters and stores it with "kal!aus", "idn!1," + name,
-// "cfg!pgm" (no full service session: the tester takes a name without one).
-NamingResult NameTester(link::Link &link, link::Prompter &prompter, const LanguageTable &texts);
-// The same with the name given (the command line's way); the length rule is the same.
+// Stores `name` with "kal!aus", "idn!1," + name, "cfg!pgm" (no full service session: the tester
+// takes a name without one). A name of more than 8 characters is refused with the language's
+// message before anything is sent; after a refused command the store is asked for first.
 NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const LanguageTable &texts,
                             const QString &name);
+
+struct Naming {
+    NamingResult result = NamingResult::Cancelled;
+    link::TesterIdentity identity; // as identified; with the new name once the tester stored it
+};
+// Taufe: identifies the tester first, so that its current identity is known (`identified` gets it
+// before the name is asked for), then asks for the name (unless `given`) and sends it. A given
+// name that is too long is refused before anything is sent, identification included.
+Naming NameTester(link::Link &link, link::Prompter &prompter, const LanguageTable &texts,
+                  const link::IdentifyOptions &options, const std::optional<QString> &given = std::nullopt,
+                  const std::function<void(const link::TesterIdentity &)> &identified = {});
 
 } // namespace kalvo::shell

@@ -5,6 +5,7 @@
 
 #include <QFile>
 #include <QStringDecoder>
+#include <algorithm>
 
 namespace kalvo::shell {
 
@@ -86,6 +87,21 @@ bool LanguageTable::SetLanguage(const QString &name, const LanguageGrid &grid)
         throw link::FormatError(
             kLanguageFileName, kEntries + 1,
             QStringLiteral("höchstens %1 Zeilen, gefunden %2").arg(kEntries).arg(grid.size()));
+    // Empty rows are normal (entries the installation does not use); a column without a single
+    // text would blank every caption without a word.
+    const auto hasText = [&](const QList<QByteArray> &row) {
+        return column->column < row.size() && !row[column->column].trimmed().isEmpty();
+    };
+    if (std::none_of(grid.begin() + std::min<qsizetype>(1, grid.size()), grid.end(), hasText)) {
+        const bool anySeparator =
+            std::any_of(grid.begin(), grid.end(), [](const auto &row) { return row.size() > 1; });
+        throw link::FormatError(
+            kLanguageFileName, 0,
+            anySeparator ? QStringLiteral("Texte für %1 in Spalte %2, die Datei hat dort keinen")
+                               .arg(column->name)
+                               .arg(column->column + 1)
+                         : QStringLiteral("Spalten, getrennt durch \";\", die Datei hat kein \";\""));
+    }
     std::array<QString, kEntries> texts;
     for (qsizetype row = 0; row < grid.size(); ++row)
         if (column->column < grid[row].size())
@@ -93,18 +109,37 @@ bool LanguageTable::SetLanguage(const QString &name, const LanguageGrid &grid)
     m_texts = texts;
     m_language = column->name;
     m_helpFile = column->helpFile;
+    m_fromFile = true;
     return true;
 }
 
 bool LanguageTable::SetLanguageFromFile(const QString &name, const QString &path, QString *error)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        if (error)
-            *error = QStringLiteral("%1 kann nicht gelesen werden: %2").arg(path, file.errorString());
-        return false;
-    }
-    return SetLanguage(name, ReadLanguageGrid(file.readAll()));
+    QString problem;
+    const bool switched = [&] {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            problem = QStringLiteral("%1 kann nicht gelesen werden: %2").arg(path, file.errorString());
+            return false;
+        }
+        const QByteArray bytes = file.read(kMaxLanguageFileSize + 1);
+        if (bytes.size() > kMaxLanguageFileSize) {
+            problem = QStringLiteral("%1 hat %2 Bytes, mehr als die %3 einer Sprachdatei.")
+                          .arg(path)
+                          .arg(std::max(file.size(), qint64(bytes.size())))
+                          .arg(kMaxLanguageFileSize);
+            return false;
+        }
+        try {
+            return SetLanguage(name, ReadLanguageGrid(bytes));
+        } catch (const link::FormatError &e) {
+            problem = e.message();
+            return false;
+        }
+    }();
+    if (error)
+        *error = problem;
+    return switched;
 }
 
 QString LanguageTable::text(int id) const

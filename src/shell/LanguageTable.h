@@ -12,6 +12,8 @@
 namespace kalvo::shell {
 
 inline const QString kLanguageFileName = QStringLiteral("sprachen.TXT");
+// Many times any real language file; a larger one is refused rather than read whole.
+constexpr qint64 kMaxLanguageFileSize = 4 * 1024 * 1024;
 
 // "sprachen.TXT" as rows of cells: ";" ends a cell, CR ends a row, other control bytes are dropped.
 using LanguageGrid = QList<QList<QByteArray>>;
@@ -38,10 +40,15 @@ public:
     LanguageTable();
 
     // Copies the column of `name` from `grid`; an unknown name changes nothing and returns false.
-    // Throws FormatError when the grid has more rows than the table has entries.
+    // Throws FormatError, changing nothing, when the grid has more rows than the table has
+    // entries, or when no row below the column heads holds a text for the language (a file
+    // without ";" has none).
     bool SetLanguage(const QString &name, const LanguageGrid &grid);
-    // Reads `path` and switches to `name`; false, with `error` set, when the file cannot be read.
+    // Reads `path` and switches to `name`; false, with `error` set and the table unchanged, when
+    // the file cannot be read, is larger than kMaxLanguageFileSize or cannot be used.
     bool SetLanguageFromFile(const QString &name, const QString &path, QString *error = nullptr);
+    // True once a column of the language file has been taken; false while the built-in German holds.
+    bool fromFile() const { return m_fromFile; }
 
     QString text(int id) const;
     const QString &language() const { return m_language; }
@@ -51,6 +58,7 @@ private:
     std::array<QString, kEntries> m_texts;
     QString m_language = QStringLiteral("deutsch");
     QString m_helpFile;
+    bool m_fromFile = false;
 };
 
 } // namespace kalvo::shell

@@ -15,8 +15,13 @@ Switches ParseSwitches(const QStringList &arguments)
     if (timeout >= 0 && timeout + 1 < arguments.size()) {
         bool ok = false;
         const double seconds = arguments[timeout + 1].toDouble(&ok);
-        if (ok && seconds > 0)
+        if (ok && seconds > 0 && seconds <= kMaxTimeoutSeconds)
             switches.timeoutSeconds = seconds;
+        else
+            switches.warnings << QStringLiteral("--timeout %1: erwartet Sekunden über 0 bis %2, es gilt %3.")
+                                     .arg(arguments[timeout + 1])
+                                     .arg(kMaxTimeoutSeconds)
+                                     .arg(switches.timeoutSeconds);
     }
     return switches;
 }

@@ -3,9 +3,9 @@
 
 namespace kalvo::shell {
 
-const std::array<TextDefault, 77> &TextDefaults()
+const std::array<TextDefault, 80> &TextDefaults()
 {
-    static const std::array<TextDefault, 77> kDefaults = {{
+    static const std::array<TextDefault, 80> kDefaults = {{
         {TxtPortNotOpen, "port not open",
          "Die Schnittstelle ist nicht geöffnet. Bitte unter Einstellungen die Schnittstelle wählen und mit "
          "OK "
@@ -88,6 +88,11 @@ const std::array<TextDefault, 77> &TextDefaults()
         {TxtServiceStoreConfiguration, "service store configuration", "Konfiguration speichern"},
         {TxtServiceBackupCalibration, "service back up calibration", "Kalibrierwerte sichern"},
         {TxtServiceVariables, "service variables", "Variablen"},
+        {TxtServiceResetD3, "service reset d3", "Register D3 zurücksetzen"},
+        {TxtLimitOutOfRange, "limit read out of range",
+         "Der Kalvomer meldet %1, einstellbar sind %2 bis %3. Angezeigt wird %4."},
+        {TxtLimitWriteClamped, "limit write clamped",
+         "Der Kalvomer meldete %1 (außerhalb %2 bis %3). Stattdessen %4 schreiben?"},
     }};
     return kDefaults;
 }

@@ -88,6 +88,9 @@ enum TextId : int {
     TxtServiceStoreConfiguration = 76,
     TxtServiceBackupCalibration = 77,
     TxtServiceVariables = 78,
+    TxtServiceResetD3 = 79,
+    TxtLimitOutOfRange = 80,
+    TxtLimitWriteClamped = 81,
 };
 
 struct TextDefault {
@@ -97,6 +100,6 @@ struct TextDefault {
 };
 
 // Every row the program uses, in row order.
-const std::array<TextDefault, 77> &TextDefaults();
+const std::array<TextDefault, 80> &TextDefaults();
 
 } // namespace kalvo::shell

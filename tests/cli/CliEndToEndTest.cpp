@@ -159,6 +159,26 @@ TEST(CliEndToEnd, SimulatedTesterIdentifiesWithoutAnyPort)
     EXPECT_TRUE(run.out.contains(QStringLiteral("firmware: 1.52")));
 }
 
+TEST(CliEndToEnd, IdentifyShowsVersionDatesWithTheirTimeAndTheAccessorysVersion)
+{
+    // Day first, as a German user writes dates: the tester's "17.03.09 10:42" is 17 March.
+    const QByteArray previous = qgetenv("LC_ALL");
+    qputenv("LC_ALL", "de_DE.UTF-8");
+    SimProcess sim({QStringLiteral("--kym")});
+    ASSERT_TRUE(sim.started());
+    const RunResult run = RunCli(sim, {QStringLiteral("identify")});
+    if (previous.isNull())
+        qunsetenv("LC_ALL");
+    else
+        qputenv("LC_ALL", previous);
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.out.contains(QStringLiteral("system: 17.03.09 10:42 (2009-03-17T10:42:00)\n")))
+        << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains(QStringLiteral("version: KYM QRT4027  Firmware V 2.10\n")))
+        << run.out.toStdString();
+    EXPECT_TRUE(run.out.contains(QStringLiteral("accessory: in front\n"))) << run.out.toStdString();
+}
+
 TEST(CliEndToEnd, PortComesFromTheSettingsFileOfTheCurrentDirectory)
 {
     SimProcess sim;

@@ -10,14 +10,25 @@ using namespace kalvo::testing;
 
 namespace {} // namespace
 
-TEST(CliShellCommands, NameOfEightIsStoredNineIsRefusedWithoutSending)
+TEST(CliShellCommands, NameIdentifiesFirstLikeTheWindowAndShowsTheNewName)
 {
     {
         SimProcess sim;
         ASSERT_TRUE(sim.started());
         const RunResult run = RunCli(sim, {QStringLiteral("name"), QStringLiteral("ABCDEFGH")});
         EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
-        EXPECT_EQ(sim.ReceivedBytes(), (QStringList{"kal!aus\\r", "idn!1,ABCDEFGH\\r", "cfg!pgm\\r"}));
+        EXPECT_EQ(sim.ReceivedBytes(), (QStringList{"dis?\\r", "ver?\\r", "idn?\\r", "kal!aus\\r",
+                                                    "idn!1,ABCDEFGH\\r", "cfg!pgm\\r"}));
+        EXPECT_EQ(run.out, QStringLiteral("before: KALVO-01\nname: ABCDEFGH\n"));
+    }
+    {
+        // The tester does not store: the name it keeps is shown, and the run fails.
+        SimProcess sim({QStringLiteral("--fault"), QStringLiteral("refusestore:cfg!pgm")});
+        ASSERT_TRUE(sim.started());
+        const RunResult run = RunCli(sim, {QStringLiteral("name"), QStringLiteral("ABCDEFGH")});
+        EXPECT_EQ(run.exitCode, 1) << run.err.toStdString();
+        EXPECT_EQ(run.out, QStringLiteral("before: KALVO-01\nname: KALVO-01\n"));
+        EXPECT_TRUE(run.err.contains(QStringLiteral("nicht gespeichert"))) << run.err.toStdString();
     }
     {
         SimProcess sim;

@@ -2,6 +2,7 @@
 #include "config/VariableFile.h"
 #include "link/Errors.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -44,25 +45,51 @@ TEST(VariableFile, BlockCollectsTheCommentedDefinitionsBetweenTheMarkers)
     EXPECT_EQ(file.entries(), (QStringList{"VX#CF", "VA#D0", "VB#D1", "VC#D2"}));
 }
 
-TEST(VariableFile, MoreThanFiftyBlockEntriesNameTheFileAndLine)
+TEST(VariableFile, MoreThanFiftyBlockEntriesRefuseTheDumpButNotTheList)
 {
-    for (const int count : {50, 51}) {
+    for (const int count : {50, 51, 73}) {
+        SCOPED_TRACE(count);
         QByteArray text = "; head\r\n; ab hier speichern\r\n";
         for (int i = 0; i < count; ++i)
             text += "V" + QByteArray::number(i) + "\tEQU 0D0H\t; x\r\n";
-        text += "; bis hier speichern\r\n";
-        if (count == 50) {
-            EXPECT_EQ(VariableFile::Parse(text, QStringLiteral("variable.mas")).blockEntries().size(), 50);
+        text += "; bis hier speichern\r\nVLAST\tEQU 0E3H\r\n";
+        const VariableFile file = VariableFile::Parse(text, QStringLiteral("variable.mas"));
+        EXPECT_EQ(file.entries().size(), count + 1);
+        EXPECT_EQ(file.entries().last(), QStringLiteral("VLAST#E3"));
+        EXPECT_EQ(file.blockEntryCount(), count);
+        if (count <= config::kMaxBlockEntries) {
+            EXPECT_EQ(file.blockEntries().size(), count);
             continue;
         }
         try {
-            VariableFile::Parse(text, QStringLiteral("variable.mas"));
-            FAIL() << "51 entries accepted";
+            file.blockEntries();
+            FAIL() << count << " entries accepted for the dump";
         } catch (const link::FormatError &e) {
-            EXPECT_TRUE(e.message().contains(QStringLiteral("variable.mas"))) << e.message().toStdString();
+            const QString message = e.message();
+            EXPECT_TRUE(message.contains(QStringLiteral("variable.mas"))) << message.toStdString();
             // Line 1 and 2 are the head, so the 51st entry is on line 53.
-            EXPECT_TRUE(e.message().contains(QStringLiteral("53"))) << e.message().toStdString();
+            EXPECT_TRUE(message.contains(QStringLiteral("Zeile 53"))) << message.toStdString();
+            EXPECT_TRUE(message.contains(QStringLiteral("gefunden %1").arg(count))) << message.toStdString();
         }
+    }
+}
+
+TEST(VariableFile, AFileFarLargerThanAnySymbolFileIsRefusedWithItsSize)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("variable.mas"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    const QByteArray line = "VA\tEQU 0D0H\t; a comment to fill the file\r\n";
+    for (qint64 written = 0; written <= config::kMaxVariableFileSize; written += line.size())
+        file.write(line);
+    const qint64 size = file.size();
+    file.close();
+    try {
+        VariableFile::Load(path);
+        FAIL() << "a file of " << size << " bytes was read";
+    } catch (const link::FormatError &e) {
+        EXPECT_TRUE(e.message().contains(QString::number(size))) << e.message().toStdString();
     }
 }
 

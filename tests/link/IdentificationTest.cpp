@@ -16,6 +16,14 @@ namespace {
 const QByteArray kVersion = "ver?;15.06.2020;15.06.2020;15.06.2020;15.06.2020;15.06.2020\r\n\x11";
 const QByteArray kIdentity = "idn?;Kalvomer 701;4711;BENCH001; V 1.52\r\n\x11";
 
+// A German tester's "dis?", then "ver?" and "idn?" answered as given.
+void ExpectIdentification(ScriptedLink &s, const QByteArray &identity, const QByteArray &version = kVersion)
+{
+    s.transport.Expect("dis?\r").Reply("dis? 00.Y\x11");
+    s.transport.Expect("ver?\r").Reply(version);
+    s.transport.Expect("idn?\r").Reply(identity);
+}
+
 TEST(Identification, DisplayQueryIsTriedUpToFiveTimesUntilYesStandsPastTwo)
 {
     const struct {
@@ -57,51 +65,33 @@ TEST(Identification, LanguageCodesSevenAndAboveAreEnglish)
         const char *answer, *menuEntry, *name;
     } cases[] = {
         {"dis? 00.Y", "deutsch", "deutsch"},           {"dis? 01.Y", "english", "englisch"},
-        {"dis? 02.Y", "nederlandske", "nederlandske"}, {"dis? 03.Y", "france", "französisch"},
-        {"dis? 04.Y", "italiano", "italienisch"},      {"dis? 05.Y", "spain", "spain"},
+        {"dis? 02.Y", "nederlandske", "nederlandske"}, {"DIS? 03.Y", "france", "französisch"},
+        {"dis?  4.Y", "italiano", "italienisch"},      {"dis? 5.Y", "spain", "spain"},
         {"dis? 06.Y", "tschech", "tschechisch"},       {"dis? 07.Y", "english", "englisch"},
-        {"dis? 12.Y", "english", "englisch"},
+        {"dis? 12.Y", "english", "englisch"},          {"dis? 99.Y", "english", "englisch"},
     };
     for (const auto &c : cases) {
-        const TesterLanguage language = LanguageForCode(LanguageCodeFromAnswer(c.answer));
+        const auto code = LanguageCodeFromAnswer(c.answer);
+        ASSERT_TRUE(code.has_value()) << c.answer;
+        const TesterLanguage language = LanguageForCode(*code);
         EXPECT_EQ(language.menuEntry, QString::fromUtf8(c.menuEntry)) << c.answer;
         EXPECT_EQ(language.name, QString::fromUtf8(c.name)) << c.answer;
     }
 }
 
-TEST(Identification, VersionDatesInEveryOrder)
+TEST(Identification, ALanguageCodeThatIsNoNumberOrOutOfRangeIsAFormatErrorNamingDis)
 {
-    using O = DateOrder;
-    const struct {
-        const char *text;
-        DateOrder order;
-        QDateTime expected; // invalid: no date
-    } cases[] = {
-        {"24.12.2003", O::DayMonthYear, QDateTime(QDate(2003, 12, 24), QTime(0, 0))},
-        {"12.24.2003", O::MonthDayYear, QDateTime(QDate(2003, 12, 24), QTime(0, 0))},
-        {"2003.12.24", O::YearMonthDay, QDateTime(QDate(2003, 12, 24), QTime(0, 0))},
-        {"24/12/03", O::DayMonthYear, QDateTime(QDate(2003, 12, 24), QTime(0, 0))},
-        {"24.12.99", O::DayMonthYear, QDateTime(QDate(1999, 12, 24), QTime(0, 0))},
-        {" 24.12.2003 13:45", O::DayMonthYear, QDateTime(QDate(2003, 12, 24), QTime(13, 45))},
-        {"12/24/2003 13:45:10", O::MonthDayYear, QDateTime(QDate(2003, 12, 24), QTime(13, 45, 10))},
-        {"2003.12.24", O::DayMonthYear, {}},
-        {"31.02.2003", O::DayMonthYear, {}},
-        {"24.12", O::DayMonthYear, {}},
-        {"V 1.52", O::DayMonthYear, {}},
-        {"", O::DayMonthYear, {}},
-    };
-    for (const auto &c : cases) {
-        const auto date = ParseVersionDate(QString::fromLatin1(c.text), c.order);
-        EXPECT_EQ(date.has_value(), c.expected.isValid()) << c.text;
-        if (date && c.expected.isValid()) {
-            EXPECT_EQ(*date, c.expected) << c.text;
+    for (const QByteArray answer : {"dis? xx.Y\x11", "dis?-1.Y\x11", "dis? &H.Y\x11", "dis?  .Y\x11"}) {
+        ScriptedLink s;
+        s.transport.Expect("dis?\r").Reply(answer);
+        try {
+            IdentifyTester(s.link, {});
+            ADD_FAILURE() << "no FormatError for " << answer.constData();
+        } catch (const FormatError &e) {
+            EXPECT_TRUE(e.text().contains(QStringLiteral("dis?"))) << e.text().toStdString();
         }
+        EXPECT_TRUE(s.transport.allExpectationsMet()) << answer.constData();
     }
-    EXPECT_EQ(DateOrderFromFormat("yyyy.MM.dd"), O::YearMonthDay);
-    EXPECT_EQ(DateOrderFromFormat("MM.dd.yyyy"), O::MonthDayYear);
-    EXPECT_EQ(DateOrderFromFormat("M/d/yy"), O::MonthDayYear);
-    EXPECT_EQ(DateOrderFromFormat("dd.MM.yyyy"), O::DayMonthYear);
-    EXPECT_EQ(DateOrderFromFormat("d MMM yyyy"), O::DayMonthYear);
 }
 
 TEST(Identification, FirmwareVersionNameAndAccessoryFromTheIdentity)
@@ -111,22 +101,54 @@ TEST(Identification, FirmwareVersionNameAndAccessoryFromTheIdentity)
         double firmware;
         bool accessoryInFront;
         const char *shortDesignation;
+        const char *versionText; // what the Version label shows
     } cases[] = {
-        {kIdentity, 1.52, false, "BENCH001"},
-        {"idn? KYM 2;x;7;ACCESSORY9; V 2.10\r\n\x11", 2.1, true, "ACCESSOR"},
-        {"KYM;V 3; V 0.9\x11", 0.9, false, ""}, // "KYM" at the very start does not count
+        {kIdentity, 1.52, false, "BENCH001", "V 1.52"},
+        {"idn? KYM 2;x;7;ACCESSORY9; V 2.10\r\n\x11", 2.1, true, "ACCESSOR", "idn? KYM 2  V 2.10"},
+        {"IDN?;KYM QRT4027;0815 0042;KYM-BOX;Firmware V 2.10\x11", 2.1, true, "KYM-BOX",
+         "KYM QRT4027  Firmware V 2.10"},
+        {"KYM;V 3; V 0.9\x11", 0.9, false, "", "V 0.9"}, // "KYM" at the very start does not count
+        {"idn?;Kalvomer;1;N; V 7\x11", 7, false, "N", "V 7"},
+        {"idn?;Kalvomer;1;N;Firmware V 12.345678\x11", 12.345678, false, "N", "Firmware V 12.345678"},
+        {"idn?;Kalvomer;1;N\x11", 0, false, "N", ""},
     };
     for (const auto &c : cases) {
         ScriptedLink s;
-        s.transport.Expect("dis?\r").Reply("dis? 00.Y\x11");
-        s.transport.Expect("ver?\r").Reply(kVersion);
-        s.transport.Expect("idn?\r").Reply(c.identity);
+        ExpectIdentification(s, c.identity);
         const TesterIdentity id = IdentifyTester(s.link, {});
         EXPECT_DOUBLE_EQ(id.firmwareVersion, c.firmware) << c.identity.constData();
         EXPECT_EQ(id.AccessoryInFront(), c.accessoryInFront) << c.identity.constData();
         EXPECT_EQ(id.shortDesignation, QByteArray(c.shortDesignation)) << c.identity.constData();
+        EXPECT_EQ(id.VersionText(), QByteArray(c.versionText)) << c.identity.constData();
         EXPECT_EQ(id.versionDates[size_t(VersionPart::Help)], QDateTime(QDate(2020, 6, 15), QTime(0, 0)));
     }
+}
+
+TEST(Identification, AFirmwareVersionThatIsNoNumberOrTooLongIsAFormatErrorNamingIdn)
+{
+    for (const QByteArray identity :
+         {"idn?;K;1;N; V 99999999999999999999\x11", "idn?;K;1;N; V 1.1234567\x11", "idn?;K;1;N; V x\x11",
+          "idn?;K;1;N; V &HFFFF\x11", "idn?;K;1;N; V -1\x11"}) {
+        ScriptedLink s;
+        ExpectIdentification(s, identity);
+        try {
+            IdentifyTester(s.link, {});
+            ADD_FAILURE() << "no FormatError for " << identity.constData();
+        } catch (const FormatError &e) {
+            EXPECT_TRUE(e.text().contains(QStringLiteral("idn?"))) << e.text().toStdString();
+        }
+    }
+}
+
+TEST(Identification, ANewNameReplacesTheShortDesignationAndItsField)
+{
+    ScriptedLink s;
+    ExpectIdentification(s, kIdentity);
+    const TesterIdentity renamed = WithNewName(IdentifyTester(s.link, {}), "PRUEF-3");
+    EXPECT_EQ(renamed.shortDesignation, QByteArray("PRUEF-3"));
+    EXPECT_EQ(renamed.identityFields.value(kIdentityNameField), QByteArray("PRUEF-3"));
+    EXPECT_EQ(renamed.serialNumber, QByteArray("4711"));
+    EXPECT_DOUBLE_EQ(renamed.firmwareVersion, 1.52);
 }
 
 TEST(Identification, UpdateIsNeededWhenPicturesHelpOrSequencesAreOlderThanTheirFiles)
@@ -140,24 +162,31 @@ TEST(Identification, UpdateIsNeededWhenPicturesHelpOrSequencesAreOlderThanTheirF
         file.flush(); // or closing would stamp the file again
         ASSERT_TRUE(file.setFileTime(fileDate, QFileDevice::FileModificationTime));
     }
+    const QByteArray same = "15.06.2020 08:00";
     const struct {
-        const char *older; // the one part the tester has in an older version
-        int field;         // its field in the "ver?" answer
+        const char *name;
+        int field;          // the field of the "ver?" answer that differs; 0: none
+        const char *tester; // what that field holds
         bool needed;
     } cases[] = {
-        {"nothing", 0, false}, {"system", 1, false}, {"configuration", 2, false},
-        {"pictures", 3, true}, {"help", 4, true},    {"sequences", 5, true},
+        {"all as new as their files", 0, "", false},
+        {"system older", 1, "14.06.2020", false},
+        {"configuration older", 2, "14.06.2020", false},
+        {"pictures older", 3, "14.06.2020 08:00", true},
+        {"help older", 4, "14.06.2020 23:59", true},
+        {"sequences older", 5, "14.06.2020", true},
+        {"same day, a minute earlier", 3, "15.06.2020 07:59", true},
+        {"same day without a time", 4, "15.06.2020", true},
+        {"same day, later", 5, "15.06.2020 08:01", false},
+        {"no date", 5, "15.06.2020 8h", false},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.older);
-        QList<QByteArray> fields = {"ver?",       "15.06.2020", "15.06.2020",
-                                    "15.06.2020", "15.06.2020", "15.06.2020"};
+        SCOPED_TRACE(c.name);
+        QList<QByteArray> fields = {"ver?", same, same, same, same, same};
         if (c.field > 0)
-            fields[c.field] = "14.06.2020";
+            fields[c.field] = c.tester;
         ScriptedLink s;
-        s.transport.Expect("dis?\r").Reply("dis? 00.Y\x11");
-        s.transport.Expect("ver?\r").Reply(fields.join(';') + "\r\n\x11");
-        s.transport.Expect("idn?\r").Reply(kIdentity);
+        ExpectIdentification(s, kIdentity, fields.join(';') + "\r\n\x11");
         const TesterIdentity id = IdentifyTester(s.link, {dir.path(), DateOrder::DayMonthYear});
         EXPECT_EQ(id.updateNeeded, c.needed);
     }

@@ -99,6 +99,7 @@ constexpr TextId kCaptionsInHelp[] = {
     TxtServiceStoreConfiguration,
     TxtServiceBackupCalibration,
     TxtServiceVariables,
+    TxtServiceResetD3,
 };
 
 // A page as the reader sees its words: runs of white space count as one blank.
@@ -157,6 +158,25 @@ TEST(LanguageData, EveryUsedRowHasATextInEveryLanguage)
             EXPECT_EQ(Str(text), Str(text.trimmed()))
                 << Str(language.name) << " row " << entry.id << ": blank at an end";
         }
+    }
+}
+
+TEST(LanguageData, EveryLanguageKeepsThePlaceholdersOfTheGermanText)
+{
+    // A translation that lost "%2" would show the bare placeholder, or a value in the wrong place.
+    static const QRegularExpression placeholder(QStringLiteral("%\\d"));
+    const auto placeholders = [](const QString &text) {
+        QStringList found;
+        for (const QRegularExpressionMatch &m : placeholder.globalMatch(text))
+            found << m.captured();
+        found.sort();
+        return found;
+    };
+    for (const TextDefault &entry : TextDefaults()) {
+        const QStringList german = placeholders(QString::fromUtf8(entry.german));
+        for (const LanguageColumn &language : LanguageColumns())
+            EXPECT_EQ(placeholders(Cell(entry.id, language.column)), german)
+                << Str(language.name) << " row " << entry.id << " (" << entry.key << ")";
     }
 }
 

@@ -198,3 +198,54 @@ TEST(LanguageTable, ReadsTheFileAndKeepsTheBuiltInTextsWhenItIsMissing)
     EXPECT_EQ(Str(table.text(1)), "slovo");
     EXPECT_EQ(Str(table.helpFile()), "Q417TS.html");
 }
+
+TEST(LanguageTable, AFileWithoutOneTextForTheLanguageIsToldAndTheTextsStay)
+{
+    const struct {
+        const char *name;
+        QByteArray bytes;
+        const char *language;
+        const char *told; // a part of the message
+    } cases[] = {
+        {"no semicolon anywhere", "Einstellungen\r\nSchnittstelle\r\n", "deutsch", "kein \";\""},
+        {"empty file", "", "englisch", "kein \";\""},
+        {"column heads only", kHeadRow, "englisch", "Spalte 3"},
+        {"German only", kHeadRow + "word;Wort\r\nmore;mehr;\r\n", "englisch", "englisch"},
+        {"blanks are no text", kHeadRow + "word;Wort; \r\n", "englisch", "englisch"},
+    };
+    QTemporaryDir dir;
+    const QString path = dir.filePath(kLanguageFileName);
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(c.bytes);
+        file.close();
+        LanguageTable table;
+        QString error;
+        EXPECT_FALSE(table.SetLanguageFromFile(QString::fromUtf8(c.language), path, &error));
+        EXPECT_TRUE(error.contains(kLanguageFileName)) << Str(error);
+        EXPECT_TRUE(error.contains(QString::fromUtf8(c.told))) << Str(error);
+        EXPECT_FALSE(table.fromFile());
+        EXPECT_EQ(Str(table.language()), "deutsch");
+        for (const TextDefault &entry : TextDefaults())
+            EXPECT_EQ(Str(table.text(entry.id)), entry.german) << entry.key;
+    }
+}
+
+TEST(LanguageTable, AFileFarLargerThanAnyLanguageFileIsRefusedWithItsSize)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(kLanguageFileName);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(kHeadRow + kWordRow);
+    file.write(QByteArray(kMaxLanguageFileSize, '\n')); // dropped bytes: the rows would still fit
+    const qint64 size = file.size();
+    file.close();
+    LanguageTable table;
+    QString error;
+    EXPECT_FALSE(table.SetLanguageFromFile(QStringLiteral("englisch"), path, &error));
+    EXPECT_TRUE(error.contains(QString::number(size))) << Str(error);
+    EXPECT_EQ(Str(table.text(TxtMenuSettings)), "Einstellungen");
+}

@@ -7,6 +7,7 @@
 #include "sim/SimTransport.h"
 #include "support/ScriptedPrompter.h"
 
+#include "link/LinkFixture.h"
 #include "support/SimBench.h"
 #include <QFile>
 #include <QTemporaryDir>
@@ -81,16 +82,86 @@ TEST(Name, EightCharactersAreStoredNineAreRefusedBeforeAnythingIsSent)
     EXPECT_TRUE(s.link.Exchange("idn?").contains(";WERK-7;"));
 }
 
-TEST(Name, TheDialogAsksWithTheLanguagesPromptAndLimit)
+TEST(Name, TheDialogAsksWithTheLanguagesPromptAndLimitAfterIdentifying)
 {
     const shell::LanguageTable texts;
     kalvo::testing::SimBench s;
     s.prompter.textAnswers.push_back(std::nullopt);
-    EXPECT_EQ(shell::NameTester(s.link, s.prompter, texts), shell::NamingResult::Cancelled);
+    std::optional<link::TesterIdentity> shownFirst;
+    const shell::Naming naming =
+        shell::NameTester(s.link, s.prompter, texts, {}, std::nullopt,
+                          [&](const link::TesterIdentity &identity) { shownFirst = identity; });
+    EXPECT_EQ(naming.result, shell::NamingResult::Cancelled);
     ASSERT_EQ(s.prompter.calls.size(), 1);
     EXPECT_TRUE(s.prompter.calls[0].contains(texts.text(shell::TxtNamePrompt) + QStringLiteral("\n\n(") +
                                              texts.text(shell::TxtNameLimit) + QStringLiteral(")")));
+    ASSERT_TRUE(shownFirst.has_value());
+    EXPECT_EQ(shownFirst->shortDesignation, QByteArray("KALVO-01"));
+    EXPECT_EQ(s.Lines(), (QList<QByteArray>{"dis?\r", "ver?\r", "idn?\r"}));
+}
+
+// A tester that answers in its own way: upper-case echoes, other blanks, refusals at any step.
+TEST(Name, TheIdentityShownAfterNamingIsTheNewOneOnlyWhenTheTesterStoredIt)
+{
+    const QByteArray identity = "IDN? ;Kalvomer 701 ;4711;ALT-NAME; V 1.52\r\n\x11";
+    const struct {
+        const char *name;
+        QByteArray nameAnswer, storeAnswer; // empty store answer: "cfg!pgm" is not sent
+        std::deque<bool> confirmations;
+        shell::NamingResult result;
+        const char *shownName;
+    } cases[] = {
+        {"stored", "IDN!1,NEU-1 .Y\x11", "CFG!PGM  .Y\x11", {}, shell::NamingResult::Sent, "NEU-1"},
+        {"store refused",
+         "idn!1,NEU-1.Y\x11",
+         "cfg!pgm.Nx\x11",
+         {},
+         shell::NamingResult::NotStored,
+         "ALT-NAME"},
+        {"name refused, store declined",
+         "Protokoll .N3\x11",
+         "",
+         {false},
+         shell::NamingResult::NotStored,
+         "ALT-NAME"},
+        {"name refused, stored on request",
+         "Protokoll .N3\x11",
+         "cfg!pgm.Y\x11",
+         {true},
+         shell::NamingResult::NotStored,
+         "ALT-NAME"},
+    };
+    const shell::LanguageTable texts;
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        kalvo::testing::ScriptedLink s;
+        s.transport.Expect("dis?\r").Reply("DIS?  0.Y\r\n\x11");
+        s.transport.Expect("ver?\r").Reply("VER?;17.03.09;17.03.09;02.02.09;05.02.09;20.02.09\x11");
+        s.transport.Expect("idn?\r").ReplyByteByByte(identity);
+        s.transport.Expect("kal!aus\r").Reply("KAL!AUS .Y\x11");
+        s.transport.Expect("idn!1,NEU-1\r").Reply(c.nameAnswer);
+        if (!c.storeAnswer.isEmpty())
+            s.transport.Expect("cfg!pgm\r").Reply(c.storeAnswer);
+        s.prompter.confirmAnswers = c.confirmations;
+        const shell::Naming naming =
+            shell::NameTester(s.link, s.prompter, texts, {}, QStringLiteral("NEU-1"));
+        EXPECT_EQ(naming.result, c.result);
+        EXPECT_EQ(naming.identity.shortDesignation, QByteArray(c.shownName));
+        EXPECT_EQ(naming.identity.serialNumber, QByteArray("4711"));
+        EXPECT_TRUE(s.transport.allExpectationsMet());
+    }
+}
+
+TEST(Name, AGivenNameThatIsTooLongSendsNothingNotEvenTheIdentification)
+{
+    const shell::LanguageTable texts;
+    kalvo::testing::SimBench s;
+    const shell::Naming naming =
+        shell::NameTester(s.link, s.prompter, texts, {}, QStringLiteral("NEUNZEICH"));
+    EXPECT_EQ(naming.result, shell::NamingResult::TooLong);
     EXPECT_TRUE(s.Lines().isEmpty());
+    ASSERT_EQ(s.prompter.messages.size(), 1u);
+    EXPECT_EQ(s.prompter.messages[0].text, texts.text(shell::TxtNameTooLong));
 }
 
 TEST(ServiceTerminal, ScriptSendsLinesWholeAndKeepsCommentsAndReadings)

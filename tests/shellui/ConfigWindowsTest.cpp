@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -154,4 +155,99 @@ TEST_F(ConfigWindowsTest, TheServiceFormListsVariablesDumpsAndBacksUpAndRestores
     EXPECT_TRUE(m_dialogs.messages.contains(QStringLiteral("speichern??")));
     service->resize(900, 600);
     Screenshot(*service, QStringLiteral("service-calibration-restored"));
+}
+
+TEST_F(ConfigWindowsTest, TheServiceFormResetsRegisterD3AndTheMainSwitchFollows)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    auto *mitBez = window.findChild<QAction *>(QStringLiteral("mitBez"));
+    ASSERT_TRUE(mitBez->isChecked()); // D3 holds 1 in the virtual tester
+    window.findChild<QAction *>(QStringLiteral("english"))->trigger();
+    window.findChild<QAction *>(QStringLiteral("service"))->trigger();
+    QWidget *service = TopLevel("test");
+    ASSERT_NE(service, nullptr);
+    auto *reset = service->findChild<QAction *>(QStringLiteral("resetD3"));
+    ASSERT_NE(reset, nullptr);
+    EXPECT_EQ(reset->text(), QStringLiteral("Reset register D3"));
+    const qsizetype before = LinesSince(0).size();
+    Trigger(*service, "resetD3");
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"var!D3,0\r"}));
+    EXPECT_TRUE(WaitUntil([&] { return !mitBez->isChecked(); }));
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('\n').toStdString();
+
+    auto *menu = service->findChild<QMenu *>(QStringLiteral("konfigurationMenu"));
+    menu->popup(service->mapToGlobal(QPoint(120, 20)));
+    Screenshot(*menu, QStringLiteral("service-configuration-menu"));
+    menu->hide();
+}
+
+TEST_F(ConfigWindowsTest, AnOverfullDumpBlockRefusesTheDumpButTheVariableListLoads)
+{
+    QByteArray text = "; ab hier speichern\r\n";
+    for (int i = 0; i < 60; ++i)
+        text += "V" + QByteArray::number(i) + "\tEQU 0D0H\t; x\r\n";
+    text += "; bis hier speichern\r\n";
+    QFile file(m_dir.filePath(QStringLiteral("variable.mas")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(text);
+    file.close();
+
+    Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    m_window->findChild<QAction *>(QStringLiteral("service"))->trigger();
+    QWidget *service = TopLevel("test");
+    ASSERT_NE(service, nullptr);
+    Trigger(*service, "varmas");
+    EXPECT_EQ(service->findChild<QListWidget *>(QStringLiteral("readvar"))->count(), 60);
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('\n').toStdString();
+
+    const qsizetype before = LinesSince(0).size();
+    Trigger(*service, "konfiguration");
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("variable.mas")) &&
+                m_dialogs.messages[0].contains(QStringLiteral("gefunden 60")))
+        << m_dialogs.messages[0].toStdString();
+    EXPECT_TRUE(LinesSince(before).isEmpty());
+}
+
+TEST_F(ConfigWindowsTest, ALimitOutsideTheScrollRangeIsReportedAndNotWrittenBackUnasked)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    window.device().RunAndWait(
+        [this](link::Link &) { m_tester.load()->model().working().touchCurrentLimit = 120; });
+    Trigger(window, "kuschl");
+    auto *scroll = window.findChild<QScrollBar *>(QStringLiteral("VScroll1"));
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_EQ(m_dialogs.messages[0],
+              QStringLiteral(
+                  "Der Kalvomer meldet 120 mA, einstellbar sind 15 mA bis 95 mA. Angezeigt wird 95 mA."));
+    EXPECT_EQ(scroll->value(), 95);
+    Screenshot(window, QStringLiteral("main-limit-out-of-range"));
+
+    // OK with the stand-in value asks first; Cancel sends nothing, OK writes it.
+    const qsizetype before = LinesSince(0).size();
+    m_dialogs.confirmations.push_back(false);
+    Click(window, "GWok");
+    ASSERT_EQ(m_dialogs.messages.size(), 2);
+    EXPECT_TRUE(m_dialogs.messages[1].contains(QStringLiteral("95 mA")))
+        << m_dialogs.messages[1].toStdString();
+    EXPECT_TRUE(LinesSince(before).isEmpty());
+    m_dialogs.confirmations.push_back(true);
+    Click(window, "GWok");
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"wer!bgwkuschl_ea<095.0 mA\r"}));
+
+    // A value the user chose is written without a question.
+    window.device().RunAndWait(
+        [this](link::Link &) { m_tester.load()->model().working().touchCurrentLimit = 10; });
+    Trigger(window, "kuschl");
+    ASSERT_TRUE(WaitUntil([&] { return m_dialogs.messages.size() == 4; }));
+    EXPECT_TRUE(m_dialogs.messages[3].contains(QStringLiteral("10 mA")))
+        << m_dialogs.messages[3].toStdString();
+    scroll->setValue(40);
+    const qsizetype chosen = LinesSince(0).size();
+    Click(window, "GWok");
+    EXPECT_EQ(m_dialogs.messages.size(), 4);
+    EXPECT_EQ(LinesSince(chosen), (QList<QByteArray>{"wer!bgwkuschl_ea<040.0 mA\r"}));
 }

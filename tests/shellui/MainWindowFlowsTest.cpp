@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QFile>
+#include <QLabel>
 #include <QTextBrowser>
 
 using namespace kalvo;
@@ -56,6 +57,12 @@ TEST_F(MainWindowFlowsTest, NamingIdentifiesFirstThenRefusesNineAndStoresEight)
     Trigger("Taufe");
     EXPECT_EQ(LinesSince(before),
               (QList<QByteArray>{"dis?\r", "ver?\r", "idn?\r", "kal!aus\r", "idn!1,PRUEF-3\r", "cfg!pgm\r"}));
+    // What the window shows afterwards is the tester's new name, not the one identification read.
+    EXPECT_TRUE(WaitUntil([&] { return window.windowTitle().contains(QStringLiteral("PRUEF-3")); }))
+        << window.windowTitle().toStdString();
+    EXPECT_TRUE(
+        window.findChild<QLabel *>(QStringLiteral("identity"))->text().contains(QStringLiteral("PRUEF-3")));
+    EXPECT_EQ(window.identity().shortDesignation, QByteArray("PRUEF-3"));
 }
 
 TEST_F(MainWindowFlowsTest, ARefusedConfigurationStoreIsReported)
@@ -113,4 +120,22 @@ TEST_F(MainWindowFlowsTest, ExitEndsTheProgram)
     QMetaObject::invokeMethod(window.findChild<QAction *>(QStringLiteral("Beenden")), "trigger",
                               Qt::QueuedConnection);
     EXPECT_EQ(QApplication::exec(), 0);
+}
+
+TEST_F(MainWindowFlowsTest, OpeningTheServiceFormEndsTheDevelopmentTerminal)
+{
+    auto &window = Open({QStringLiteral("--simulate"), QStringLiteral("/Entw")});
+    auto *terminal = window.findChild<QAction *>(QStringLiteral("Entw"));
+    terminal->trigger();
+    ASSERT_TRUE(terminal->isChecked());
+    // In development-terminal mode connecting only wakes the tester.
+    ASSERT_TRUE(ConnectToSimulator());
+    EXPECT_FALSE(LinesSince(0).contains("mes!0\r"));
+
+    Trigger("service");
+    EXPECT_FALSE(terminal->isChecked());
+    const qsizetype before = LinesSince(0).size();
+    ASSERT_TRUE(ConnectToSimulator());
+    const QList<QByteArray> lines = LinesSince(before);
+    EXPECT_TRUE(lines.contains("mes!0\r") && lines.contains("var?D3\r")) << lines.join(' ').toStdString();
 }

@@ -9,8 +9,10 @@
 #include <QComboBox>
 #include <QFile>
 #include <QLabel>
+#include <QLocale>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
 #include <QSet>
 
 using namespace kalvo;
@@ -54,8 +56,22 @@ TEST_F(MainWindowTest, StartsFromTheSettingsFileWithItsPortAndLanguage)
     EXPECT_EQ(received, 0);
 }
 
+TEST_F(MainWindowTest, ASettingsNumberOutOfRangeIsToldAndTheRestOfTheFileApplies)
+{
+    WriteFile(m_dir.filePath(QStringLiteral("Q417.ini")),
+              "COM 2\r\n&HFFFFFFFFFFFFFFFFFFFFFFFF\r\nenglisch\r\n");
+    auto &window = Open({});
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("Q417.ini, Zeile 2")))
+        << m_dialogs.messages[0].toStdString();
+    EXPECT_EQ(window.findChild<QComboBox *>(QStringLiteral("COM"))->currentText(), QStringLiteral("COM 2"));
+    EXPECT_EQ(window.texts().language(), QStringLiteral("englisch"));
+}
+
 TEST_F(MainWindowTest, ConnectingThroughTheSettingsFrameShowsVersionsAndIdentity)
 {
+    const QLocale previous;
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
     auto &window = Open();
     ASSERT_TRUE(ConnectToSimulator());
     EXPECT_EQ(LabelText(window, "SystVer"), QStringLiteral("17.03.09 10:42"));
@@ -63,12 +79,29 @@ TEST_F(MainWindowTest, ConnectingThroughTheSettingsFrameShowsVersionsAndIdentity
     EXPECT_EQ(LabelText(window, "bilderver"), QStringLiteral("02.02.09 08:15"));
     EXPECT_EQ(LabelText(window, "hilfever"), QStringLiteral("05.02.09 09:30"));
     EXPECT_EQ(LabelText(window, "ablaufVer"), QStringLiteral("20.02.09 14:05"));
-    EXPECT_TRUE(LabelText(window, "Version").contains(QStringLiteral("1.52")));
+    EXPECT_EQ(LabelText(window, "Version"), QStringLiteral("Firmware V 1.52"));
     EXPECT_TRUE(LabelText(window, "identity").contains(QStringLiteral("KALVO-01")));
     EXPECT_TRUE(window.windowTitle().contains(QStringLiteral("KALVO-01")));
     EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('\n').toStdString();
     window.resize(720, 560);
     Screenshot(window, QStringLiteral("main-connected"));
+
+    // The dates as the user writes them; a field that is no date as the tester sent it; the
+    // accessory in front shows its own version.
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+    window.device().RunAndWait([this](link::Link &) {
+        m_tester.load()->model().setKymInFront(true);
+        m_tester.load()->model().setVersionDates(
+            {"17.03.09 10:42", "17.03.09", "garbled", "05.02.09 9:30", "20.02.09 14:05"});
+    });
+    ASSERT_TRUE(ConnectToSimulator());
+    QLocale::setDefault(previous);
+    EXPECT_EQ(LabelText(window, "SystVer"), QStringLiteral("17/03/2009 10:42"));
+    EXPECT_EQ(LabelText(window, "KonfigVer"), QStringLiteral("17/03/2009"));
+    EXPECT_EQ(LabelText(window, "bilderver"), QStringLiteral("garbled"));
+    EXPECT_EQ(LabelText(window, "hilfever"), QStringLiteral("05/02/2009 09:30"));
+    EXPECT_EQ(LabelText(window, "Version"), QStringLiteral("KYM QRT4027  Firmware V 2.10"));
+    Screenshot(window, QStringLiteral("main-connected-accessory"));
 }
 
 TEST_F(MainWindowTest, TheTestersDisplayLanguageBecomesTheProgramsLanguage)
@@ -150,4 +183,28 @@ TEST_F(MainWindowTest, ALanguageFileOfTooManyRowsIsReportedAndChangesNothing)
         << m_dialogs.messages.last().toStdString();
     EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
               QStringLiteral("Einstellungen"));
+}
+
+TEST_F(MainWindowTest, ThePrompterGoesWithTheWindow)
+{
+    auto &window = Open();
+    const QPointer<shell::ui::GuiPrompter> prompter = window.findChild<shell::ui::GuiPrompter *>();
+    ASSERT_FALSE(prompter.isNull()) << "the window's prompter has no owner";
+    m_window.reset();
+    EXPECT_TRUE(prompter.isNull());
+}
+
+TEST_F(MainWindowTest, ALanguageFileWithoutAnySemicolonIsToldOnceAndTheGermanTextsStay)
+{
+    WriteFile(m_dir.filePath(QStringLiteral("sprachen.TXT")), "Einstellungen\r\nSchnittstelle\r\n");
+    m_programDir = m_dir.path();
+    auto &window = Open();
+    window.findChild<QAction *>(QStringLiteral("english"))->trigger();
+    ASSERT_EQ(m_dialogs.messages.size(), 1) << m_dialogs.messages.join('\n').toStdString();
+    EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("sprachen.TXT")) &&
+                m_dialogs.messages[0].contains(QStringLiteral("kein \";\"")))
+        << m_dialogs.messages[0].toStdString();
+    EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
+              QStringLiteral("Einstellungen"));
+    EXPECT_EQ(window.findChild<QAction *>(QStringLiteral("Beenden"))->text(), QStringLiteral("Beenden"));
 }

@@ -2,12 +2,15 @@
 #include "LimitFrame.h"
 
 #include "link/Link.h"
+#include "link/Prompter.h"
+#include "shell/LanguageTable.h"
 #include "shell/ui/DeviceThread.h"
 
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
+#include <algorithm>
 
 namespace kalvo::config::ui {
 
@@ -42,10 +45,12 @@ LimitFrame::LimitFrame(shell::ui::DeviceThread &device, link::Prompter &prompter
     hide();
 }
 
-void LimitFrame::SetCaptions(const QString &ok, const QString &store)
+void LimitFrame::ApplyTexts(const shell::LanguageTable &texts)
 {
-    m_ok->setText(ok);
-    m_store->setText(store);
+    m_ok->setText(texts.text(shell::TxtButtonOk));
+    m_store->setText(texts.text(shell::TxtButtonStore));
+    m_outOfRangeText = texts.text(shell::TxtLimitOutOfRange);
+    m_writeClampedText = texts.text(shell::TxtLimitWriteClamped);
 }
 
 void LimitFrame::SetBusy(bool busy)
@@ -78,16 +83,35 @@ void LimitFrame::Edit(LimitKind kind, const QString &title)
             m_scroll->setRange(info.minimum, info.maximum);
             m_scroll->setValue(value);
             ShowValue(m_scroll->value());
+            m_readOutside.reset();
+            if (!InRange(kind, value))
+                m_readOutside = value;
             show();
             emit loaded();
+            if (m_readOutside)
+                m_prompter.message(OutOfRangeText(m_outOfRangeText), link::Prompter::Icon::Warning);
         });
     });
+}
+
+QString LimitFrame::OutOfRangeText(const QString &text) const
+{
+    const LimitInfo &info = Limit(*m_kind);
+    const auto label = [this](int value) { return LimitLabel(*m_kind, value).trimmed(); };
+    return text.arg(label(m_readOutside.value_or(0)), label(info.minimum), label(info.maximum),
+                    label(m_scroll->value()));
 }
 
 void LimitFrame::Write()
 {
     if (!m_kind)
         return;
+    // The end of the range stands in for what the tester holds: never written back unasked.
+    if (m_readOutside &&
+        m_scroll->value() == std::clamp(*m_readOutside, m_scroll->minimum(), m_scroll->maximum()) &&
+        !m_prompter.confirm(OutOfRangeText(m_writeClampedText)))
+        return;
+    m_readOutside.reset(); // asked once; from now on the tester holds what is written
     m_device.Post([this, kind = *m_kind, value = m_scroll->value()](link::Link &link) {
         if (!link.PortClosed())
             WriteLimit(link, m_prompter, kind, value);

@@ -9,6 +9,9 @@ class QLabel;
 class QPushButton;
 class QScrollBar;
 
+namespace kalvo::shell {
+class LanguageTable;
+}
 namespace kalvo::shell::ui {
 class DeviceThread;
 }
@@ -20,9 +23,10 @@ class LimitFrame : public QGroupBox {
 public:
     LimitFrame(shell::ui::DeviceThread &device, link::Prompter &prompter, QWidget *parent = nullptr);
 
-    // A menu entry: reads the limit from the tester and shows the frame.
+    // A menu entry: reads the limit from the tester and shows the frame. A value outside the
+    // scroll range is shown at the nearest end, and the user is told what the tester holds.
     void Edit(LimitKind kind, const QString &title);
-    void SetCaptions(const QString &ok, const QString &store);
+    void ApplyTexts(const shell::LanguageTable &texts);
     void SetBusy(bool busy);
     int value() const;
 
@@ -31,12 +35,17 @@ signals:
 
 private:
     void ShowValue(int value);
+    // What the tester reported outside the range, the range and the value shown instead, filled
+    // into `text` (%1 to %4), each with its unit.
+    QString OutOfRangeText(const QString &text) const;
     void Write(); // GWok
     void Store(); // GWspeichern
 
     shell::ui::DeviceThread &m_device;
     link::Prompter &m_prompter;
     std::optional<LimitKind> m_kind;
+    std::optional<int> m_readOutside; // the tester's value when it lay outside the scroll range
+    QString m_outOfRangeText, m_writeClampedText;
     QScrollBar *m_scroll; // VScroll1
     QLabel *m_label;      // Label10
     QPushButton *m_ok, *m_store;

@@ -67,6 +67,7 @@ ServiceConfigPanel::ServiceConfigPanel(shell::ui::DeviceThread &device, link::Pr
     action("varmas", &ServiceConfigPanel::LoadVariables);
     action("konfiguration", &ServiceConfigPanel::DumpConfiguration);
     action("bitstore", &ServiceConfigPanel::StoreConfiguration);
+    action("resetD3", &ServiceConfigPanel::ResetD3);
     action("readcal", &ServiceConfigPanel::BeginBackup);
     action("storecal", &ServiceConfigPanel::BeginRestore);
     connect(m_readvar, &QListWidget::itemActivated, this, &ServiceConfigPanel::ReadChosenVariable);
@@ -77,11 +78,11 @@ ServiceConfigPanel::ServiceConfigPanel(shell::ui::DeviceThread &device, link::Pr
 void ServiceConfigPanel::ApplyTexts(const shell::LanguageTable &texts)
 {
     m_variablesLabel->setText(texts.text(shell::TxtServiceVariables));
-    const shell::TextId ids[] = {shell::TxtServiceLoadVariables, shell::TxtServiceDumpConfiguration,
-                                 shell::TxtServiceStoreConfiguration, shell::TxtServiceBackupCalibration,
-                                 shell::TxtMenuRestoreCalibration};
-    for (int i = 0; i < 5; ++i)
-        m_actions[i]->setText(texts.text(ids[i]));
+    const shell::TextId ids[] = {shell::TxtServiceLoadVariables,      shell::TxtServiceDumpConfiguration,
+                                 shell::TxtServiceStoreConfiguration, shell::TxtServiceResetD3,
+                                 shell::TxtServiceBackupCalibration,  shell::TxtMenuRestoreCalibration};
+    for (size_t i = 0; i < std::size(ids); ++i)
+        m_actions[static_cast<qsizetype>(i)]->setText(texts.text(ids[i]));
 }
 
 void ServiceConfigPanel::SetBusy(bool busy)
@@ -149,6 +150,14 @@ void ServiceConfigPanel::StoreConfiguration()
     m_device.Post([this](link::Link &link) {
         if (!link.PortClosed())
             config::StoreConfiguration(link, m_prompter);
+    });
+}
+
+void ServiceConfigPanel::ResetD3()
+{
+    m_device.Post([this](link::Link &link) {
+        if (!link.PortClosed() && config::ResetD3(link))
+            QMetaObject::invokeMethod(this, [this] { emit d3Reset(); });
     });
 }
 

@@ -34,7 +34,7 @@ public:
     ServiceConfigPanel(shell::ui::DeviceThread &device, link::Prompter &prompter, TextSink show,
                        std::function<void(const QString &)> command, QWidget *parent = nullptr);
 
-    // varmas, konfiguration, bitstore, readcal, storecal: for the form's menu.
+    // varmas, konfiguration, bitstore, resetD3, readcal, storecal: for the form's menu.
     QList<QAction *> actions() const { return m_actions; }
     void ApplyTexts(const shell::LanguageTable &texts);
     void SetBusy(bool busy);
@@ -43,11 +43,16 @@ public:
     // The default backup name: the tester's short designation + ".cal".
     void setDefaultBackupName(const QString &name) { m_defaultBackup = name; }
 
+signals:
+    // Register D3 was set to 0: the main form's D3 switch is off now.
+    void d3Reset();
+
 private:
     void LoadVariables();      // varmas
     void ReadChosenVariable(); // readvar
     void DumpConfiguration();  // konfiguration
     void StoreConfiguration(); // bitstore
+    void ResetD3();            // resetD3
     void BeginBackup();        // readcal
     void BeginRestore();       // storecal
     void SaveBackup();         // speichern

@@ -9,7 +9,8 @@
 
 namespace kalvo::shell::ui {
 
-GuiPrompter::GuiPrompter(QWidget *window, const QString &title) : m_window(window), m_title(title)
+GuiPrompter::GuiPrompter(QWidget *window, const QString &title)
+    : QObject(window), m_window(window), m_title(title)
 {}
 
 template <typename F> auto GuiPrompter::OnWindowThread(F call) -> decltype(call())

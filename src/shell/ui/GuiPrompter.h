@@ -12,7 +12,7 @@ namespace kalvo::shell::ui {
 class GuiPrompter final : public QObject, public link::Prompter {
     Q_OBJECT
 public:
-    // Dialogs are parented to `window` and carry `title`.
+    // Dialogs are parented to `window` and carry `title`; the prompter is a child of `window`.
     GuiPrompter(QWidget *window, const QString &title);
 
     void message(const QString &text, Icon icon) override;

@@ -3,13 +3,13 @@
 
 #include "ConfigFrame.h"
 #include "HelpWindow.h"
+#include "LanguageMenu.h"
 #include "RemoteDisplay.h"
 #include "ServiceWindow.h"
 #include "SettingsFrame.h"
 #include "config/Calibration.h"
 #include "config/Variables.h"
 #include "config/ui/LimitFrame.h"
-#include "link/Errors.h"
 #include "link/PortNames.h"
 #include "link/Registers.h"
 #include "link/ServiceSession.h"
@@ -31,21 +31,6 @@ namespace kalvo::shell::ui {
 namespace {
 const QString kTitle = QStringLiteral("kalvo");
 constexpr int kExitNoAnswer = 3;
-
-struct LanguageEntry {
-    const char *objectName;
-    const char *caption; // each language by its own name
-    const char *language;
-};
-const LanguageEntry kLanguageEntries[] = {
-    {"deutsch", "Deutsch", "deutsch"},
-    {"english", "English", "englisch"},
-    {"france", "Français", "französisch"},
-    {"italiano", "Italiano", "italienisch"},
-    {"nederlandske", "Nederlands", "nederlandske"},
-    {"spain", "Español", "spain"},
-    {"tschech", "Čeština", "tschechisch"},
-};
 } // namespace
 
 MainWindow::MainWindow(const Startup &startup, QWidget *parent)
@@ -84,6 +69,10 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
         const QString trace = QDir::current().filePath(QStringLiteral("test.log"));
         m_device->Configure([trace](link::Link &link) { link.StartTrace(trace); });
     }
+    if (const QStringList warnings = m_startup.settings.warnings + m_startup.switches.warnings;
+        !warnings.isEmpty())
+        QTimer::singleShot(0, this,
+                           [this, warnings] { QMessageBox::warning(this, kTitle, warnings.join('\n')); });
     if (m_startup.switches.openConfiguration)
         QTimer::singleShot(0, this, &MainWindow::OpenConfig);
 
@@ -142,16 +131,9 @@ void MainWindow::BuildMenus()
     m_recordsAction = action(nullptr, "protokolle", &MainWindow::OpenRecords);
     m_serviceAction = action(nullptr, "service", &MainWindow::OpenService);
 
-    m_languageMenu = menuBar()->addMenu(QString());
-    m_languageMenu->setObjectName(QStringLiteral("sprache"));
-    for (const LanguageEntry &entry : kLanguageEntries) {
-        QAction *a = m_languageMenu->addAction(QString::fromUtf8(entry.caption));
-        a->setObjectName(QString::fromLatin1(entry.objectName));
-        a->setCheckable(true);
-        const QString language = QString::fromUtf8(entry.language);
-        connect(a, &QAction::triggered, this, [this, language] { SetLanguage(language); });
-        m_languageActions << a;
-    }
+    m_languageMenu = new LanguageMenu(this);
+    menuBar()->addMenu(m_languageMenu);
+    connect(m_languageMenu, &LanguageMenu::chosen, this, &MainWindow::SetLanguage);
     m_helpMenu = menuBar()->addMenu(QString());
     m_helpMenu->setObjectName(QStringLiteral("hilfeMenu"));
     m_helpContents = action(m_helpMenu, "Inhalt", &MainWindow::ShowHelp);
@@ -167,17 +149,15 @@ void MainWindow::BuildMenus()
 
 void MainWindow::SetLanguage(const QString &name)
 {
-    const QString path = QDir(m_startup.programDir).filePath(kLanguageFileName);
     QString error;
-    try {
-        if (!m_texts.SetLanguageFromFile(name, path, &error) && !error.isEmpty() &&
-            !m_languageFileMissingShown) {
-            m_languageFileMissingShown = true;
-            QMessageBox::warning(this, kTitle,
-                                 error + QStringLiteral("\nDie eingebauten deutschen Texte bleiben."));
-        }
-    } catch (const link::KalvoError &e) {
-        QMessageBox::critical(this, kTitle, e.message());
+    m_texts.SetLanguageFromFile(name, QDir(m_startup.programDir).filePath(kLanguageFileName), &error);
+    // The same fault again at every switch would only nag; a new one is told.
+    if (!error.isEmpty() && error != m_languageFileError) {
+        m_languageFileError = error;
+        QMessageBox::warning(this, kTitle,
+                             error + (m_texts.fromFile()
+                                          ? QStringLiteral("\nDie bisherigen Texte bleiben.")
+                                          : QStringLiteral("\nDie eingebauten deutschen Texte bleiben.")));
     }
     ApplyTexts();
 }
@@ -199,7 +179,7 @@ void MainWindow::ApplyTexts()
     m_kuschl->setText(m_texts.text(TxtMenuLimitShortCircuit));
     m_ubez->setText(m_texts.text(TxtMenuLimitReferenceVoltage));
     m_pzhv->setText(m_texts.text(TxtMenuLimitHighVoltageTime));
-    m_limits->SetCaptions(m_texts.text(TxtButtonOk), m_texts.text(TxtButtonStore));
+    m_limits->ApplyTexts(m_texts);
     if (m_modem)
         m_modem->ApplyTexts(m_texts);
     m_languageMenu->setTitle(m_texts.text(TxtMenuLanguage));
@@ -208,9 +188,7 @@ void MainWindow::ApplyTexts()
     m_infoAction->setText(m_texts.text(TxtMenuInfo));
     m_exitAction->setText(m_texts.text(TxtMenuExit));
     m_developmentAction->setText(m_texts.text(TxtMenuDevelopment));
-    for (qsizetype i = 0; i < m_languageActions.size(); ++i)
-        m_languageActions[i]->setChecked(QString::fromUtf8(kLanguageEntries[i].language) ==
-                                         m_texts.language());
+    m_languageMenu->ShowChosen(m_texts.language());
     m_settings->ApplyTexts(m_texts);
     m_config->ApplyTexts(m_texts);
     m_display->setTitle(m_texts.text(TxtLabelDisplay));
@@ -328,21 +306,28 @@ void MainWindow::NameTester()
     // The device thread gets its own copy of the texts: the window may switch language meanwhile.
     auto texts = std::make_shared<const LanguageTable>(m_texts);
     PostChecked([this, options, texts](link::Link &link) {
-        const link::TesterIdentity identity = link::IdentifyTester(link, options);
-        OnWindow([this, identity] { ShowIdentity(m_connection, identity); });
-        shell::NameTester(link, *m_prompter, *texts);
+        const auto show = [this](const link::TesterIdentity &identity) {
+            OnWindow([this, identity] { ShowIdentity(m_connection, identity); });
+        };
+        const Naming naming = shell::NameTester(link, *m_prompter, *texts, options, std::nullopt, show);
+        if (naming.result == NamingResult::Sent)
+            show(naming.identity);
     });
 }
 
 void MainWindow::OpenService()
 {
     if (!m_service) {
-        m_service = new ServiceWindow(*m_device, *m_prompter, m_texts);
-        m_service->setAttribute(Qt::WA_DeleteOnClose);
-        connect(m_service, &ServiceWindow::terminalOpened, this, [this] {
+        // Loading the service form, like its terminal entry, ends the development-terminal mode.
+        const auto endDevelopmentTerminal = [this] {
             m_developmentTerminal = false;
             m_developmentAction->setChecked(false);
-        });
+        };
+        endDevelopmentTerminal();
+        m_service = new ServiceWindow(*m_device, *m_prompter, m_texts);
+        m_service->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_service, &ServiceWindow::terminalOpened, this, endDevelopmentTerminal);
+        connect(m_service, &ServiceWindow::d3Reset, this, [this] { m_mitBez->setChecked(false); });
         m_service->SetBusy(m_device->busy());
     }
     if (!m_identity.shortDesignation.isEmpty())

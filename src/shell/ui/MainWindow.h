@@ -28,6 +28,7 @@ namespace kalvo::shell::ui {
 
 class ConfigFrame;
 class HelpWindow;
+class LanguageMenu;
 class RemoteDisplay;
 class ServiceWindow;
 class SettingsFrame;
@@ -85,8 +86,8 @@ private:
 
     Startup m_startup;
     LanguageTable m_texts;
-    bool m_languageFileMissingShown = false;
-    GuiPrompter *m_prompter;
+    QString m_languageFileError; // the last one shown
+    GuiPrompter *m_prompter;     // a child of the window: it outlives the device thread
     std::unique_ptr<DeviceThread> m_device;
     link::TesterIdentity m_identity;
     link::ConnectionState m_connection;
@@ -101,11 +102,11 @@ private:
     QPointer<modem::ui::ModemWindow> m_modem;
     config::ui::LimitFrame *m_limits;
 
-    QMenu *m_settingsMenu, *m_languageMenu, *m_helpMenu, *m_limitsMenu;
+    QMenu *m_settingsMenu, *m_helpMenu, *m_limitsMenu;
+    LanguageMenu *m_languageMenu;
     QAction *m_mitBez, *m_quillbank, *m_setKal, *m_modemAction, *m_kuschl, *m_ubez, *m_pzhv;
     QAction *m_connection_, *m_configAction, *m_clockAction, *m_nameAction, *m_serviceAction,
         *m_recordsAction, *m_helpContents, *m_infoAction, *m_exitAction, *m_developmentAction;
-    QList<QAction *> m_languageActions;
     // Entries and buttons that start device work: disabled while an operation runs.
     QList<QAction *> m_deviceActions;
     QList<QWidget *> m_deviceWidgets;

@@ -91,6 +91,7 @@ ServiceWindow::ServiceWindow(DeviceThread &device, link::Prompter &prompter, con
             AppendToTerminal(text);
         },
         [this](const QString &command) { m_befehl->setText(command); }, this);
+    connect(m_config, &config::ui::ServiceConfigPanel::d3Reset, this, &ServiceWindow::d3Reset);
     auto *holder = new QWidget(this);
     auto *outer = new QHBoxLayout(holder);
     outer->addWidget(central, 3);

@@ -46,6 +46,8 @@ public:
 signals:
     // The terminal entry switches the development-terminal mode off.
     void terminalOpened();
+    // Register D3 was reset from the configuration menu.
+    void d3Reset();
 
 private:
     void SendCommandLine();

@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QLocale>
 #include <QPushButton>
 #include <QSerialPortInfo>
 
@@ -84,11 +85,15 @@ QString SettingsFrame::port() const
 
 void SettingsFrame::ShowIdentity(const link::TesterIdentity &id, const LanguageTable &texts)
 {
-    for (int part = 0; part < link::kVersionParts; ++part)
-        m_values[part]->setText(id.versionTexts[static_cast<size_t>(part)]);
+    const QLocale locale; // the user's
+    for (int part = 0; part < link::kVersionParts; ++part) {
+        const auto p = static_cast<size_t>(part);
+        const QString text = link::VersionDateText(id.versionTexts[p], id.versionDates[p], locale);
+        m_values[part]->setText(text.isEmpty() ? QStringLiteral("-") : text);
+    }
     // With the accessory in front, its own version stands here instead of the tester's.
-    m_values[5]->setText(id.firmwareField.isEmpty() ? QStringLiteral("-")
-                                                    : link::DecodeTesterText(id.firmwareField).trimmed());
+    const QByteArray version = id.VersionText();
+    m_values[5]->setText(version.isEmpty() ? QStringLiteral("-") : link::DecodeTesterText(version));
     QStringList identity;
     for (qsizetype i = 1; i < id.identityFields.size(); ++i)
         if (!id.identityFields[i].trimmed().isEmpty())
