@@ -133,7 +133,15 @@ double NumericValue(const QByteArray &text)
     return sign * value;
 }
 
-std::optional<qint64> WholeNumber(const QByteArray &text, qint64 minimum, qint64 maximum)
+namespace {
+
+struct LeadingNumber {
+    bool any = false;      // digits were found
+    bool tooLarge = false; // beyond any range a caller uses
+    qint64 value = 0;
+};
+
+LeadingNumber ReadLeadingNumber(const QByteArray &text)
 {
     qsizetype i = 0;
     const qsizetype n = text.size();
@@ -150,23 +158,33 @@ std::optional<qint64> WholeNumber(const QByteArray &text, qint64 minimum, qint64
     }
     // No range here comes near this; a number beyond it is too large whatever the range says.
     constexpr qint64 kCeiling = qint64(1) << 53;
+    LeadingNumber result;
     qint64 magnitude = 0;
-    bool any = false;
-    bool tooLarge = false;
     for (; i < n && DigitValue(text[i], base) >= 0; ++i) {
-        any = true;
+        result.any = true;
         magnitude = magnitude * base + DigitValue(text[i], base);
         if (magnitude > kCeiling) {
-            tooLarge = true;
+            result.tooLarge = true;
             magnitude = kCeiling;
         }
     }
-    if (!any || tooLarge)
+    result.value = negative ? -magnitude : magnitude;
+    return result;
+}
+
+} // namespace
+
+std::optional<qint64> WholeNumber(const QByteArray &text, qint64 minimum, qint64 maximum)
+{
+    const LeadingNumber number = ReadLeadingNumber(text);
+    if (!number.any || number.tooLarge || number.value < minimum || number.value > maximum)
         return std::nullopt;
-    const qint64 value = negative ? -magnitude : magnitude;
-    if (value < minimum || value > maximum)
-        return std::nullopt;
-    return value;
+    return number.value;
+}
+
+bool HasLeadingNumber(const QByteArray &text)
+{
+    return ReadLeadingNumber(text).any;
 }
 
 QList<QByteArray> SplitFields(const QByteArray &answer)

@@ -41,6 +41,9 @@ double NumericValue(const QByteArray &text);
 // "&H" for hexadecimal; reading stops at the first character that does not fit, "." included),
 // when there is one and it lies within [minimum, maximum]; nullopt otherwise, never a wrapped value.
 std::optional<qint64> WholeNumber(const QByteArray &text, qint64 minimum, qint64 maximum);
+// Whether `text` begins with a whole number as WholeNumber reads it, of whatever size: tells "no
+// number" from "a number out of range".
+bool HasLeadingNumber(const QByteArray &text);
 
 // `answer` split at ";" into fields, each without control characters.
 QList<QByteArray> SplitFields(const QByteArray &answer);

@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QFile>
 #include <QList>
-#include <limits>
 
 namespace kalvo::shell {
 
@@ -34,8 +33,8 @@ static std::optional<qint64> LineNumber(const QByteArray &value, int line, qint6
 {
     if (const auto number = link::WholeNumber(value, minimum, maximum))
         return number;
-    // Any whole number at all, however large (the reading stops growing at 2^53).
-    if (!link::WholeNumber(value, std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::max()))
+    // No number at all reads as 0, as the numeric value of text does; only one out of range is told.
+    if (!link::HasLeadingNumber(value))
         return 0;
     warnings << QStringLiteral("%1, Zeile %2: \"%3\" liegt außerhalb von %4 bis %5, es gilt %6.")
                     .arg(kSettingsFileName)
