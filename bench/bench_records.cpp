@@ -6,6 +6,7 @@
 #include "records/RecordFiles.h"
 #include "records/RecordRetrieval.h"
 #include "records/ReportBuilder.h"
+#include "records/TesterPrintText.h"
 #include "records/print/ReportDocument.h"
 #include "sim/SampleRecords.h"
 #include "sim/SimTransport.h"
@@ -100,6 +101,17 @@ void LargeFieldFigures()
     }
 }
 
+// A tester print text of the largest answer the link takes, all box drawing and umlauts.
+void PrintTextFigure()
+{
+    const QByteArray box = "\xda\xc4\xc4\xbf\xb3\x81\x84\xea\xb3\xc0\xc4\xd9\r\n";
+    const QByteArray answer = "prn!1\r\n\x05" + box.repeated(4 * 1024 * 1024 / box.size()) + "\x0c\r\n\x11";
+    qsizetype shown = 0;
+    const double seconds = SecondsOf([&] { shown = records::ExtractPrintText(answer).size(); });
+    std::printf("print text of %lld KB: %.2f s (%lld characters)\n",
+                static_cast<long long>(answer.size() / 1024), seconds, static_cast<long long>(shown));
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -129,6 +141,7 @@ int main(int argc, char *argv[])
                 static_cast<long long>(csv.size()));
 
     LargeFieldFigures();
+    PrintTextFigure();
 
     constexpr int kRead = 50;
     constexpr int kBaud = 9600;
