@@ -1,14 +1,20 @@
-// Record benchmarks: decoding, reports and CSV per second, and reading records at 9600 baud
-// against the wire time of the bytes that crossed.
+// Record benchmarks: decoding, reports and CSV per second, reports and PDFs of records with one
+// very large field, and reading records at 9600 baud against the wire time of the bytes that crossed.
 #include "QuietPrompter.h"
 #include "link/Link.h"
 #include "records/RecordDecoding.h"
 #include "records/RecordFiles.h"
 #include "records/RecordRetrieval.h"
 #include "records/ReportBuilder.h"
+#include "records/TesterPrintText.h"
+#include "records/print/ReportDocument.h"
 #include "sim/SampleRecords.h"
 #include "sim/SimTransport.h"
 #include "sim/VirtualTester.h"
+
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QTemporaryDir>
 
 #include <chrono>
 #include <cstdio>
@@ -63,10 +69,58 @@ QList<QByteArray> Records(int count)
     return records;
 }
 
+double SecondsOf(const std::function<void()> &work)
+{
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return Seconds(std::chrono::steady_clock::now() - start).count();
+}
+
+// A sample record whose first repair line (field 65) is `size` bytes long: time and memory of reports
+// and PDFs must grow with the size and no faster.
+void LargeFieldFigures()
+{
+    QTemporaryDir dir;
+    const QByteArray sample = sim::SampleTestRecords().first();
+    QList<QByteArray> fields = sample.split(';');
+    fields[54] = "18.03.09"; // an accessory date: the report shows the repair text
+    for (const qsizetype size : {qsizetype(100) * 1024, qsizetype(1024) * 1024, qsizetype(4) * 1024 * 1024}) {
+        QByteArray text = "Kabel gepr\x81"
+                          "ft und Stecker getauscht, Schutzleiter gemessen. ";
+        fields[64] = text.repeated(size / text.size() + 1).left(size);
+        const QByteArray record = fields.join(';') + "\r\n";
+        QString report;
+        const double reportTime =
+            SecondsOf([&] { report = records::BuildReport(records::DecodeRecord(record)); });
+        const QString pdf = dir.filePath(QStringLiteral("large.pdf"));
+        const double pdfTime =
+            SecondsOf([&] { records::SaveReportPdf(report, pdf, QStringLiteral("bench")); });
+        std::printf("field of %5lld KB: report %.3f s, PDF %.2f s (%lld KB, %.2f s per MB of field)\n",
+                    static_cast<long long>(size / 1024), reportTime, pdfTime,
+                    static_cast<long long>(QFileInfo(pdf).size() / 1024), pdfTime / (size / 1048576.0));
+    }
+}
+
+// A tester print text of the largest answer the link takes, all box drawing and umlauts.
+void PrintTextFigure()
+{
+    const QByteArray box = "\xda\xc4\xc4\xbf\xb3\x81\x84\xea\xb3\xc0\xc4\xd9\r\n";
+    const QByteArray answer = "prn!1\r\n\x05" + box.repeated(4 * 1024 * 1024 / box.size()) + "\x0c\r\n\x11";
+    qsizetype shown = 0;
+    const double seconds = SecondsOf([&] { shown = records::ExtractPrintText(answer).size(); });
+    std::printf("print text of %lld KB: %.2f s (%lld characters)\n",
+                static_cast<long long>(answer.size() / 1024), seconds, static_cast<long long>(shown));
+}
+
 } // namespace
 
-int main()
+int main(int argc, char *argv[])
 {
+    // The PDF writer needs fonts, hence a GUI application (offscreen when there is no display).
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+
     constexpr int kCount = 10000;
     QList<QByteArray> texts;
     for (const QByteArray &record : Records(kCount))
@@ -86,6 +140,9 @@ int main()
     std::printf("csv:     %10.0f records/s (%lld bytes)\n", csvRate * kCount,
                 static_cast<long long>(csv.size()));
 
+    LargeFieldFigures();
+    PrintTextFigure();
+
     constexpr int kRead = 50;
     constexpr int kBaud = 9600;
     sim::VirtualTester tester(link::SteadyClock::instance());
@@ -97,9 +154,9 @@ int main()
     link::Link link(counting, prompter);
     link.OpenPort(QStringLiteral("Simulator"));
     const auto start = std::chrono::steady_clock::now();
-    const int count = records::CountRecords(link);
+    const int count = records::CountRecords(link).value_or(0);
     for (int i = 1; i <= count; ++i)
-        records::ReadRecord(link, i, records::FillerRule::Position);
+        (void)records::ReadRecord(link, i, records::FillerRule::Position);
     const double elapsed = Seconds(std::chrono::steady_clock::now() - start).count();
     const double wire = counting.bytes() * 10.0 / kBaud;
     std::printf("read %d records at %d baud: %.2f s for %lld bytes, wire time %.2f s, ratio %.3f\n", count,

@@ -48,9 +48,9 @@ Words SplitWords(const QStringList &words, const QStringList &valueOptions)
     return result;
 }
 
-int ExitFor(const records::RetrievalResult &result)
+int ExitFor(records::RetrievalStatus status)
 {
-    return result.status == records::RetrievalStatus::Done ? kExitDone : kExitFailed;
+    return status == records::RetrievalStatus::Done ? kExitDone : kExitFailed;
 }
 
 int ReadAll(CliContext &context, const QString &file)
@@ -63,7 +63,7 @@ int ReadAll(CliContext &context, const QString &file)
                                  [&out](int number, const QByteArray &) { out << number << '\n'; });
     if (result.status == records::RetrievalStatus::Done)
         out << result.records.size() << " records -> " << QDir::toNativeSeparators(file) << '\n';
-    return ExitFor(result);
+    return ExitFor(result.status);
 }
 
 int Records(CliContext &context, const QStringList &words)
@@ -73,29 +73,31 @@ int Records(CliContext &context, const QStringList &words)
     QTextStream &out = context.out();
     if (action == QLatin1String("count") && w.positional.size() == 1 && w.options.isEmpty()) {
         context.OpenPort();
-        out << records::CountRecords(context.link()) << '\n';
+        const std::optional<int> count = records::CountRecords(context.link());
+        if (!count)
+            return kExitFailed;
+        out << *count << '\n';
         return kExitDone;
     }
     if (action == QLatin1String("list") && w.positional.size() == 1 && w.options.isEmpty()) {
         context.OpenPort();
-        if (records::CountRecords(context.link()) < 1) {
-            context.prompter().message(records::kNoRecordsText, link::Prompter::Icon::Information);
-            return kExitFailed;
-        }
-        const auto listing = records::ReadStoreListing(context.link(), records::kProtoFileName);
-        for (const QString &entry : listing.records)
+        const auto result =
+            records::ListStoreRecords(context.link(), context.prompter(), records::kProtoFileName);
+        for (const QString &entry : std::as_const(result.listing.records))
             out << entry << '\n';
-        return kExitDone;
+        return ExitFor(result.status);
     }
     if (action == QLatin1String("read-all") && w.positional.size() == 2 && w.options.isEmpty())
         return ReadAll(context, w.positional[1]);
     if (action == QLatin1String("current") && w.positional.size() == 2 && w.options.isEmpty()) {
         context.prompter().PresetFile(w.positional[1]);
         context.OpenPort();
-        return ExitFor(records::StoreCurrentRecord(context.link(), context.prompter()));
+        return ExitFor(records::StoreCurrentRecord(context.link(), context.prompter()).status);
     }
     if (action == QLatin1String("show") && w.positional.size() == 2) {
         const int record = NumberArgument(w.positional[1], QStringLiteral("N"));
+        if (record < 1 || record > records::kMaxRecords)
+            throw UsageError{QStringLiteral("N muss zwischen 1 und %1 liegen").arg(records::kMaxRecords)};
         const int templateNumber =
             NumberArgument(w.options.value(QStringLiteral("--template"), "1"), QStringLiteral("--template"));
         if (templateNumber < records::kLowestTemplate || templateNumber > records::kHighestTemplate)
@@ -124,24 +126,33 @@ int Report(CliContext &context, const QStringList &words)
     QTextStream &out = context.out();
     QTextStream err(stderr);
     int exitCode = kExitDone;
-    QStringList reports;
-    // A refused record is named and skipped; the others still make their reports.
-    for (const QByteArray &record : std::as_const(chosen)) {
-        try {
-            reports << records::BuildReport(records::DecodeRecord(record));
-        } catch (const link::KalvoError &e) {
-            err << e.message() << Qt::endl;
-            exitCode = kExitFailed;
+    // Each report is made, handed on and dropped: a file of many records never has all its
+    // reports in memory at once. A refused record is named and skipped; the others still come.
+    const auto eachReport = [&](const std::function<void(const QString &)> &use) {
+        for (const QByteArray &record : std::as_const(chosen)) {
+            try {
+                use(records::BuildReport(records::DecodeRecord(record)));
+            } catch (const link::KalvoError &e) {
+                err << e.message() << Qt::endl;
+                exitCode = kExitFailed;
+            }
         }
-    }
+    };
     if (w.options.contains(QStringLiteral("--pdf"))) {
         // The reports go to the PDF, one a page; the path of what was written goes to stdout.
         const QString pdf = w.options.value(QStringLiteral("--pdf"));
-        records::SaveReportPdf(reports, pdf, QFileInfo(w.positional[0]).fileName());
+        records::SaveReportPdf(pdf, QFileInfo(w.positional[0]).fileName(), [&](records::ReportPages &pages) {
+            eachReport([&](const QString &report) { pages.Add(report); });
+        });
         out << pdf << '\n';
         return exitCode;
     }
-    out << reports.join(QStringLiteral("\f\r\n"));
+    bool first = true;
+    eachReport([&](const QString &report) {
+        if (!std::exchange(first, false))
+            out << QStringLiteral("\f\r\n");
+        out << report;
+    });
     return exitCode;
 }
 

@@ -5,6 +5,7 @@
 
 #include <QStringDecoder>
 #include <QStringEncoder>
+#include <array>
 
 namespace kalvo::link {
 
@@ -34,22 +35,62 @@ QByteArray EncodeTesterText(const QString &text)
     return encoder.encode(text);
 }
 
+namespace {
+
+// The display drops control bytes, "#", "@", 123..127 and 253 and above.
+bool DroppedByDisplay(unsigned char c)
+{
+    return c < 32 || c == '#' || c == '@' || (c >= 123 && c <= 127) || c >= 253;
+}
+
+// The nine tester codes the display conversion maps, as Windows-1252 bytes (they are Latin-1 as
+// well); nullptr for every other code.
+const char *MappedWindowsBytes(unsigned char c)
+{
+    switch (c) {
+    case 230: return "\xb5"; // µ
+    case 234: return "Ohm";  // the ohm sign, deliberately spelt out
+    case 142: return "\xc4"; // Ä
+    case 153: return "\xd6"; // Ö
+    case 154: return "\xdc"; // Ü
+    case 225: return "\xdf"; // ß
+    case 132: return "\xe4"; // ä
+    case 148: return "\xf6"; // ö
+    case 129: return "\xfc"; // ü
+    default: return nullptr;
+    }
+}
+
+// What each byte of a record text shows as; built once, since reports look up every byte.
+const std::array<QString, 256> &RecordTextTable()
+{
+    static const std::array<QString, 256> table = [] {
+        std::array<QString, 256> t;
+        QStringDecoder windows("windows-1252");
+        for (int c = 32; c < 256; ++c) {
+            const auto code = static_cast<unsigned char>(c);
+            if (c == 127)
+                continue;
+            if (const char *mapped = MappedWindowsBytes(code))
+                t[code] = QString::fromLatin1(mapped);
+            else if (c < 128 || !windows.isValid())
+                t[code] = QString(QChar(c));
+            else
+                t[code] = windows.decode(QByteArray(1, static_cast<char>(code)));
+        }
+        return t;
+    }();
+    return table;
+}
+
+} // namespace
+
 QString ConvertDisplayChar(unsigned char c)
 {
-    if (c < 32 || c == '#' || c == '@' || (c >= 123 && c <= 127) || c >= 253)
+    if (DroppedByDisplay(c))
         return {};
-    switch (c) {
-    case 230: return QStringLiteral("µ");
-    case 234: return QStringLiteral("Ohm");
-    case 142: return QStringLiteral("Ä");
-    case 153: return QStringLiteral("Ö");
-    case 154: return QStringLiteral("Ü");
-    case 225: return QStringLiteral("ß");
-    case 132: return QStringLiteral("ä");
-    case 148: return QStringLiteral("ö");
-    case 129: return QStringLiteral("ü");
-    default: break;
-    }
+    if (const char *mapped = MappedWindowsBytes(c))
+        return QString::fromLatin1(mapped);
     if (c < 128)
         return QString(QChar(c));
     return DecodeTesterText(QByteArray(1, static_cast<char>(c)));
@@ -61,6 +102,32 @@ QString ConvertDisplayText(const QByteArray &bytes)
     out.reserve(bytes.size());
     for (char ch : bytes)
         out += ConvertDisplayChar(static_cast<unsigned char>(ch));
+    return out;
+}
+
+QByteArray ConvertDisplayBytes(const QByteArray &bytes)
+{
+    QByteArray out;
+    out.reserve(bytes.size());
+    for (const char ch : bytes) {
+        const auto c = static_cast<unsigned char>(ch);
+        if (DroppedByDisplay(c))
+            continue;
+        if (const char *mapped = MappedWindowsBytes(c))
+            out += mapped;
+        else
+            out += ch;
+    }
+    return out;
+}
+
+QString DecodeRecordText(const QByteArray &bytes)
+{
+    const std::array<QString, 256> &table = RecordTextTable();
+    QString out;
+    out.reserve(bytes.size());
+    for (const char ch : bytes)
+        out += table[static_cast<unsigned char>(ch)];
     return out;
 }
 

@@ -21,6 +21,15 @@ QString DecodeTesterText(const QByteArray &bytes);
 // Text typed on the PC in the tester's character set; what it cannot hold becomes "?".
 QByteArray EncodeTesterText(const QString &text);
 
+// The display conversion for files: the nine mapped codes become their Windows-1252 bytes (234
+// the three letters "Ohm"), the codes the display drops are dropped, every other byte stays as it
+// is. Converted bytes convert to themselves, so applying it twice changes nothing.
+QByteArray ConvertDisplayBytes(const QByteArray &bytes);
+// A record text as shown on screen, whether it holds the tester's own bytes or converted ones:
+// the nine tester codes as the display conversion maps them, every other byte of 128 and above
+// as Windows-1252, control bytes dropped; "#", "@" and the rest of the field text are kept.
+QString DecodeRecordText(const QByteArray &bytes);
+
 // The text from one character after the first `startMark` up to the first `endMark`
 // (the rest when `endMark` is empty). Throws FormatError when `endMark` is missing or
 // stands before the start.

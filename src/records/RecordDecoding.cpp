@@ -55,7 +55,22 @@ namespace {
 // One character of the code string read as a hexadecimal digit; anything else counts as 0.
 int HexDigitAt(const QByteArray &code, int position)
 {
-    return static_cast<int>(link::NumericValue("&H" + code.mid(position - 1, 1)));
+    return static_cast<int>(link::WholeNumber("&H" + code.mid(position - 1, 1), 0, 15).value_or(0));
+}
+
+// Characters 29 and 30 of the code string, the protection class plus 4. A code string of 25 to 28
+// characters has none, and blanks say the same: both count 0 as they always have. Anything else
+// that is no number is a damaged record, not a class.
+int ProtectionClassCode(const QByteArray &code)
+{
+    const QByteArray digits = code.mid(28, 2);
+    if (digits.trimmed().isEmpty())
+        return 0;
+    const std::optional<qint64> value = link::WholeNumber(digits, -9, 99);
+    if (!value)
+        throw link::FormatError(QStringLiteral("Messtring \"%1\"").arg(link::EscapeBytes(code.left(40))), 0,
+                                QStringLiteral("die Schutzklasse + 4 als Zahl an Stelle 29 und 30"));
+    return static_cast<int>(*value);
 }
 
 QString AppliedPartName(const QByteArray &code)
@@ -97,7 +112,7 @@ DecodedRecord DecodeRecord(const QByteArray &recordText)
     if (code.size() < kMinCodeStringLength)
         throw RecordTooOld();
 
-    record.protectionClass = QString::number(static_cast<int>(link::NumericValue(code.mid(28, 2))) - 4);
+    record.protectionClass = QString::number(ProtectionClassCode(code) - 4);
     record.appliedPart = AppliedPartName(code.mid(30, 2));
     record.regulation = RegulationName(HexDigitAt(code, 13));
     record.verdict =

@@ -2,6 +2,7 @@
 #include "RecordFiles.h"
 
 #include "RecordRetrieval.h"
+#include "RecordSteps.h"
 
 #include "link/Errors.h"
 #include "link/Link.h"
@@ -10,19 +11,18 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QHash>
+#include <QLocale>
 #include <QSaveFile>
-#include <QStringEncoder>
+#include <QStringDecoder>
 
 namespace kalvo::records {
 
 namespace {
 
-QByteArray ReadWhole(const QString &path)
+QString Mebibytes(qint64 bytes)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw link::FormatError(path, 0, QStringLiteral("eine lesbare Datei (%1)").arg(file.errorString()));
-    return file.readAll();
+    return QLocale::c().toString(static_cast<double>(bytes) / (1024 * 1024), 'f', 1) + QStringLiteral(" MiB");
 }
 
 QByteArray WithLineEnd(const QByteArray &line)
@@ -30,29 +30,77 @@ QByteArray WithLineEnd(const QByteArray &line)
     return line.endsWith("\r\n") ? line : line + "\r\n";
 }
 
-// The program's own files are Windows text; what the code page cannot hold becomes "?".
-QByteArray ToWindows1252(const QString &text)
+// Which byte of a code page shows each character of 128 and above.
+QHash<char16_t, char> CodePageBytes(const char *name)
 {
-    QStringEncoder encoder("windows-1252");
-    if (!encoder.isValid())
-        return text.toLatin1();
-    return encoder.encode(text);
+    QHash<char16_t, char> bytes;
+    QStringDecoder decoder(name);
+    if (!decoder.isValid())
+        return bytes;
+    for (int c = 128; c < 256; ++c) {
+        const QString shown = decoder.decode(QByteArray(1, static_cast<char>(c)));
+        if (shown.size() == 1 && shown[0] != QChar::ReplacementCharacter)
+            bytes.insert(shown[0].unicode(), static_cast<char>(c));
+    }
+    return bytes;
 }
 
-// Report text is already display text: only the characters the display conversion drops go.
-QString ConvertShownChar(QChar ch)
+// Report text is already display text: of the characters below 128 only those the display would
+// drop go; the others are kept whatever they are.
+QString WithoutDroppedChars(const QString &text)
 {
-    if (ch.unicode() < 128)
-        return link::ConvertDisplayChar(static_cast<unsigned char>(ch.unicode()));
-    return QString(ch);
+    QString kept;
+    kept.reserve(text.size());
+    for (const QChar ch : text)
+        if (ch.unicode() >= 128 ||
+            !link::ConvertDisplayChar(static_cast<unsigned char>(ch.unicode())).isEmpty())
+            kept += ch;
+    return kept;
+}
+
+// Appends `text` converted by `convert`, ending a line behind the third character after each "$".
+// The countdown runs over the characters as they stand, dropped ones included, and goes on from
+// one entry to the next.
+template <typename Text, typename Convert>
+void AppendCsvText(QByteArray &out, int &countdown, const Text &text, Convert convert)
+{
+    qsizetype from = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'$')
+            countdown = 4;
+        if (countdown > 0 && --countdown == 0) {
+            out += convert(text.mid(from, i + 1 - from)) + "\r\n";
+            from = i + 1;
+        }
+    }
+    out += convert(text.mid(from));
 }
 
 } // namespace
 
+QByteArray ReadWholeFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        throw link::FormatError(path, 0, QStringLiteral("eine lesbare Datei (%1)").arg(file.errorString()));
+    const auto tooLarge = [&path](const QString &size) {
+        return link::FormatError(
+            path, 0,
+            QStringLiteral("eine Datei von höchstens %1, nicht %2").arg(Mebibytes(kMaxFileBytes), size));
+    };
+    if (file.size() > kMaxFileBytes)
+        throw tooLarge(Mebibytes(file.size()));
+    // A pipe or device tells no size: read one byte beyond the limit to know.
+    QByteArray bytes = file.read(kMaxFileBytes + 1);
+    if (bytes.size() > kMaxFileBytes)
+        throw tooLarge(QStringLiteral("mehr als ") + Mebibytes(kMaxFileBytes));
+    return bytes;
+}
+
 QList<QByteArray> LoadRecordFile(const QString &path)
 {
     QList<QByteArray> records;
-    for (QByteArray line : ReadWhole(path).split('\n')) {
+    for (QByteArray line : ReadWholeFile(path).split('\n')) {
         if (line.endsWith('\r'))
             line.chop(1);
         if (!line.isEmpty())
@@ -77,20 +125,50 @@ void WriteRecordFile(const QString &path, const QList<QByteArray> &records)
     WriteBytesFile(path, bytes);
 }
 
+QByteArray EncodeShownText(const QString &text)
+{
+    static const QHash<char16_t, char> windows = CodePageBytes("windows-1252");
+    static const QHash<char16_t, char> tester = CodePageBytes("IBM437");
+    QByteArray out;
+    out.reserve(text.size());
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const char16_t u = text[i].unicode();
+        if (u < 128) {
+            out += static_cast<char>(u);
+        } else if (const auto w = windows.constFind(u); w != windows.cend()) {
+            out += *w;
+        } else if (const auto t = tester.constFind(u); t != tester.cend()) {
+            out += *t;
+        } else {
+            // Typed text beyond both code pages: kept as UTF-8 rather than lost.
+            const qsizetype length = text[i].isHighSurrogate() && i + 1 < text.size() ? 2 : 1;
+            out += text.mid(i, length).toUtf8();
+            i += length - 1;
+        }
+    }
+    return out;
+}
+
 StoreStatus StoreAccessoryRecords(link::Link &link, link::Prompter &prompter, const QString &logTmpPath,
                                   const QList<QByteArray> &table, const QString &reportText)
 {
     const QString path = prompter.askSaveFile(kRecordFileFilter);
     if (path.isEmpty())
         return StoreStatus::Cancelled;
-    if (link.Exchange("idn?").contains(kAccessoryIdentity)) {
-        WriteBytesFile(path, ReadWhole(logTmpPath));
+    const link::RefusalWatch watch(link);
+    const std::optional<QByteArray> identity = Ask(link, "idn?");
+    if (!identity) {
+        TellNothingWritten(prompter, watch, path);
+        return StoreStatus::Refused;
+    }
+    if (identity->contains(kAccessoryIdentity)) {
+        WriteBytesFile(path, ReadWholeFile(logTmpPath));
         return StoreStatus::Written;
     }
     QByteArray bytes;
     for (int i = 0; i < kAccessoryTableSize; ++i)
         bytes += WithLineEnd(table.value(i));
-    bytes += ToWindows1252(reportText);
+    bytes += EncodeShownText(reportText);
     WriteBytesFile(path, bytes);
     return StoreStatus::Written;
 }
@@ -98,33 +176,23 @@ StoreStatus StoreAccessoryRecords(link::Link &link, link::Prompter &prompter, co
 QByteArray ExportCsv(const QByteArray &headerLine, const QList<QByteArray> &entries,
                      const QString &reportText)
 {
-    QString text;
+    QByteArray out = headerLine + "\r\n;";
     int countdown = 0;
-    // The countdown runs over the characters as they stand, dropped ones included.
-    auto put = [&text, &countdown](bool dollar, const QString &shown) {
-        if (dollar)
-            countdown = 4;
-        text += shown;
-        if (countdown > 0 && --countdown == 0)
-            text += QStringLiteral("\r\n");
-    };
     // With no entry at all the report text stands in for entry 0 as well.
     const QList<QByteArray> table = entries.isEmpty() ? QList<QByteArray>{QByteArray()} : entries;
     for (qsizetype i = 0; i < table.size(); ++i) {
-        if (i == 0 && table[0].isEmpty()) {
-            for (const QChar ch : reportText)
-                put(ch == QLatin1Char('$'), ConvertShownChar(ch));
-            continue;
-        }
-        for (const char ch : table[i])
-            put(ch == '$', link::ConvertDisplayChar(static_cast<unsigned char>(ch)));
+        if (i == 0 && table[0].isEmpty())
+            AppendCsvText(out, countdown, reportText,
+                          [](const QString &text) { return EncodeShownText(WithoutDroppedChars(text)); });
+        else
+            AppendCsvText(out, countdown, table[i], link::ConvertDisplayBytes);
     }
-    return headerLine + "\r\n;" + ToWindows1252(text);
+    return out;
 }
 
 QByteArray ReadCsvHeader(const QString &ueberCsvPath)
 {
-    QList<QByteArray> lines = ReadWhole(ueberCsvPath).split('\n');
+    QList<QByteArray> lines = ReadWholeFile(ueberCsvPath).split('\n');
     while (!lines.isEmpty() && (lines.last().isEmpty() || lines.last() == "\r"))
         lines.removeLast();
     if (lines.isEmpty())

@@ -16,24 +16,38 @@ inline const QString kUeberCsvFileName = QStringLiteral("ueber.csv");
 inline const QString kLogTmpFileName = QStringLiteral("log.tmp");
 inline const QString kProtoFileName = QStringLiteral("proto.txt");
 constexpr int kAccessoryTableSize = 12;
+// The largest file read whole (record files, log.tmp, ueber.csv). A record file of a full store is
+// about 100 KB and ueber.csv one line; 64 MiB is hundreds of times any real one, yet its records
+// still fit in memory next to the reports made of them.
+constexpr qint64 kMaxFileBytes = 64 * 1024 * 1024;
 
+// The file's bytes; throws FormatError when it cannot be read or is larger than kMaxFileBytes
+// (the message gives its size).
+QByteArray ReadWholeFile(const QString &path);
 // One record per line, each returned with its CR LF; empty lines are skipped (they hold no record).
-// Throws FormatError when the file cannot be read.
+// Throws FormatError when the file cannot be read or is too large.
 QList<QByteArray> LoadRecordFile(const QString &path);
 // Writes the records one per line (CR LF added where a record has none) through QSaveFile.
 void WriteRecordFile(const QString &path, const QList<QByteArray> &records);
 // Writes `bytes` whole through QSaveFile; throws FormatError when that fails.
 void WriteBytesFile(const QString &path, const QByteArray &bytes);
 
-enum class StoreStatus { Written, Cancelled };
+// Text shown on screen (a report, typed text) as bytes of the program's files: Windows-1252 where
+// it holds the character, else the tester's code page (the box drawing of its print texts), else
+// UTF-8; nothing is replaced by a substitute.
+QByteArray EncodeShownText(const QString &text);
+
+enum class StoreStatus { Written, Cancelled, Refused };
 // "protStore": with the accessory attached, log.tmp is copied to the file chosen in the save
 // dialog; otherwise the accessory table (one entry a line) and then the report text are written.
+// A refused "idn?" writes nothing (Refused, and the user is told).
 StoreStatus StoreAccessoryRecords(link::Link &link, link::Prompter &prompter, const QString &logTmpPath,
                                   const QList<QByteArray> &table, const QString &reportText);
 
-// The export's bytes (Windows-1252): the header line and CR LF, ";", then every entry character by
-// character through the display conversion, a line ending behind the third character after each
-// "$". An empty entry 0 is replaced by `reportText`. Any number of entries is accepted.
+// The export's bytes: the header line and CR LF, ";", then every entry through the display
+// conversion for files (ConvertDisplayBytes), a line ending behind the third character after each
+// "$". An empty entry 0 is replaced by `reportText` (EncodeShownText, without the characters the
+// display drops). Any number of entries is accepted.
 QByteArray ExportCsv(const QByteArray &headerLine, const QList<QByteArray> &entries,
                      const QString &reportText);
 // The last line of a header file such as ueber.csv, without its line end; throws FormatError when

@@ -1,11 +1,12 @@
-// Reading test records from the tester's store and the KYM accessory.
+// Reading test records from the tester's store: the count, one record, the current record, and
+// the operations that put them into a record file.
 #include "RecordRetrieval.h"
 
 #include "RecordFiles.h"
+#include "RecordSteps.h"
 
 #include "link/Errors.h"
 #include "link/Link.h"
-#include "link/TextRules.h"
 
 namespace kalvo::records {
 
@@ -15,25 +16,14 @@ constexpr qsizetype kTrailerLength = 4; // "." CR LF DC1 behind every part
 constexpr qsizetype kFillerLength = 8;
 const QByteArray kFillerText = "XXXXXXXX";
 
-QString AnswerTo(const QByteArray &command)
-{
-    return QStringLiteral("Antwort auf %1").arg(QString::fromLatin1(command));
-}
-
-// The text behind the first `mark`; a missing mark gives the whole answer, as the position
-// arithmetic of the record readers always has.
-QByteArray After(const QByteArray &answer, const QByteArray &mark, qsizetype skip = 0)
-{
-    return answer.mid(link::PositionOf(answer, mark) + skip);
-}
-
 // Appends one part and cuts the 4-character trailer off the record. A part that is shorter than
 // its trailer would eat record data, so the read stops there instead.
-void AppendPart(QByteArray &record, const QByteArray &part, const QByteArray &command)
+void AppendPart(QByteArray &record, const QByteArray &part, const QByteArray &command,
+                const QByteArray &answer)
 {
     if (part.size() < kTrailerLength)
-        throw link::FormatError(AnswerTo(command), 0,
-                                QStringLiteral("mindestens %1 Zeichen hinter der Marke").arg(kTrailerLength));
+        throw link::FormatError::ForAnswer(
+            command, answer, QStringLiteral("mindestens %1 Zeichen hinter der Marke").arg(kTrailerLength));
     record += part;
     record.chop(kTrailerLength);
 }
@@ -47,69 +37,79 @@ QByteArray FillerPart(const QByteArray &answer, FillerRule rule)
     return answer.mid((at < 0 ? 0 : at) + kFillerLength);
 }
 
-void Notify(const RecordCallback &onRecord, int number, const QByteArray &record)
+// The three parts of a record, each cut by `cut`; nullopt when any of them was refused. A refused
+// part is not taken apart: its text is the tester's complaint, not record data.
+template <typename Cut>
+std::optional<QByteArray> ReadParts(link::Link &link, const QByteArray &prefix, Cut cut)
 {
-    if (onRecord)
-        onRecord(number, record);
+    QByteArray record;
+    bool refused = false;
+    for (const char part : {'x', 'y', 'z'}) {
+        const QByteArray command = prefix + part;
+        const std::optional<QByteArray> answer = Ask(link, command);
+        if (!answer)
+            refused = true;
+        else if (!refused)
+            AppendPart(record, cut(part, *answer), command, *answer);
+    }
+    if (refused)
+        return std::nullopt;
+    return record + kRecordEnd;
 }
 
-// Reads records 1..count and writes them to `path`; the file appears only when all have been read.
-RetrievalResult ReadAllInto(link::Link &link, const QString &path, int count, FillerRule rule,
-                            const RecordCallback &onRecord)
+RetrievalResult Refused(link::Prompter &prompter, const link::RefusalWatch &watch, const QString &path)
+{
+    TellNothingWritten(prompter, watch, path);
+    return {RetrievalStatus::Refused, {}};
+}
+
+RetrievalResult NoRecords(link::Prompter &prompter)
+{
+    prompter.message(kNoRecordsText, link::Prompter::Icon::Information);
+    return {RetrievalStatus::NoRecords, {}};
+}
+
+// Reads records 1..count and writes them to `path`. The file appears only when all have been read
+// and nothing was refused on the way; a refused record does not stop the others from being asked for.
+RetrievalResult ReadAllInto(link::Link &link, link::Prompter &prompter, const link::RefusalWatch &watch,
+                            const QString &path, int count, FillerRule rule, const RecordCallback &onRecord)
 {
     RetrievalResult result{RetrievalStatus::Done, {}};
     for (int i = 1; i <= count; ++i) {
-        result.records << ReadRecord(link, i, rule);
-        Notify(onRecord, i, result.records.last());
+        const std::optional<QByteArray> record = ReadRecord(link, i, rule);
+        prompter.progress(i * 100 / count);
+        if (!record)
+            continue;
+        result.records << *record;
+        if (onRecord)
+            onRecord(i, *record);
     }
+    if (watch.refused())
+        return Refused(prompter, watch, path);
     WriteRecordFile(path, result.records);
     return result;
 }
 
-RetrievalResult NoRecords(link::Prompter &prompter, const QString &text)
-{
-    prompter.message(text, link::Prompter::Icon::Information);
-    return {RetrievalStatus::NoRecords, {}};
-}
-
 } // namespace
 
-int CountRecords(link::Link &link)
+std::optional<int> CountRecords(link::Link &link)
 {
-    return static_cast<int>(link::NumericValue(After(link.Exchange("prx?n"), "=").trimmed()));
-}
-
-QByteArray ReadRecord(link::Link &link, int index, FillerRule rule)
-{
-    const QByteArray number = QByteArray::number(index);
-    QByteArray record;
-    const QByteArray x = "prx?" + number + 'x';
-    AppendPart(record, After(link.Exchange(x), ":"), x);
-    for (const char part : {'y', 'z'}) {
-        const QByteArray command = "prx?" + number + part;
-        AppendPart(record, FillerPart(link.Exchange(command), rule), command);
-    }
-    return record + kRecordEnd;
-}
-
-bool HasCurrentRecord(link::Link &link)
-{
-    return link.Exchange("prx?").contains(".Y");
-}
-
-QByteArray ReadCurrentRecordParts(link::Link &link)
-{
-    QByteArray record;
-    for (const char *command : {"prx?x", "prx?y", "prx?z"})
-        AppendPart(record, After(link.Exchange(command), "="), command);
-    return record + kRecordEnd;
-}
-
-std::optional<QByteArray> ReadCurrentRecord(link::Link &link)
-{
-    if (!HasCurrentRecord(link))
+    const std::optional<QByteArray> answer = Ask(link, "prx?n");
+    if (!answer)
         return std::nullopt;
-    return ReadCurrentRecordParts(link);
+    return ReadCount("prx?n", *answer, "=");
+}
+
+std::optional<QByteArray> ReadRecord(link::Link &link, int index, FillerRule rule)
+{
+    return ReadParts(link, "prx?" + QByteArray::number(index), [rule](char part, const QByteArray &answer) {
+        return part == 'x' ? After(answer, ":") : FillerPart(answer, rule);
+    });
+}
+
+std::optional<QByteArray> ReadCurrentRecordParts(link::Link &link)
+{
+    return ReadParts(link, "prx?", [](char, const QByteArray &answer) { return After(answer, "="); });
 }
 
 RetrievalResult StoreAllRecords(link::Link &link, link::Prompter &prompter, const RecordCallback &onRecord)
@@ -117,116 +117,50 @@ RetrievalResult StoreAllRecords(link::Link &link, link::Prompter &prompter, cons
     const QString path = prompter.askSaveFile(kRecordFileFilter);
     if (path.isEmpty())
         return {};
-    const int count = CountRecords(link);
+    const link::RefusalWatch watch(link);
+    const std::optional<int> count = CountRecords(link);
+    if (!count)
+        return Refused(prompter, watch, path);
     // Unlike the old program, an empty store leaves no empty file behind (and an old file intact).
-    if (count <= 0)
-        return NoRecords(prompter, kNoRecordsText);
-    return ReadAllInto(link, path, count, FillerRule::Position, onRecord);
+    if (*count <= 0)
+        return NoRecords(prompter);
+    return ReadAllInto(link, prompter, watch, path, *count, FillerRule::Position, onRecord);
 }
 
 RetrievalResult StoreCurrentRecord(link::Link &link, link::Prompter &prompter)
 {
-    if (!HasCurrentRecord(link))
-        return NoRecords(prompter, kNoRecordsText);
+    const link::RefusalWatch watch(link);
+    const std::optional<QByteArray> present = Ask(link, "prx?");
+    if (!present)
+        return Refused(prompter, watch, {});
+    if (!present->contains(".Y"))
+        return NoRecords(prompter);
     const QString path = prompter.askSaveFile(kRecordFileFilterAfterRead);
     if (path.isEmpty())
         return {};
-    RetrievalResult result{RetrievalStatus::Done, {ReadCurrentRecordParts(link)}};
-    WriteRecordFile(path, result.records);
-    return result;
+    const std::optional<QByteArray> record = ReadCurrentRecordParts(link);
+    if (!record)
+        return Refused(prompter, watch, path);
+    WriteRecordFile(path, {*record});
+    return {RetrievalStatus::Done, {*record}};
 }
 
 RetrievalResult ReadProtocols(link::Link &link, link::Prompter &prompter, const RecordCallback &onRecord)
 {
-    const int count = CountRecords(link);
-    if (!prompter.confirm(QString::number(count) + QStringLiteral(" Protokolle gespeichert")))
+    const link::RefusalWatch watch(link);
+    const std::optional<int> count = CountRecords(link);
+    // Without a count there is nothing to confirm; no file has been asked for yet.
+    if (!count)
+        return Refused(prompter, watch, {});
+    if (!prompter.confirm(QString::number(*count) + QStringLiteral(" Protokolle gespeichert")))
         return {};
     const QString path = prompter.askSaveFile(kRecordFileFilter);
     if (path.isEmpty())
         return {};
     // The old service form wrote an empty file here; an empty store is said instead.
-    if (count <= 0)
-        return NoRecords(prompter, kNoRecordsText);
-    return ReadAllInto(link, path, count, FillerRule::Literal, onRecord);
-}
-
-StoreListing ParseStoreListing(const QByteArray &listing)
-{
-    StoreListing result;
-    const QList<QByteArray> fields = listing.split(';');
-    // The text behind the last ";" is the end of the stream (line end, DC1), not a field.
-    const qsizetype count = fields.size() - 1;
-    for (qsizetype i = 0; i < count; ++i) {
-        if (i % StoreListing::kRowFields == 0)
-            result.rows.append(QList<QByteArray>());
-        result.rows.last().append(link::StripControlChars(fields[i]));
-    }
-    // An empty store answers with a stub, not with a row of data.
-    if (result.rows.isEmpty() || result.rows[0].value(0).size() <= 10)
-        return result;
-    for (const QList<QByteArray> &row : std::as_const(result.rows)) {
-        const QByteArray &entry = row.value(0);
-        if (entry.isEmpty() || entry.contains("DATABASE"))
-            continue;
-        const int number = static_cast<int>(link::NumericValue(After(entry, "=")));
-        result.records << link::ConvertDisplayText(row.value(3)) + QLatin1Char(':') + QString::number(number);
-    }
-    return result;
-}
-
-StoreListing ReadStoreListing(link::Link &link, const QString &protoPath)
-{
-    // The listing may come in several chunks; the answer is complete with the chunk holding DC1.
-    const QByteArray listing = link.Exchange("prx?nx");
-    WriteBytesFile(protoPath, listing);
-    return ParseStoreListing(listing);
-}
-
-QList<QByteArray> SplitAccessoryStream(const QByteArray &stream)
-{
-    QList<QByteArray> records;
-    QByteArray record;
-    bool ending = false;
-    int endCounter = 0;
-    for (char ch : stream) {
-        if (ch == '\x13')
-            ch = ';';
-        if (ch == '$')
-            ending = true;
-        if (ending) {
-            if (endCounter == 3) {
-                records << record + "\r\n";
-                record.clear();
-                ending = false;
-                endCounter = 0;
-            } else {
-                ++endCounter;
-            }
-        }
-        // Kept as the tester's bytes, but only those that the display would show: the record text
-        // must stay one line and read the same as the old program's.
-        if (!link::ConvertDisplayChar(static_cast<unsigned char>(ch)).isEmpty())
-            record.append(ch);
-    }
-    return records;
-}
-
-RetrievalResult ReadAccessoryRecords(link::Link &link, link::Prompter &prompter, const QString &logTmpPath,
-                                     const RecordCallback &onRecord)
-{
-    if (!link.Exchange("idn?").contains(kAccessoryIdentity)) {
-        prompter.message(kNoAccessoryText, link::Prompter::Icon::Information);
-        return {RetrievalStatus::NoAccessory, {}};
-    }
-    const QByteArray waiting = link.Exchange("esr?");
-    if (link::NumericValue(After(waiting, ";")) < 1)
-        return NoRecords(prompter, kNoAccessoryRecordsText);
-
-    RetrievalResult result{RetrievalStatus::Done, SplitAccessoryStream(link.Exchange("wer?"))};
-    for (qsizetype i = 0; i < result.records.size(); ++i)
-        Notify(onRecord, static_cast<int>(i + 1), result.records[i]);
-    WriteRecordFile(logTmpPath, result.records);
-    return result;
+    if (*count <= 0)
+        return NoRecords(prompter);
+    return ReadAllInto(link, prompter, watch, path, *count, FillerRule::Literal, onRecord);
 }
 
 } // namespace kalvo::records

@@ -10,16 +10,18 @@ namespace {
 const QString kLineEnd = QStringLiteral("\r\n");
 const QChar kTab = QLatin1Char('\t');
 
+// Field texts are shown whole: a record file may hold the tester's bytes or converted ones, and
+// both read right.
 QString Shown(const DecodedRecord &record, int field)
 {
-    return link::ConvertDisplayText(record.Field(field));
+    return link::DecodeRecordText(record.Field(field));
 }
 
 } // namespace
 
 QString MeasuredValueText(const QByteArray &field)
 {
-    return field.isEmpty() ? QString(kTab) : link::ConvertDisplayText(field);
+    return field.isEmpty() ? QString(kTab) : link::DecodeRecordText(field);
 }
 
 QString BuildReport(const DecodedRecord &record)

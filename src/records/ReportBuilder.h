@@ -7,7 +7,8 @@
 
 namespace kalvo::records {
 
-// The report text, lines ended by CR LF, columns separated by TAB; field bytes shown as display text.
+// The report text, lines ended by CR LF, columns separated by TAB; field texts shown whole
+// (DecodeRecordText), so the time grows with the record's size and no faster.
 QString BuildReport(const DecodedRecord &record);
 
 // A measured value as the report shows it: its text, or one TAB when empty so the limits stay aligned.

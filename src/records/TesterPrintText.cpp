@@ -4,12 +4,27 @@
 #include "link/Link.h"
 #include "link/TextRules.h"
 
+#include <array>
+
 namespace kalvo::records {
 
 namespace {
 
 constexpr char kFormFeed = '\x0c';
 constexpr unsigned char kEscape = 27;
+
+// The display text of every tester code, looked up once: a print text runs to a few thousand
+// characters a page, and the conversion of a single code is costly.
+const std::array<QString, 256> &DisplayTable()
+{
+    static const std::array<QString, 256> table = [] {
+        std::array<QString, 256> t;
+        for (int c = 0; c < 256; ++c)
+            t[c] = link::ConvertDisplayChar(static_cast<unsigned char>(c));
+        return t;
+    }();
+    return table;
+}
 
 bool TemplateInRange(int templateNumber)
 {
@@ -25,6 +40,7 @@ QString ExtractPrintText(const QByteArray &answer)
     qsizetype end = answer.indexOf(kFormFeed, start);
     if (end < 0)
         end = answer.size();
+    const std::array<QString, 256> &display = DisplayTable();
     QString text;
     text.reserve(end - start);
     for (qsizetype i = start; i < end; ++i) {
@@ -34,7 +50,7 @@ QString ExtractPrintText(const QByteArray &answer)
         if (c == '\r' || c == '\n' || (c >= 20 && c < 32 && c != kEscape))
             text += QChar(c);
         else if (c >= 32 && c <= 254)
-            text += link::ConvertDisplayChar(c);
+            text += display[c];
     }
     return text;
 }

@@ -1,4 +1,4 @@
-// kalvo-cli records, report and csv against kalvo-sim over a pseudo-terminal.
+// kalvo-cli records, report, kym and csv against kalvo-sim over a pseudo-terminal.
 #include "support/SimProcess.h"
 
 #include "support/TestFiles.h"
@@ -10,7 +10,22 @@
 
 using namespace kalvo::testing;
 
-namespace {} // namespace
+namespace {
+
+const QByteArray kOldFile = "PALT;M\x81ller;\xfc;$FF\r\n";
+
+// "P" + fields 1..74 (`fields` first, the rest empty) + ";$FF".
+QByteArray Record(const QList<QByteArray> &fields)
+{
+    QByteArray text = "P";
+    for (int i = 0; i < 74; ++i)
+        text += fields.value(i) + ';';
+    return text + "$FF\r\n";
+}
+
+const QByteArray kCode = "00000010000050000000000000000501";
+
+} // namespace
 
 TEST(CliRecordCommands, ReadAllAsksForEachPartOfEveryRecordAndWritesOneLineEach)
 {
@@ -110,4 +125,108 @@ TEST(CliRecordCommands, RecordsBecomeReportsAPdfAndACsvWithoutTheTester)
     ASSERT_EQ(export_.exitCode, 0) << export_.err.toStdString();
     const QList<QByteArray> rows = ReadFile(csv).split('\n');
     EXPECT_EQ(rows.size(), 1 + count + 1); // the header, a row a record, nothing behind the last line end
+}
+
+TEST(CliRecordCommands, ARefusalAnywhereExitsOneAndLeavesTheOldFileByteForByte)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("alt.txt"));
+    const struct {
+        QStringList simArguments;
+        QStringList arguments;
+        const char *refused;
+        const char *stillAsked; // a command sent after the refusal, as the tester's order has it
+    } cases[] = {
+        {{QStringLiteral("--fault"), QStringLiteral("refuse:prx?3y")},
+         {QStringLiteral("records"), QStringLiteral("read-all"), file},
+         "prx?3y",
+         "prx?4z\\r"},
+        {{QStringLiteral("--fault"), QStringLiteral("refuse:prx?x")},
+         {QStringLiteral("records"), QStringLiteral("current"), file},
+         "prx?x",
+         "prx?z\\r"},
+        {{QStringLiteral("--fault"), QStringLiteral("refuse:prx?nx")},
+         {QStringLiteral("records"), QStringLiteral("list")},
+         "prx?nx",
+         nullptr},
+        {{QStringLiteral("--kym"), QStringLiteral("--fault"), QStringLiteral("refuse:wer?")},
+         {QStringLiteral("kym"), QStringLiteral("read"), file},
+         "wer?",
+         nullptr},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.arguments.join(' ').toStdString());
+        WriteFile(file, kOldFile);
+        WriteFile(dir.filePath(QStringLiteral("proto.txt")), kOldFile);
+        SimProcess sim(c.simArguments);
+        ASSERT_TRUE(sim.started());
+        const RunResult run = RunCli(sim, c.arguments, dir.path());
+        EXPECT_EQ(run.exitCode, 1) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(QStringLiteral("abgelehnt"))) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(QLatin1String(c.refused))) << run.err.toStdString();
+        EXPECT_EQ(ReadFile(file), kOldFile);
+        EXPECT_EQ(ReadFile(dir.filePath(QStringLiteral("proto.txt"))), kOldFile);
+        if (c.stillAsked)
+            EXPECT_TRUE(sim.ReceivedBytes().contains(QLatin1String(c.stillAsked)));
+    }
+}
+
+TEST(CliRecordCommands, FilesFarTooLargeAreRefusedWithTheirSize)
+{
+    QTemporaryDir dir;
+    const QString big = dir.filePath(QStringLiteral("riesig.txt"));
+    const QString csv = dir.filePath(QStringLiteral("export.csv"));
+    {
+        QFile file(big);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(file.resize(qint64(100) * 1024 * 1024)); // sparse
+    }
+    WriteFile(csv, kOldFile);
+    for (const QStringList &arguments :
+         {QStringList{QStringLiteral("report"), big}, QStringList{QStringLiteral("csv"), big, csv}}) {
+        SCOPED_TRACE(arguments.first().toStdString());
+        const RunResult run = RunProgram(QStringLiteral("kalvo-cli"), arguments);
+        EXPECT_EQ(run.exitCode, 1) << run.err.toStdString();
+        EXPECT_TRUE(run.err.contains(QStringLiteral("100.0 MiB"))) << run.err.toStdString();
+        EXPECT_TRUE(run.out.isEmpty());
+    }
+    EXPECT_EQ(ReadFile(csv), kOldFile);
+}
+
+TEST(CliRecordCommands, ReportsShowFieldsWholeInEitherByteFormAndThePdfCarriesALongFieldWhole)
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("gemischt.txt"));
+    QByteArray repair;
+    for (int i = 1; i <= 1500; ++i)
+        repair += QByteArray::number(i).rightJustified(5, '0') + '-';
+    QList<QByteArray> raw(74);
+    raw[0] = "KALVO";
+    raw[1] = kCode;
+    raw[2] = "#12 @Werk";
+    raw[54] = "18.03.09";
+    raw[60] = "M\x81ller";
+    QList<QByteArray> windows = raw;
+    windows[60] = "M\xfcller";
+    windows[64] = repair;
+    WriteFile(file, Record(raw) + Record(windows));
+
+    const RunResult report = RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("report"), file});
+    ASSERT_EQ(report.exitCode, 0) << report.err.toStdString();
+    EXPECT_EQ(report.out.count(QStringLiteral("Name    \tMüller\r\n")), 2) << report.out.toStdString();
+    EXPECT_EQ(report.out.count(QStringLiteral("ID_Nr:          #12 @Werk\r\n")), 2);
+    EXPECT_TRUE(report.out.contains(QString::fromLatin1(repair)));
+
+    const QString pdf = dir.filePath(QStringLiteral("bericht.pdf"));
+    const RunResult printed = RunProgram(QStringLiteral("kalvo-cli"),
+                                         {QStringLiteral("report"), file, QStringLiteral("--pdf"), pdf});
+    ASSERT_EQ(printed.exitCode, 0) << printed.err.toStdString();
+    QProcess pdftotext;
+    pdftotext.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
+    ASSERT_TRUE(pdftotext.waitForFinished(30000));
+    QString text = QString::fromUtf8(pdftotext.readAllStandardOutput());
+    EXPECT_EQ(text.count(QStringLiteral("Müller")), 2);
+    // The long line is carried on over the next lines and pages; none of it is lost.
+    text.remove(QLatin1Char('\n')).remove(QLatin1Char('\f'));
+    EXPECT_TRUE(text.contains(QString::fromLatin1(repair))) << text.right(400).toStdString();
 }

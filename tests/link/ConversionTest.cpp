@@ -112,4 +112,59 @@ TEST(Conversion, StripControlCharsAndSplitFields)
         EXPECT_EQ(SplitFields(c.answer), c.fields) << c.answer;
 }
 
+TEST(Conversion, DisplayBytesForFilesAreWindowsBytesAndNothingElseChanges)
+{
+    const struct {
+        QByteArray tester;
+        QByteArray file;
+    } cases[] = {
+        {"\xe6\xea\x8e\x99\x9a\xe1\x84\x94\x81", "\xb5Ohm\xc4\xd6\xdc\xdf\xe4\xf6\xfc"},
+        // Dropped codes go; the bytes the conversion leaves alone stay as they are, never "?" or 0x1A.
+        {"A#B@C{|}~\x7f\r\n\x11\x13\xfd\xfe\xff;", "ABC;"},
+        {"\x80\x9b\xb3\xc4\xda\xfc\xe4\xb5\xfa\xfb\xfc", "\x80\x9b\xb3\xc4\xda\xfc\xe4\xb5\xfa\xfb\xfc"},
+        {"", ""},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(ConvertDisplayBytes(c.tester), c.file) << EscapeBytes(c.tester).toStdString();
+        // Converted bytes are converted already: a second pass leaves them alone.
+        EXPECT_EQ(ConvertDisplayBytes(c.file), c.file) << EscapeBytes(c.file).toStdString();
+    }
+    // Dropped exactly where the display drops, and the same letters below 128.
+    for (int code = 0; code < 256; ++code) {
+        const QByteArray byte(1, static_cast<char>(code));
+        const QString shown = ConvertDisplayChar(static_cast<unsigned char>(code));
+        EXPECT_EQ(ConvertDisplayBytes(byte).isEmpty(), shown.isEmpty()) << "code " << code;
+        if (code < 128)
+            EXPECT_EQ(ConvertDisplayBytes(byte), shown.toLatin1()) << "code " << code;
+    }
+}
+
+TEST(Conversion, RecordTextShowsUmlautsWhetherRawOrConvertedAndKeepsItsSigns)
+{
+    const struct {
+        QByteArray bytes;
+        const char *shown; // UTF-8
+    } cases[] = {
+        {"M\x81ller", "Müller"}, // as the tester sends it
+        {"M\xfcller", "Müller"}, // as the accessory read or an editor on Windows wrote it
+        {"<0.3\xea", "<0.3Ohm"}, // raw ohm sign
+        {"<0.3Ohm", "<0.3Ohm"},  // converted
+        {"2\xe6"
+         "A 2\xb5"
+         "A",
+         "2µA 2µA"},
+        {"Stra\xe1"
+         "e Stra\xdf"
+         "e",
+         "Straße Straße"},
+        {"\x8e\x99\x9a\x84\x94 \xc4\xd6\xdc\xe4\xf6", "ÄÖÜäö ÄÖÜäö"},
+        {"Nr. #12 @Werk {a|b} ~ \x80", "Nr. #12 @Werk {a|b} ~ €"},
+        {"A\r\nB\x11\x13", "AB"},
+        {"\xfd\xff", "ýÿ"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(DecodeRecordText(c.bytes), QString::fromUtf8(c.shown))
+            << EscapeBytes(c.bytes).toStdString();
+}
+
 } // namespace

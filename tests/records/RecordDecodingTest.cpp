@@ -54,6 +54,25 @@ TEST(DecodeRecord, CodeStringGivesVerdictRegulationClassAndAppliedPart)
     }
 }
 
+TEST(DecodeRecord, ProtectionClassDigitsAreANumberOrMissing)
+{
+    const struct {
+        QByteArray digits;
+        const char *protectionClass; // nullptr: a FormatError
+    } cases[] = {
+        {"05", "1"},  {" 5", "1"},     {"5x", "1"},     {"  ", "-4"},       {"-1", "-5"},
+        {"99", "95"}, {"x5", nullptr}, {"&H", nullptr}, {"?\xea", nullptr},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.digits.constData());
+        const QByteArray text = RecordText({{1, "KALVO"}, {2, CodeString('1', '5', c.digits, "01")}});
+        if (c.protectionClass)
+            EXPECT_EQ(DecodeRecord(text).protectionClass, QString::fromLatin1(c.protectionClass));
+        else
+            EXPECT_THROW(DecodeRecord(text), link::FormatError);
+    }
+}
+
 TEST(DecodeRecord, FieldsAreCountedFromTheSecondCharacterAndEmptyOnesKeepTheirNumber)
 {
     const QByteArray code = CodeString('1', '5');
@@ -220,6 +239,23 @@ TEST(BuildReport, RecordWithoutAccessoryDateEndsAfterTheMeasurements)
     EXPECT_EQ(report.count(QStringLiteral("\r\n")), 12 + 24);
     EXPECT_FALSE(report.contains(QStringLiteral("KYM")));
     EXPECT_FALSE(report.contains(QStringLiteral("Reparatur")));
+}
+
+TEST(BuildReport, FieldTextsShowWholeWhetherInTesterOrWindowsBytes)
+{
+    const auto reportOf = [](const QByteArray &name, const QByteArray &limit) {
+        return BuildReport(DecodeRecord(RecordText({{1, "KALVO"},
+                                                    {2, CodeString('1', '5')},
+                                                    {3, "#12 @Werk {3}"},
+                                                    {8, limit},
+                                                    {55, "18.03.09"},
+                                                    {61, name}})));
+    };
+    const QString raw = reportOf("M\x81ller \x84\x94\xe1", "<0.3\xea");
+    EXPECT_EQ(reportOf("M\xfcller \xe4\xf6\xdf", "<0.3Ohm"), raw);
+    EXPECT_TRUE(raw.contains(QStringLiteral("\r\nName    \tMüller äöß\r\n"))) << raw.toStdString();
+    EXPECT_TRUE(raw.contains(QStringLiteral("\r\nID_Nr:          #12 @Werk {3}\r\n"))) << raw.toStdString();
+    EXPECT_TRUE(raw.contains(QStringLiteral("GW R-SL:     <0.3Ohm\r\n")));
 }
 
 TEST(MeasuredValueText, EmptyIsOneTabAndTesterCharactersAreShown)

@@ -2,6 +2,7 @@
 #include "RecordSamples.h"
 
 #include "link/Errors.h"
+#include "link/LinkFixture.h"
 #include "records/RecordDecoding.h"
 #include "records/RecordFiles.h"
 #include "records/TesterPrintText.h"
@@ -10,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <functional>
 
 #include <gtest/gtest.h>
 
@@ -17,10 +19,9 @@ using namespace kalvo;
 using namespace kalvo::records;
 
 using kalvo::testing::ReadFile;
+using kalvo::testing::ScriptedLink;
 
 using kalvo::testing::WriteFile;
-
-namespace {} // namespace
 
 TEST(ExportCsv, BytesFollowTheDollarCountdown)
 {
@@ -39,6 +40,21 @@ TEST(ExportCsv, BytesFollowTheDollarCountdown)
          {"P1\xea;2\xe6;\x81;$FF\r\n"},
          {},
          "H1;H2\r\n;P1Ohm;2\xb5;\xfc;$FF\r\n"},
+        // Bytes the conversion leaves alone are written as they are: never "?" nor 0x1A.
+        {"other bytes stay bytes",
+         {"P\xc4\xb3\x80\xda\xfc\xe4\x9b;$FF\r\n"},
+         {},
+         "H1;H2\r\n;P\xc4\xb3\x80\xda\xfc\xe4\x9b;$FF\r\n"},
+        {"a record converted before is not converted again",
+         {"KM\xfcller;<0.3Ohm;2\xb5"
+          "A;$FF\r\n"},
+         {},
+         "H1;H2\r\n;KM\xfcller;<0.3Ohm;2\xb5"
+         "A;$FF\r\n"},
+        {"report text beyond Windows-1252 keeps its characters",
+         {},
+         QStringLiteral("┌─┐ € Ω 漢 #1"),
+         "H1;H2\r\n;\xda\xc4\xbf \x80 \xea \xe6\xbc\xa2 1"},
         {"dropped characters still count", {"Px;$F#\x01y"}, {}, "H1;H2\r\n;Px;$F\r\ny"},
         {"empty entry 0 takes the report",
          {"", "PB;$FF\r\n"},
@@ -55,6 +71,62 @@ TEST(ExportCsv, BytesFollowTheDollarCountdown)
         SCOPED_TRACE(c.name);
         EXPECT_EQ(ExportCsv("H1;H2", c.entries, c.report), c.expected);
     }
+}
+
+TEST(StoreAccessoryRecords, WithoutTheAccessoryTheTableAndTheReportAreWrittenAsWindowsText)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("kym.txt"));
+    ScriptedLink s;
+    s.prompter.fileAnswers.push_back(path);
+    s.transport.Expect("idn?\r").Reply("idn? KALVOMER 3.10\r\n\x11");
+    const auto status =
+        StoreAccessoryRecords(s.link, s.prompter, dir.filePath(QStringLiteral("log.tmp")),
+                              {"KM\xfcller;$FF\r\n", "KB;$FF"}, QStringLiteral("Prüfer ─ Ω\r\n"));
+    EXPECT_EQ(status, StoreStatus::Written);
+    EXPECT_EQ(ReadFile(path), "KM\xfcller;$FF\r\nKB;$FF\r\n" + QByteArray("\r\n").repeated(10) +
+                                  "Pr\xfc"
+                                  "fer \xc4 \xea\r\n");
+}
+
+TEST(RecordFiles, FilesFarLargerThanAnyRealOneAreRefusedWithTheirSizeAndWriteNothing)
+{
+    QTemporaryDir dir;
+    const QString big = dir.filePath(QStringLiteral("big.txt"));
+    const QString out = dir.filePath(QStringLiteral("out.txt"));
+    {
+        QFile file(big);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_TRUE(file.resize(100 * 1024 * 1024)); // sparse: no time spent writing it
+    }
+    ScriptedLink s;
+    s.prompter.fileAnswers.push_back(out);
+    s.transport.Expect("idn?\r").Reply("idn? QRT4027\r\n\x11");
+    const struct {
+        const char *name;
+        std::function<void()> read;
+    } cases[] = {
+        {"record file", [&] { LoadRecordFile(big); }},
+        {"ueber.csv", [&] { ExportCsvFile(out, big, {"PA;$FF\r\n"}, {}); }},
+        {"log.tmp", [&] { StoreAccessoryRecords(s.link, s.prompter, big, {}, {}); }},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        WriteFile(out, "older");
+        try {
+            c.read();
+            ADD_FAILURE() << "read";
+        } catch (const link::FormatError &e) {
+            EXPECT_TRUE(e.text().contains(QStringLiteral("100.0 MiB"))) << e.text().toStdString();
+            EXPECT_TRUE(e.text().contains(QStringLiteral("64.0 MiB"))) << e.text().toStdString();
+        }
+        EXPECT_EQ(ReadFile(out), QByteArray("older"));
+    }
+
+    ASSERT_TRUE(QFile::resize(big, kMaxFileBytes));
+    EXPECT_EQ(ReadWholeFile(big).size(), kMaxFileBytes);
+    ASSERT_TRUE(QFile::resize(big, kMaxFileBytes + 1));
+    EXPECT_THROW(ReadWholeFile(big), link::FormatError);
 }
 
 TEST(ExportCsv, HeaderIsTheLastLineOfUeberCsvAndAMissingOneWritesNothing)

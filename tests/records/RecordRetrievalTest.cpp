@@ -87,28 +87,66 @@ TEST(ReadRecord, APartTooShortForItsTrailerStopsTheRead)
     EXPECT_THROW(ReadRecord(s.link, 1, FillerRule::Position), link::FormatError);
 }
 
-TEST(CountAndCurrent, NumbersAndMarksAreReadFromTheAnswers)
+TEST(CountRecords, TheCountIsAWholeNumberBehindTheEqualsSignInAnyCaseAndSpacing)
 {
     const struct {
         QByteArray answer;
-        int count;
-    } counts[] = {{"prx?n= 12\r\n\x11", 12}, {"prx?n=0\r\n\x11", 0}, {"prx?n\r\n\x11", 0}};
-    for (const auto &c : counts) {
+        std::optional<int> count; // nullopt: a FormatError naming the command
+    } cases[] = {
+        {"prx?n= 12\r\n\x11", 12},
+        {"prx?n=  7\r\n\x11", 7},
+        {"prx?n=007\r\n\x11", 7},
+        {"PRX?N=\t5\r\n\x11", 5},
+        {"prx?n =3.Y\r\n\x11", 3},
+        {"prx?n=0\r\n\x11", 0},
+        {"prx?n= 999\x11", 999},
+        {"prx?n\r\n\x11", std::nullopt},
+        {"prx?n= \r\n\x11", std::nullopt},
+        {"prx?n= -1\r\n\x11", std::nullopt},
+        {"prx?n= 1000\r\n\x11", std::nullopt},
+        {"prx?n= 99999999999\r\n\x11", std::nullopt},
+        {"prx?n= 99999999999999999999999\r\n\x11", std::nullopt},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.answer.constData());
         ScriptedLink s;
         s.transport.Expect("prx?n\r").Reply(c.answer);
-        EXPECT_EQ(CountRecords(s.link), c.count) << c.answer.constData();
+        if (c.count) {
+            EXPECT_EQ(CountRecords(s.link), c.count);
+            continue;
+        }
+        try {
+            CountRecords(s.link);
+            ADD_FAILURE() << "a count was read";
+        } catch (const link::FormatError &e) {
+            EXPECT_TRUE(e.text().contains(QStringLiteral("prx?n"))) << e.text().toStdString();
+        }
     }
+    ScriptedLink refused;
+    refused.transport.Expect("prx?n\r").Reply("prx?n Protokoll .N\r\n\x11");
+    EXPECT_EQ(CountRecords(refused.link), std::nullopt);
+}
 
+TEST(StoreAllRecords, AHugeCountAsksForNoRecordAndLeavesTheOldFile)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("alle.txt"));
+    WriteFile(path, "old\x81records\r\n");
     ScriptedLink s;
-    s.transport.Expect("prx?\r").Reply("prx?.Y\r\n\x11");
-    s.transport.Expect("prx?x\r").Reply("prx?x=PA;B;.\r\n\x11");
-    s.transport.Expect("prx?y\r").Reply("prx?y=C;D.\r\n\x11");
-    s.transport.Expect("prx?z\r").Reply("prx?z=;.\r\n\x11");
-    EXPECT_EQ(ReadCurrentRecord(s.link), QByteArray("PA;B;C;D;$FF\r\n"));
+    s.prompter.fileAnswers.push_back(path);
+    s.transport.Expect("prx?n\r").Reply("prx?n= 99999999999\r\n\x11");
+    EXPECT_THROW(StoreAllRecords(s.link, s.prompter), link::FormatError);
+    EXPECT_EQ(s.transport.writes().size(), 1u);
+    EXPECT_EQ(ReadFile(path), QByteArray("old\x81records\r\n"));
+}
 
-    ScriptedLink none;
-    none.transport.Expect("prx?\r").Reply("prx?.N\r\n\x11");
-    EXPECT_EQ(ReadCurrentRecord(none.link), std::nullopt);
+TEST(CurrentRecord, PartsAreCutBehindTheEqualsSignWithoutFiller)
+{
+    ScriptedLink s;
+    s.transport.Expect("prx?x\r").Reply("PRX?X=PA;B;.\r\n\x11");
+    s.transport.Expect("prx?y\r").Reply("prx?y=C;D.\r\n").Reply("\x11", std::chrono::milliseconds(3));
+    s.transport.Expect("prx?z\r").Reply("prx?z=;.\r\n\x11");
+    EXPECT_EQ(ReadCurrentRecordParts(s.link), QByteArray("PA;B;C;D;$FF\r\n"));
 }
 
 TEST(StoreAllRecords, ReadsEveryRecordOfTheVirtualTesterIntoTheChosenFile)
@@ -245,7 +283,9 @@ TEST(StoreListing, OnlyTestRecordsReachTheListAndTheRawAnswerIsKept)
     s.transport.Expect("prx?nx\r")
         .Reply(listing.left(40))
         .Reply(listing.mid(40), std::chrono::milliseconds(5));
-    const StoreListing result = ReadStoreListing(s.link, proto);
+    const std::optional<StoreListing> read = ReadStoreListing(s.link, s.prompter, proto);
+    ASSERT_TRUE(read);
+    const StoreListing &result = *read;
     EXPECT_EQ(ReadFile(proto), listing);
     ASSERT_EQ(result.rows.size(), 3);
     EXPECT_EQ(result.rows[1][5], QByteArray("DIN VDE 0702"));
@@ -261,8 +301,12 @@ TEST(StoreListing, TheVirtualTestersListingNamesItsRecords)
     QTemporaryDir dir;
     kalvo::testing::SimBench s;
     s.tester.model().records().setRecords({Stored("DEV-1"), Stored("DEV-2")});
-    const StoreListing result = ReadStoreListing(s.link, dir.filePath(QStringLiteral("proto.txt")));
-    EXPECT_EQ(result.records, (QStringList{QStringLiteral("DEV-1:1"), QStringLiteral("DEV-2:2")}));
+    const ListingResult result =
+        ListStoreRecords(s.link, s.prompter, dir.filePath(QStringLiteral("proto.txt")));
+    EXPECT_EQ(result.status, RetrievalStatus::Done);
+    EXPECT_EQ(result.listing.records, (QStringList{QStringLiteral("DEV-1:1"), QStringLiteral("DEV-2:2")}));
+    EXPECT_EQ(result.listing.numbers, (QList<int>{1, 2}));
+    EXPECT_EQ(s.Lines(), (QList<QByteArray>{"prx?n\r", "prx?nx\r"}));
 }
 
 TEST(AccessoryStream, RecordsEndTwoCharactersBehindTheDollar)
@@ -280,10 +324,9 @@ TEST(AccessoryStream, RecordsEndTwoCharactersBehindTheDollar)
          "KA$FFA\x13"
          "B$FF\x11",
          {"KA$FF\r\n", "A;B$FF\r\n"}},
-        {"line ends and other dropped bytes vanish",
-         "K\r\nA\x13\xea#B$FF\x11",
-         {"KA;\xea"
-          "B$FF\r\n"}},
+        {"line ends and other dropped bytes vanish, tester characters become Windows bytes",
+         "K\r\nA\x13\xea#B\x81\xc4$FF\x11",
+         {"KA;OhmB\xfc\xc4$FF\r\n"}},
         {"an unfinished record is not one",
          "KA$FF\x11"
          "KB$F",

@@ -1,22 +1,33 @@
 // The record window offscreen against the virtual tester: the store, files, reports, PDF and CSV.
 #include "WindowFixture.h"
+#include "records/RecordSamples.h"
 #include "support/TestFiles.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QFile>
+#include <QFileDialog>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProcess>
+#include <QTimer>
 
 using namespace kalvo;
 using namespace kalvo::testing;
 
 class RecordWindowTest : public WindowFixture {
 protected:
-    QMainWindow &OpenRecords(const QStringList &faults = {})
+    // The record window over the virtual tester, the accessory in front of it when `kym`.
+    QMainWindow &OpenRecords(const QStringList &faults = {}, bool kym = false)
     {
         Open({QStringLiteral("--simulate")}, faults);
+        if (kym) {
+            WaitUntil([&] { return m_tester.load() != nullptr; });
+            m_window->device().RunAndWait(
+                [this](link::Link &) { m_tester.load()->model().setKymInFront(true); });
+        }
         EXPECT_TRUE(ConnectToSimulator());
         m_window->findChild<QAction *>(QStringLiteral("protokolle"))->trigger();
         for (QWidget *w : QApplication::topLevelWidgets())
@@ -124,18 +135,67 @@ TEST_F(RecordWindowTest, AReportBecomesAPdfAndTheRecordsACsvWithARowEach)
 
 TEST_F(RecordWindowTest, TheAccessorysRecordsAreReadListedAndStored)
 {
-    Open({QStringLiteral("--simulate")});
-    WaitUntil([&] { return m_tester.load() != nullptr; });
-    m_window->device().RunAndWait([this](link::Link &) { m_tester.load()->model().setKymInFront(true); });
-    EXPECT_TRUE(ConnectToSimulator());
-    m_window->findChild<QAction *>(QStringLiteral("protokolle"))->trigger();
-    for (QWidget *w : QApplication::topLevelWidgets())
-        if (w->objectName() == QLatin1String("FRMProt"))
-            m_records = qobject_cast<QMainWindow *>(w);
-    ASSERT_NE(m_records, nullptr);
+    OpenRecords({}, true);
     m_dialogs.files.push_back(Path("kym.txt"));
     Trigger("kymAscii");
     ASSERT_TRUE(WaitUntil([&] { return List()->count() == 5; }));
     EXPECT_TRUE(Report().contains(QStringLiteral("Reparatur:")));
     EXPECT_FALSE(ReadFile(Path("kym.txt")).isEmpty());
+}
+
+TEST_F(RecordWindowTest, ARefusedRecordLeavesTheChosenFileByteForByteAndListsNothing)
+{
+    const QByteArray old = "PALT;M\x81ller;$FF\r\n";
+    WriteFile(Path("alle.txt"), old);
+    // The save dialog asks whether to replace the file from inside the answerer's own tick, where
+    // the answerer cannot see it: this timer says yes.
+    QTimer replace;
+    QObject::connect(&replace, &QTimer::timeout, [] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (box && qobject_cast<QFileDialog *>(box->parentWidget()) && box->button(QMessageBox::Yes))
+            box->button(QMessageBox::Yes)->click();
+    });
+    replace.start(20);
+    OpenRecords({QStringLiteral("refuse:prx?3y")});
+    m_dialogs.files.push_back(Path("alle.txt"));
+    Trigger("storeall");
+    ASSERT_TRUE(WaitUntil([&] { return m_dialogs.messages.join('|').contains(QStringLiteral("abgelehnt")); }))
+        << m_dialogs.messages.join('|').toStdString();
+    EXPECT_TRUE(m_dialogs.messages.join('|').contains(QStringLiteral("prx?3y")));
+    EXPECT_EQ(ReadFile(Path("alle.txt")), old);
+    EXPECT_EQ(List()->count(), 0);
+}
+
+TEST_F(RecordWindowTest, ARefusedAccessoryReadLeavesLogTmpAndAsksForNoFile)
+{
+    const QString logTmp = QDir(m_programDir).filePath(QStringLiteral("log.tmp"));
+    const QByteArray before = ReadFile(logTmp);
+    OpenRecords({QStringLiteral("refuse:wer?")}, true);
+    m_dialogs.files.push_back(Path("kym.txt"));
+    Trigger("kymAscii");
+    ASSERT_TRUE(WaitUntil([&] { return m_dialogs.messages.join('|').contains(QStringLiteral("abgelehnt")); }))
+        << m_dialogs.messages.join('|').toStdString();
+    EXPECT_EQ(ReadFile(logTmp), before);
+    EXPECT_FALSE(QFile::exists(Path("kym.txt")));
+    EXPECT_EQ(m_dialogs.files.size(), 1u); // the save dialog of protStore never came
+    EXPECT_EQ(List()->count(), 0);
+}
+
+TEST_F(RecordWindowTest, ARecordFileInTesterOrWindowsBytesShowsItsUmlautsAndSigns)
+{
+    QByteArray file;
+    for (const QByteArray &name : {QByteArray("M\x81ller"), QByteArray("M\xfcller")})
+        file += RecordText(
+            {{1, "KALVO"}, {2, CodeString('1', '5')}, {3, "#12 @Werk"}, {55, "18.03.09"}, {61, name}});
+    WriteFile(Path("gemischt.txt"), file);
+    OpenRecords();
+    m_dialogs.files.push_back(Path("gemischt.txt"));
+    Trigger("ausDatei");
+    ASSERT_EQ(List()->count(), 2);
+    for (const int row : {0, 1}) {
+        SCOPED_TRACE(row);
+        List()->setCurrentRow(row);
+        EXPECT_TRUE(Report().contains(QStringLiteral("Name    \tMüller\n"))) << Report().toStdString();
+        EXPECT_TRUE(Report().contains(QStringLiteral("ID_Nr:          #12 @Werk\n")));
+    }
 }

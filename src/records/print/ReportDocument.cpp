@@ -8,12 +8,30 @@
 #include <QPageLayout>
 #include <QPdfWriter>
 #include <QSaveFile>
-#include <QTextBlockFormat>
-#include <QTextCursor>
-#include <QTextDocument>
-#include <QTextOption>
 
 namespace kalvo::records {
+
+namespace {
+
+constexpr int kTabColumns = 8;
+
+// `line` with its tabs turned into blanks up to the next multiple of 8 columns.
+QString ExpandTabs(const QString &line)
+{
+    if (!line.contains(QLatin1Char('\t')))
+        return line;
+    QString out;
+    out.reserve(line.size() + kTabColumns);
+    for (const QChar ch : line) {
+        if (ch == QLatin1Char('\t'))
+            out += QString(kTabColumns - out.size() % kTabColumns, QLatin1Char(' '));
+        else
+            out += ch;
+    }
+    return out;
+}
+
+} // namespace
 
 QFont ReportFont()
 {
@@ -37,34 +55,70 @@ bool HasLineDrawing(const QFont &font)
     return true;
 }
 
+ReportPages::ReportPages(QPagedPaintDevice &device) : m_device(device)
+{
+    if (!m_painter.begin(&device))
+        return;
+    const QFont font = ReportFont();
+    m_painter.setFont(font);
+    // Measured on the device: a PDF writer counts in its own dots, not in screen pixels.
+    const QFontMetricsF metrics(font, &device);
+    m_lineHeight = metrics.lineSpacing();
+    m_ascent = metrics.ascent();
+    const QRectF page = m_painter.viewport();
+    m_columns = std::max(1, static_cast<int>(page.width() / metrics.horizontalAdvance(QLatin1Char('M'))));
+    m_linesPerPage = std::max(1, static_cast<int>(page.height() / m_lineHeight));
+}
+
+void ReportPages::NextPage()
+{
+    m_device.newPage();
+    m_line = 0;
+}
+
+void ReportPages::Line(const QString &text)
+{
+    if (m_line == m_linesPerPage)
+        NextPage();
+    if (!text.isEmpty())
+        m_painter.drawText(QPointF(0, m_line * m_lineHeight + m_ascent), text);
+    ++m_line;
+}
+
+void ReportPages::Add(const QString &report)
+{
+    if (!m_painter.isActive())
+        return;
+    if (!m_empty)
+        NextPage();
+    m_empty = false;
+    qsizetype start = 0;
+    while (start <= report.size()) {
+        qsizetype end = report.indexOf(QLatin1Char('\n'), start);
+        if (end < 0)
+            end = report.size();
+        QString line = report.mid(start, end - start);
+        if (line.endsWith(QLatin1Char('\r')))
+            line.chop(1);
+        line = ExpandTabs(line);
+        // A fixed-pitch font: the page holds the same number of characters on every line.
+        for (qsizetype from = 0; from == 0 || from < line.size(); from += m_columns)
+            Line(line.mid(from, m_columns));
+        start = end + 1;
+    }
+}
+
+bool ReportPages::Finish()
+{
+    return m_painter.isActive() && m_painter.end();
+}
+
 void PaintReport(const QStringList &reports, QPagedPaintDevice &device)
 {
-    QTextDocument document;
-    const QFont font = ReportFont();
-    document.setDefaultFont(font);
-    QTextOption option = document.defaultTextOption();
-    option.setTabStopDistance(QFontMetricsF(font).horizontalAdvance(QLatin1Char(' ')) * 8);
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    document.setDefaultTextOption(option);
-    QTextCursor cursor(&document);
-    QTextBlockFormat pageBreak;
-    pageBreak.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
-    const QTextBlockFormat normal;
-    bool first = true;
-    for (const QString &report : reports) {
-        QString plain = report;
-        plain.replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
-            .replace(QLatin1Char('\r'), QLatin1Char('\n'));
-        const QStringList lines = plain.split(QLatin1Char('\n'));
-        for (qsizetype i = 0; i < lines.size(); ++i) {
-            // Only a report's first line starts a new page; every other line is a plain block.
-            if (!first)
-                cursor.insertBlock(i == 0 ? pageBreak : normal);
-            first = false;
-            cursor.insertText(lines[i]);
-        }
-    }
-    document.print(&device);
+    ReportPages pages(device);
+    for (const QString &report : reports)
+        pages.Add(report);
+    pages.Finish();
 }
 
 void PaintReport(const QString &text, QPagedPaintDevice &device)
@@ -72,28 +126,41 @@ void PaintReport(const QString &text, QPagedPaintDevice &device)
     PaintReport(QStringList{text}, device);
 }
 
-void SaveReportPdf(const QString &text, const QString &path, const QString &title)
-{
-    SaveReportPdf(QStringList{text}, path, title);
-}
-
-void SaveReportPdf(const QStringList &reports, const QString &path, const QString &title)
+void SaveReportPdf(const QString &path, const QString &title, const std::function<void(ReportPages &)> &fill)
 {
     QSaveFile file(path);
+    const auto unwritable = [&file, &path] {
+        return link::FormatError(path, 0,
+                                 QStringLiteral("eine schreibbare Datei (%1)").arg(file.errorString()));
+    };
     if (!file.open(QIODevice::WriteOnly))
-        throw link::FormatError(path, 0,
-                                QStringLiteral("eine schreibbare Datei (%1)").arg(file.errorString()));
+        throw unwritable();
+    bool painted = false;
     {
         QPdfWriter writer(&file);
         writer.setTitle(title);
         writer.setCreator(QStringLiteral("kalvo"));
         writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
                                          QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter));
-        PaintReport(reports, writer);
+        ReportPages pages(writer);
+        fill(pages);
+        painted = pages.Finish();
     }
-    if (!file.commit())
-        throw link::FormatError(path, 0,
-                                QStringLiteral("eine schreibbare Datei (%1)").arg(file.errorString()));
+    if (!painted || !file.commit())
+        throw unwritable();
+}
+
+void SaveReportPdf(const QStringList &reports, const QString &path, const QString &title)
+{
+    SaveReportPdf(path, title, [&reports](ReportPages &pages) {
+        for (const QString &report : reports)
+            pages.Add(report);
+    });
+}
+
+void SaveReportPdf(const QString &text, const QString &path, const QString &title)
+{
+    SaveReportPdf(QStringList{text}, path, title);
 }
 
 } // namespace kalvo::records

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <QFont>
+#include <QPainter>
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 class QPagedPaintDevice;
 
@@ -15,12 +17,39 @@ QFont ReportFont();
 // False when `font` lacks the line-drawing characters (the print text would show gaps).
 bool HasLineDrawing(const QFont &font);
 
-// Lays the reports out on `device`, each starting on a page of its own (tabs every 8 characters,
-// as the report columns expect).
+// Lays reports out on a paged device one after the other, each starting on a page of its own:
+// line by line in the report font, tabs every 8 columns, a line wider than the page carried on in
+// the next. A report is painted as it is added and not kept, so time and memory grow with the
+// text and no faster.
+class ReportPages {
+public:
+    explicit ReportPages(QPagedPaintDevice &device);
+    ReportPages(const ReportPages &) = delete;
+    ReportPages &operator=(const ReportPages &) = delete;
+
+    void Add(const QString &report);
+    // Ends the document; false when the device could not be painted on.
+    bool Finish();
+
+private:
+    void Line(const QString &text);
+    void NextPage();
+
+    QPagedPaintDevice &m_device;
+    QPainter m_painter;
+    qreal m_lineHeight = 0;
+    qreal m_ascent = 0;
+    int m_columns = 1;
+    int m_linesPerPage = 1;
+    int m_line = 0;
+    bool m_empty = true;
+};
+
 void PaintReport(const QStringList &reports, QPagedPaintDevice &device);
 void PaintReport(const QString &text, QPagedPaintDevice &device);
-// Writes the reports as an A4 PDF to `path`; the old file stays as it was when writing fails
-// (FormatError naming the file).
+// Writes an A4 PDF to `path` with the reports that `fill` adds; the old file stays as it was when
+// writing fails (FormatError naming the file) or `fill` throws.
+void SaveReportPdf(const QString &path, const QString &title, const std::function<void(ReportPages &)> &fill);
 void SaveReportPdf(const QStringList &reports, const QString &path, const QString &title);
 void SaveReportPdf(const QString &text, const QString &path, const QString &title);
 

@@ -176,7 +176,7 @@ void RecordWindow::StoreCurrentRecordToFile()
     Post([this](link::Link &link) {
         const RetrievalResult result = StoreCurrentRecord(link, m_prompter);
         if (result.status == RetrievalStatus::Done && !result.records.isEmpty())
-            OnWindow([this, record = result.records.first()] { ShowReport(link::DecodeTesterText(record)); });
+            OnWindow([this, record = result.records.first()] { ShowReport(link::DecodeRecordText(record)); });
     });
 }
 
@@ -184,21 +184,16 @@ void RecordWindow::ShowStoreListing()
 {
     const QString proto = QDir::current().filePath(kProtoTxt);
     Post([this, proto](link::Link &link) {
-        if (CountRecords(link) < 1) {
-            m_prompter.message(kNoRecordsText, link::Prompter::Icon::Information);
+        const ListingResult result = ListStoreRecords(link, m_prompter, proto);
+        if (result.status != RetrievalStatus::Done)
             return;
-        }
-        const StoreListing listing = ReadStoreListing(link, proto);
-        OnWindow([this, entries = listing.records] {
+        OnWindow([this, entries = result.listing.records, numbers = result.listing.numbers] {
             const QSignalBlocker blocker(m_list);
             m_list->clear();
             m_records.clear();
-            m_numbers.clear();
+            m_numbers = numbers;
             m_source = Source::TesterStore;
-            for (const QString &entry : entries) {
-                m_list->addItem(entry);
-                m_numbers << entry.mid(entry.lastIndexOf(QLatin1Char(':')) + 1).toInt();
-            }
+            m_list->addItems(entries);
             EnableOutput(!entries.isEmpty());
             emit shown();
         });
@@ -265,7 +260,7 @@ void RecordWindow::LoadRecordsFromFile()
 void RecordWindow::MakeReport()
 {
     try {
-        ShowReport(BuildReport(DecodeRecord(link::EncodeTesterText(reportText()))));
+        ShowReport(BuildReport(DecodeRecord(EncodeShownText(reportText()))));
     } catch (const link::KalvoError &e) {
         m_prompter.message(e.text(), link::Prompter::Icon::Warning);
     }
@@ -279,7 +274,7 @@ void RecordWindow::RecordSelected(int row)
         try {
             ShowReport(BuildReport(DecodeRecord(m_records[row])));
         } catch (const link::KalvoError &e) {
-            m_report->setPlainText(link::DecodeTesterText(m_records[row]));
+            m_report->setPlainText(link::DecodeRecordText(m_records[row]));
             m_prompter.message(e.text(), link::Prompter::Icon::Warning);
         }
     } else if (m_source == Source::TesterStore && row < m_numbers.size()) {

@@ -1,0 +1,50 @@
+// Steps the record readers share: asking with an eye on refusals, reading counts, saying that
+// nothing was written.
+#include "RecordSteps.h"
+
+#include "RecordRetrieval.h"
+
+#include "link/Errors.h"
+#include "link/Link.h"
+#include "link/TextRules.h"
+
+#include <QDir>
+
+namespace kalvo::records {
+
+QByteArray After(const QByteArray &answer, const QByteArray &mark, qsizetype skip)
+{
+    return answer.mid(link::PositionOf(answer, mark) + skip);
+}
+
+std::optional<QByteArray> Ask(link::Link &link, const QByteArray &command)
+{
+    const link::RefusalWatch watch(link);
+    QByteArray answer = link.Exchange(command);
+    if (watch.refused())
+        return std::nullopt;
+    return answer;
+}
+
+int ReadCount(const QByteArray &command, const QByteArray &answer, const QByteArray &mark)
+{
+    const std::optional<qint64> count = link::WholeNumber(After(answer, mark), 0, kMaxRecords);
+    if (!count)
+        throw link::FormatError::ForAnswer(command, answer,
+                                           QStringLiteral("eine Anzahl von 0 bis %1 hinter \"%2\"")
+                                               .arg(kMaxRecords)
+                                               .arg(QLatin1String(mark)));
+    return static_cast<int>(*count);
+}
+
+void TellNothingWritten(link::Prompter &prompter, const link::RefusalWatch &watch, const QString &unwritten)
+{
+    const QString what =
+        unwritten.isEmpty()
+            ? QStringLiteral("es wurde nichts geschrieben")
+            : QStringLiteral("%1 wurde nicht geschrieben").arg(QDir::toNativeSeparators(unwritten));
+    prompter.message(QStringLiteral("Das Kalvomer hat %1 abgelehnt: %2.").arg(watch.Describe(), what),
+                     link::Prompter::Icon::Warning);
+}
+
+} // namespace kalvo::records

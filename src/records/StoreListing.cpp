@@ -1,0 +1,133 @@
+// The store listing ("prx?nx"): taken apart row by row as it streams in, test records told from
+// test specifications.
+#include "RecordFiles.h"
+#include "RecordRetrieval.h"
+#include "RecordSteps.h"
+
+#include "link/Errors.h"
+#include "link/Link.h"
+#include "link/TextRules.h"
+
+namespace kalvo::records {
+
+namespace {
+
+const QByteArray kListingCommand = "prx?nx";
+// An entry of field 0 longer than this in the first row means the listing holds data; an empty
+// store answers with a stub.
+constexpr qsizetype kStubLength = 10;
+
+// Takes the listing apart chunk by chunk, so that progress can be told while it streams in.
+class ListingParser {
+public:
+    void Feed(const QByteArray &chunk)
+    {
+        for (const char ch : chunk) {
+            if (ch == ';')
+                EndField();
+            // Control characters (line ends, DC1) are part of no field.
+            else if (static_cast<unsigned char>(ch) >= 30)
+                m_field.append(ch);
+        }
+    }
+    // Rows begun so far whose field 0 marks a test record.
+    int testRecords() const { return m_testRecords; }
+
+    // The text behind the last ";" is the end of the stream (line end, DC1), not a field.
+    StoreListing Finish()
+    {
+        StoreListing result;
+        result.rows = std::move(m_rows);
+        if (result.rows.isEmpty() || result.rows[0].value(0).size() <= kStubLength)
+            return result;
+        for (const QList<QByteArray> &row : std::as_const(result.rows)) {
+            const QByteArray &entry = row.value(0);
+            if (!IsTestRecord(entry))
+                continue;
+            const std::optional<qint64> number = link::WholeNumber(After(entry, "="), 1, kMaxRecords);
+            if (!number)
+                throw link::FormatError::ForAnswer(
+                    kListingCommand, entry,
+                    QStringLiteral("eine Protokollnummer von 1 bis %1 hinter \"=\"").arg(kMaxRecords));
+            result.records << link::ConvertDisplayText(row.value(3)) + QLatin1Char(':') +
+                                  QString::number(*number);
+            result.numbers << static_cast<int>(*number);
+        }
+        return result;
+    }
+
+private:
+    // Only field 0 says what a row is; a device called "DATABASE-X" is still a test record.
+    static bool IsTestRecord(const QByteArray &entry)
+    {
+        return !entry.isEmpty() && !entry.toUpper().contains("DATABASE");
+    }
+
+    void EndField()
+    {
+        if (m_fieldNumber % StoreListing::kRowFields == 0) {
+            m_rows.append(QList<QByteArray>());
+            if (IsTestRecord(m_field))
+                ++m_testRecords;
+        }
+        m_rows.last().append(std::exchange(m_field, {}));
+        ++m_fieldNumber;
+    }
+
+    QList<QList<QByteArray>> m_rows;
+    QByteArray m_field;
+    qsizetype m_fieldNumber = 0;
+    int m_testRecords = 0;
+};
+
+} // namespace
+
+StoreListing ParseStoreListing(const QByteArray &listing)
+{
+    ListingParser parser;
+    parser.Feed(listing);
+    return parser.Finish();
+}
+
+std::optional<StoreListing> ReadStoreListing(link::Link &link, link::Prompter &prompter,
+                                             const QString &protoPath, int expectedRecords)
+{
+    const link::RefusalWatch watch(link);
+    ListingParser parser;
+    // The listing comes in chunks; the time-out bounds each wait for more, not the whole listing.
+    const QByteArray listing = link.ExchangeStream(kListingCommand, [&](const QByteArray &chunk) {
+        parser.Feed(chunk);
+        // The count of "prx?n" is what the listing is known to hold; specifications are not counted,
+        // and the last percent waits for the end of the stream.
+        if (expectedRecords > 0)
+            prompter.progress(std::min(99, parser.testRecords() * 100 / expectedRecords));
+    });
+    if (watch.refused()) {
+        TellNothingWritten(prompter, watch, protoPath);
+        return std::nullopt;
+    }
+    StoreListing result = parser.Finish();
+    WriteBytesFile(protoPath, listing);
+    prompter.progress(100);
+    return result;
+}
+
+ListingResult ListStoreRecords(link::Link &link, link::Prompter &prompter, const QString &protoPath)
+{
+    const link::RefusalWatch watch(link);
+    const std::optional<int> count = CountRecords(link);
+    if (!count) {
+        TellNothingWritten(prompter, watch, protoPath);
+        return {RetrievalStatus::Refused, {}};
+    }
+    if (*count < 1) {
+        prompter.message(kNoRecordsText, link::Prompter::Icon::Information);
+        return {RetrievalStatus::NoRecords, {}};
+    }
+    std::optional<StoreListing> listing = ReadStoreListing(link, prompter, protoPath, *count);
+    if (!listing)
+        return {RetrievalStatus::Refused, {}};
+    return {RetrievalStatus::Done, std::move(*listing)};
+}
+
+} // namespace kalvo::records
