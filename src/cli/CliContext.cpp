@@ -27,6 +27,7 @@ CliContext::CliContext(const CliOptions &options) : m_options(options), m_prompt
         m_transport = std::make_unique<link::SerialTransport>();
     }
     m_link = std::make_unique<link::Link>(*m_transport, m_prompter);
+    m_prompter.WatchRefusals(m_link.get());
     const QString language = !options.language.isEmpty()
                                  ? options.language
                                  : shell::ReadSettings().language.value_or(QStringLiteral("deutsch"));

@@ -1,6 +1,8 @@
 // The Prompter of kalvo-cli: messages on stderr, answers from the command line.
 #include "CliPrompter.h"
 
+#include "link/Link.h"
+
 #include <cstdio>
 
 namespace kalvo::cli {
@@ -15,8 +17,18 @@ void CliPrompter::message(const QString &text, Icon icon)
     m_err << text << Qt::endl;
 }
 
+bool CliPrompter::RefusalSeen() const
+{
+    return m_link && m_link->refusals() > 0;
+}
+
 bool CliPrompter::confirm(const QString &text)
 {
+    if (RefusalSeen()) {
+        m_err << text << QStringLiteral(" -> Abbrechen (abgelehnt: %1)").arg(link::RefusalWatch(*m_link, 0).Describe())
+              << Qt::endl;
+        return false;
+    }
     m_err << text << (m_yes ? QStringLiteral(" -> OK") : QStringLiteral(" -> Abbrechen (--yes für OK)"))
           << Qt::endl;
     return m_yes;

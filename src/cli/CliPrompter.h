@@ -6,6 +6,10 @@
 #include <QTextStream>
 #include <deque>
 
+namespace kalvo::link {
+class Link;
+}
+
 namespace kalvo::cli {
 
 class CliPrompter final : public link::Prompter {
@@ -28,9 +32,15 @@ public:
 
     // A critical message was shown (a refusal by the tester, for instance).
     bool failureShown() const { return m_failureShown; }
+    // Once the tester has refused anything on `link`, every question is answered Cancel, --yes or
+    // not: a command line never agrees to go on after a refusal it could not read.
+    void WatchRefusals(const link::Link *link) { m_link = link; }
+    // True when a question now would be answered Cancel because of a refusal.
+    bool RefusalSeen() const;
 
 private:
     bool m_yes;
+    const link::Link *m_link = nullptr;
     bool m_failureShown = false;
     int m_lastProgress = -1;
     std::deque<std::optional<QString>> m_texts;

@@ -20,22 +20,15 @@ namespace kalvo::cli {
 namespace {
 
 // Forwards to the command line's prompter but answers a store question with OK when asked to
-// store (--store) — unless the tester refused something since this prompter was made: then the
-// answer is Cancel, whatever --store or --yes say, so that nothing half-written is kept.
+// store (--store) — unless the tester refused something: then the command line's prompter answers
+// Cancel, whatever --store or --yes say, so that nothing half-written is kept.
 class StoringPrompter final : public link::Prompter {
 public:
-    StoringPrompter(const link::Link &link, link::Prompter &inner, bool store)
-        : m_watch(link), m_inner(inner), m_store(store)
-    {}
+    StoringPrompter(CliPrompter &inner, bool store) : m_inner(inner), m_store(store) {}
     void message(const QString &text, Icon icon) override { m_inner.message(text, icon); }
     bool confirm(const QString &text) override
     {
-        if (m_watch.refused()) {
-            m_inner.message(text + QStringLiteral(" -> Abbrechen (abgelehnt: %1)").arg(m_watch.Describe()),
-                            Icon::Warning);
-            return false;
-        }
-        if (!m_store)
+        if (!m_store || m_inner.RefusalSeen())
             return m_inner.confirm(text);
         m_inner.message(text + QStringLiteral(" -> OK (--store)"), Icon::Information);
         return true;
@@ -50,8 +43,7 @@ public:
     void busy(bool on) override { m_inner.busy(on); }
 
 private:
-    link::RefusalWatch m_watch;
-    link::Prompter &m_inner;
+    CliPrompter &m_inner;
     bool m_store;
 };
 
@@ -165,7 +157,7 @@ int Cal(CliContext &context, QStringList words)
         // Read before anything is sent: a bad file ends the command with the tester untouched.
         config::ReadCalibrationFile(words[1], config::RestoreSource::MainForm);
         context.OpenPort();
-        StoringPrompter prompter(context.link(), context.prompter(), store);
+        StoringPrompter prompter(context.prompter(), store);
         const auto result = config::RestoreCalibration(context.link(), prompter, words[1],
                                                        config::RestoreSource::MainForm, show);
         out << result.entriesWritten << " entries written, " << (result.stored ? "stored" : "not stored")
@@ -201,7 +193,7 @@ int Modem(CliContext &context, QStringList words)
     const modem::ModemSettings settings{given.value(QStringLiteral("--tel1")),
                                         given.value(QStringLiteral("--tel2")),
                                         given.value(QStringLiteral("--init"))};
-    StoringPrompter prompter(context.link(), context.prompter(), store);
+    StoringPrompter prompter(context.prompter(), store);
     const QList<QByteArray> refused = modem::WriteModemSettings(context.link(), settings);
     if (store && !modem::StoreModemSettings(context.link(), prompter,
                                             context.texts().text(shell::TxtModemStored), refused))

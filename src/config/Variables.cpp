@@ -43,22 +43,29 @@ QByteArray ReadCommandFor(const QString &entry)
     throw link::FormatError(entry, 0, QStringLiteral("ein Name, der mit B, PB, V oder PV beginnt"));
 }
 
-VariableReading ReadVariable(link::Link &link, const QString &entry)
+namespace {
+
+// One register or bit read: only an answer with ".Y" and a hexadecimal value behind "=" holds one.
+VariableReading ReadValue(link::Link &link, const QByteArray &command)
 {
     VariableReading reading;
-    reading.command = ReadCommandFor(entry);
-    reading.answer = link.Exchange(reading.command);
-    if (!reading.answer.contains(".Y"))
-        throw link::FormatError::ForAnswer(reading.command, reading.answer,
-                                           QStringLiteral("einen Wert mit \".Y\""));
-    reading.value = ValueAfterEquals(reading.answer);
-    const QByteArray digits = ByteDigits(reading.value);
-    const auto number = link::WholeNumber("&H" + digits, 0, 255);
-    if (!number)
-        throw link::FormatError::ForAnswer(reading.command, reading.answer,
-                                           QStringLiteral("einen hexadezimalen Wert hinter \"=\""));
+    reading.command = command;
+    reading.answer = link.Exchange(command);
+    reading.value = ByteDigits(ValueAfterEquals(reading.answer));
+    const auto number = link::WholeNumber("&H" + reading.value, 0, 255);
+    if (!reading.answer.contains(".Y") || !number)
+        throw link::FormatError::ForAnswer(command, reading.answer,
+                                           QStringLiteral("einen hexadezimalen Wert hinter \"=\" und \".Y\""));
     reading.number = static_cast<int>(*number);
-    reading.binary = link::HexToBinary(digits);
+    return reading;
+}
+
+} // namespace
+
+VariableReading ReadVariable(link::Link &link, const QString &entry)
+{
+    VariableReading reading = ReadValue(link, ReadCommandFor(entry));
+    reading.binary = link::HexToBinary(reading.value);
     return reading;
 }
 
@@ -77,12 +84,10 @@ ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEn
     link::BinaryGroups groups;
     for (int i = 1; i <= ConfigurationDump::kRegisters; ++i) {
         const QByteArray address = QByteArray::number(207 + i, 16).toUpper();
-        const QByteArray value = ValueAfterEquals(link.Exchange("var?" + address));
-        const QByteArray digits = ByteDigits(value);
+        const QByteArray value = ReadValue(link, "var?" + address).value;
         dump.values << value;
         dump.lines << QString::fromLatin1(address) + QStringLiteral(": ==") + QString::fromLatin1(value) +
-                          QLatin1Char(' ') + link::HexToBinary(digits.isEmpty() ? value : digits, groups) +
-                          blockEntries.value(i - 1);
+                          QLatin1Char(' ') + link::HexToBinary(value, groups) + blockEntries.value(i - 1);
     }
     return dump;
 }

@@ -15,7 +15,7 @@ namespace kalvo::config {
 struct VariableReading {
     QByteArray command; // "var?D3" or "bit?04", as sent
     QByteArray answer;
-    QByteArray value; // the two hexadecimal digits after "=" of the answer
+    QByteArray value; // the value after "=" of the answer as two upper-case hexadecimal digits
     int number = 0;   // the value as a number
     QString binary;   // "0000 0001"
 };
@@ -41,6 +41,7 @@ struct ConfigurationDump {
     QString Text() const;                 // the lines, each ended by CR LF
 };
 // "var?D0" to "var?FF", whatever the symbol file defines; `blockEntries` label the lines in order.
+// An answer that holds no value ends the dump with a link::FormatError naming its command.
 ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEntries);
 
 // "cfg!pgm"; a ".Nx" answer is shown and false returned.

@@ -20,6 +20,27 @@ constexpr qint64 kMaxMajorVersion = 9999;
 constexpr qsizetype kMaxMinorDigits = 6;
 } // namespace
 
+namespace {
+
+QByteArray ReadRegisterAnswer(Link &link, const QByteArray &command)
+{
+    const QByteArray answer = link.Exchange(command);
+    if (!answer.contains(".Y"))
+        throw FormatError::ForAnswer(command, answer, QStringLiteral("einen Registerwert vor \".Y\""));
+    return answer;
+}
+
+// The version and identity answers are fields between ";"; one without any holds none of them.
+QList<QByteArray> AnswerFields(Link &link, const QByteArray &command, QByteArray &answer)
+{
+    answer = link.Exchange(command);
+    if (!answer.contains(';'))
+        throw FormatError::ForAnswer(command, answer, QStringLiteral("durch \";\" getrennte Felder"));
+    return SplitFields(answer);
+}
+
+} // namespace
+
 ConnectionState ConnectTester(Link &link, const QString &portName, bool developmentTerminal)
 {
     link.OpenPort(portName);
@@ -29,9 +50,10 @@ ConnectionState ConnectTester(Link &link, const QString &portName, bool developm
         return state;
     link.Exchange("mes!0");
     link.Exchange("kal!aus");
-    // A plain search for "1" anywhere in the answer, as the tester's tools have always done.
-    state.quillbankPresent = link.Exchange("var?E3").contains('1');
-    state.d3Option = link.Exchange("var?D3").contains('1');
+    // A plain search for "1" anywhere in the answer, as the tester's tools have always done; but
+    // only in an answer that holds a register value at all.
+    state.quillbankPresent = ReadRegisterAnswer(link, "var?E3").contains('1');
+    state.d3Option = ReadRegisterAnswer(link, "var?D3").contains('1');
     state.flagsRead = true;
     return state;
 }
@@ -155,8 +177,7 @@ TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options)
     id.languageCode = *code;
     id.language = LanguageForCode(id.languageCode);
 
-    id.versionAnswer = link.Exchange("ver?");
-    id.versionFields = SplitFields(id.versionAnswer);
+    id.versionFields = AnswerFields(link, "ver?", id.versionAnswer);
     for (int part = 0; part < kVersionParts; ++part) {
         const int field = part + 1;
         if (field < id.versionFields.size()) {
@@ -169,8 +190,7 @@ TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options)
     id.packageFileDates = PackageFileDates(options.updateDir, id.language);
     id.updateNeeded = UpdateNeeded(id.versionDates, id.packageFileDates);
 
-    id.identityAnswer = link.Exchange("idn?");
-    id.identityFields = SplitFields(id.identityAnswer);
+    id.identityFields = AnswerFields(link, "idn?", id.identityAnswer);
     id.accessoryIdentity = StripControlChars(id.identityAnswer);
     for (const QByteArray &field : std::as_const(id.identityFields)) {
         const qsizetype v = field.indexOf(" V");

@@ -2,6 +2,7 @@
 #include "ClockAndName.h"
 
 #include "LanguageTable.h"
+#include "link/Errors.h"
 #include "link/Link.h"
 #include "link/ServiceSession.h"
 #include "link/TextRules.h"
@@ -11,7 +12,12 @@ namespace kalvo::shell {
 TesterClock ReadTesterClock(link::Link &link)
 {
     const QByteArray answer = link.Exchange("dat?");
-    return {answer.mid(answer.indexOf('=') + 2, 8), answer.mid(answer.indexOf(';') + 2, 8)};
+    const qsizetype equals = answer.indexOf('=');
+    const qsizetype semicolon = answer.indexOf(';');
+    // Eight characters each, two behind their marks: an answer without them holds no clock.
+    if (equals < 0 || semicolon < 0 || answer.size() < std::max(equals, semicolon) + 10)
+        throw link::FormatError::ForAnswer("dat?", answer, QStringLiteral("\"=\" und \";\", je zwei Stellen dahinter Datum und Uhrzeit"));
+    return {answer.mid(equals + 2, 8), answer.mid(semicolon + 2, 8)};
 }
 
 QString ClockProposal(const QDateTime &now)
@@ -30,7 +36,7 @@ ClockSetting SetTesterClock(link::Link &link, link::Prompter &prompter, const QD
         prompter.askText(QStringLiteral("Datum und Uhrzeit ändern"), prompt, ClockProposal(now));
     if (!text || text->isEmpty())
         return setting;
-    link.Exchange("dat!" + link::EncodeTesterText(*text));
+    link::SendSetting(link, "dat!" + link::EncodeTesterText(*text));
     setting.sent = *text;
     return setting;
 }
@@ -45,8 +51,8 @@ NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const La
     if (name.isEmpty())
         return NamingResult::Cancelled;
     const link::RefusalWatch watch(link);
-    link.Exchange("kal!aus");
-    link.Exchange("idn!1," + link::EncodeTesterText(name));
+    link::SendSetting(link, "kal!aus");
+    link::SendSetting(link, "idn!1," + link::EncodeTesterText(name));
     if (watch.refused() &&
         !prompter.confirm(
             QStringLiteral("Der Kalvomer hat %1 abgelehnt. Trotzdem speichern?").arg(watch.Describe())))

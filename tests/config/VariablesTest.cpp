@@ -60,6 +60,6 @@ TEST(VariableValues, TheDumpShowsOneDigitValuesWithTheirFullBinaryText)
     const config::ConfigurationDump dump = config::DumpConfiguration(s.link, {});
     ASSERT_EQ(dump.lines.size(), 48);
     EXPECT_EQ(dump.lines[0], QStringLiteral("D0: ==FF 1111 1111"));
-    EXPECT_EQ(dump.lines[1], QStringLiteral("D1: == 4 0000 0100"));
+    EXPECT_EQ(dump.lines[1], QStringLiteral("D1: ==04 0000 0100"));
     EXPECT_TRUE(s.transport.allExpectationsMet());
 }
