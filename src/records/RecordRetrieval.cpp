@@ -28,13 +28,11 @@ void AppendPart(QByteArray &record, const QByteArray &part, const QByteArray &co
     record.chop(kTrailerLength);
 }
 
-QByteArray FillerPart(const QByteArray &answer, FillerRule rule)
+QByteArray FillerPart(const QByteArray &command, const QByteArray &answer, FillerRule rule)
 {
     if (rule == FillerRule::Position)
-        return After(answer, ":", kFillerLength);
-    // Without the literal filler the position counts as 0 and the 8 characters are skipped.
-    const qsizetype at = answer.indexOf(kFillerText);
-    return answer.mid((at < 0 ? 0 : at) + kFillerLength);
+        return PartAfter(command, answer, ":", kFillerLength);
+    return PartAfter(command, answer, kFillerText);
 }
 
 // The three parts of a record, each cut by `cut`; nullopt when any of them was refused. A refused
@@ -50,7 +48,7 @@ std::optional<QByteArray> ReadParts(link::Link &link, const QByteArray &prefix, 
         if (!answer)
             refused = true;
         else if (!refused)
-            AppendPart(record, cut(part, *answer), command, *answer);
+            AppendPart(record, cut(part, command, *answer), command, *answer);
     }
     if (refused)
         return std::nullopt;
@@ -102,14 +100,17 @@ std::optional<int> CountRecords(link::Link &link)
 
 std::optional<QByteArray> ReadRecord(link::Link &link, int index, FillerRule rule)
 {
-    return ReadParts(link, "prx?" + QByteArray::number(index), [rule](char part, const QByteArray &answer) {
-        return part == 'x' ? After(answer, ":") : FillerPart(answer, rule);
-    });
+    return ReadParts(link, "prx?" + QByteArray::number(index),
+                     [rule](char part, const QByteArray &command, const QByteArray &answer) {
+                         return part == 'x' ? PartAfter(command, answer, ":") : FillerPart(command, answer, rule);
+                     });
 }
 
 std::optional<QByteArray> ReadCurrentRecordParts(link::Link &link)
 {
-    return ReadParts(link, "prx?", [](char, const QByteArray &answer) { return After(answer, "="); });
+    return ReadParts(link, "prx?", [](char, const QByteArray &command, const QByteArray &answer) {
+        return PartAfter(command, answer, "=");
+    });
 }
 
 RetrievalResult StoreAllRecords(link::Link &link, link::Prompter &prompter, const RecordCallback &onRecord)

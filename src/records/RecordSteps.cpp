@@ -17,6 +17,15 @@ QByteArray After(const QByteArray &answer, const QByteArray &mark, qsizetype ski
     return answer.mid(link::PositionOf(answer, mark) + skip);
 }
 
+QByteArray PartAfter(const QByteArray &command, const QByteArray &answer, const QByteArray &mark, qsizetype skip)
+{
+    const qsizetype at = answer.indexOf(mark);
+    if (at < 0)
+        throw link::FormatError::ForAnswer(command, answer,
+                                           QStringLiteral("den Teil des Protokolls hinter \"%1\"").arg(QLatin1String(mark)));
+    return answer.mid(at + mark.size() + skip);
+}
+
 std::optional<QByteArray> Ask(link::Link &link, const QByteArray &command)
 {
     const link::RefusalWatch watch(link);

@@ -18,6 +18,12 @@ namespace kalvo::records {
 // answer, as the position arithmetic of the record readers always has.
 QByteArray After(const QByteArray &answer, const QByteArray &mark, qsizetype skip = 0);
 
+// The text behind the first `mark` and `skip` characters more, for an answer that must hold the
+// mark: without it (garbage, ".Nx") nothing of the answer is record data, and FormatError names
+// the command and what came.
+QByteArray PartAfter(const QByteArray &command, const QByteArray &answer, const QByteArray &mark,
+                     qsizetype skip = 0);
+
 // Exchange of one command; nullopt when the tester refused it (the link has said so already).
 std::optional<QByteArray> Ask(link::Link &link, const QByteArray &command);
 

@@ -36,6 +36,11 @@ public:
     // The text behind the last ";" is the end of the stream (line end, DC1), not a field.
     StoreListing Finish()
     {
+        // Text without a single ";" is no listing at all, not an empty one (an empty store sends
+        // nothing or a stub of fields).
+        if (m_rows.isEmpty() && !m_field.trimmed().isEmpty())
+            throw link::FormatError::ForAnswer(kListingCommand, m_field,
+                                               QStringLiteral("Felder, jedes mit \";\" abgeschlossen"));
         StoreListing result;
         result.rows = std::move(m_rows);
         if (result.rows.isEmpty() || result.rows[0].value(0).size() <= kStubLength)

@@ -28,7 +28,7 @@ QString Unchanged(const QString &out)
 // counts (the identity answer with its echo, and a version date as the tester wrote it, do not).
 QString IdentifyResults(const QString &out)
 {
-    static const QRegularExpression version(QStringLiteral(R"(^(\w+): .* (\(\d{4}-\d\d-\d\d\))$)"));
+    static const QRegularExpression version(QStringLiteral(R"(^(\w+): .* (\(\d{4}-\d\d-\d\d(T\d\d:\d\d:\d\d)?\))$)"));
     QStringList results;
     for (const QString &line : out.split(QLatin1Char('\n'))) {
         if (line.startsWith(QLatin1String("identity:")))

@@ -61,9 +61,6 @@ TEST(ReadRecord, PartsLoseTheirTrailerAndFillerByEitherRule)
          "PA;B;C;XXXdataZZ$FF\r\n"},
         {"literal", FillerRule::Literal, "prx?10y:abcXXXXXXXXdata.\r\n\x11", "prx?10z:XXXXXXXXZZ.\r\n\x11",
          "PA;B;C;dataZZ$FF\r\n"},
-        // Without the literal, the 8 characters at the start are skipped, as a position of 0 gives.
-        {"literal missing", FillerRule::Literal, "prx?10y:ABCDEFGHdata.\r\n\x11", "prx?10z:XXXXXXXX.\r\n\x11",
-         "PA;B;C;ABCDEFGHdata$FF\r\n"},
         // The tester's last chunk is empty: the record still ends in "$FF" CR LF.
         {"empty parts", FillerRule::Position, "prx?10y:XXXXXXXX.\r\n\x11", "prx?10z:XXXXXXXX.\r\n\x11",
          "PA;B;C;$FF\r\n"},
@@ -76,6 +73,36 @@ TEST(ReadRecord, PartsLoseTheirTrailerAndFillerByEitherRule)
         s.transport.Expect("prx?10z\r").Reply(c.z);
         EXPECT_EQ(ReadRecord(s.link, 10, c.rule), c.record);
         EXPECT_TRUE(s.transport.allExpectationsMet());
+    }
+}
+
+// A part without the mark it is cut behind (garbage, a bare ".Nx") holds no record data: taking
+// its whole text, as the position arithmetic would, put the tester's complaint into the record.
+TEST(ReadRecord, APartWithoutItsMarkIsAFormatErrorNamingIt)
+{
+    const struct {
+        const char *name;
+        FillerRule rule;
+        QByteArray x, y;
+        const char *named;
+    } cases[] = {
+        {"x without colon", FillerRule::Position, "prx?10x.Nx\r\n\x11", "prx?10y:XXXXXXXXab.\r\n\x11", "prx?10x"},
+        {"y without colon", FillerRule::Position, "prx?10x:PA;.\r\n\x11", "\x7f\x03kq0r8zzv\x11", "prx?10y"},
+        {"y without the literal filler", FillerRule::Literal, "prx?10x:PA;.\r\n\x11", "prx?10y:ABCDEFGHdata.\r\n\x11",
+         "prx?10y"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        ScriptedLink s;
+        s.transport.Expect("prx?10x\r").Reply(c.x);
+        s.transport.Expect("prx?10y\r").Reply(c.y);
+        s.transport.Expect("prx?10z\r").Reply("prx?10z:XXXXXXXX.\r\n\x11");
+        try {
+            ReadRecord(s.link, 10, c.rule);
+            ADD_FAILURE() << "a part without its mark was taken";
+        } catch (const link::FormatError &e) {
+            EXPECT_TRUE(e.text().contains(QString::fromLatin1(c.named))) << e.text().toStdString();
+        }
     }
 }
 
