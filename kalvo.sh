@@ -2,7 +2,7 @@
 # Installs what is missing, builds, and starts kalvo or runs its tests.
 #   ./kalvo.sh run       start on the built-in virtual tester
 #   ./kalvo.sh test      build and run every test
-#   ./kalvo.sh sanitize  build with AddressSanitizer and UBSan and run the unit tests
+#   ./kalvo.sh sanitize  build with AddressSanitizer and UBSan and run the unit tests, leaks included
 #   ./kalvo.sh bench     build and run the benchmarks
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -51,7 +51,7 @@ test)
     ;;
 sanitize)
     build build-asan -DKALVO_SANITIZE=ON -DKALVO_BUILD_BENCH=OFF
-    ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1 \
+    ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
         ctest --test-dir build-asan --output-on-failure -j "$JOBS" -L unit
     ;;
 bench)
