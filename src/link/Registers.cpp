@@ -47,7 +47,8 @@ QByteArray FlagsToHex(const Flags &flags)
 Flags HexToFlags(const QByteArray &hex)
 {
     // A one-digit value is cut from its answer with a blank in front (" 1"); "&H 1" would read as 0.
-    const auto value = static_cast<long long>(NumericValue("&H" + hex.trimmed()));
+    // Text that is no hexadecimal number reads as 0, as the numeric value of text does.
+    const qint64 value = WholeNumber("&H" + hex.trimmed(), 0, qint64(1) << 53).value_or(0);
     Flags flags{};
     for (int i = 0; i < 8; ++i)
         flags[static_cast<size_t>(i)] = (value >> i) & 1;

@@ -53,6 +53,8 @@ TEST(Conversion, FlagsAndHexRoundTripForEveryByte)
     EXPECT_EQ(FlagsToHex(HexToFlags("FF")), QByteArray("FF"));
     // A one-digit register value comes out of the answer with a blank in front.
     EXPECT_EQ(HexToFlags(" 1"), (Flags{true}));
+    // Far more digits than any integer holds: no number, never a conversion out of range.
+    EXPECT_EQ(HexToFlags("FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF"), Flags{});
 }
 
 TEST(Conversion, FieldBetween)
