@@ -25,10 +25,15 @@ const std::array<LimitInfo, 3> &Table()
     return table;
 }
 
-link::FormatError AnswerError(LimitKind kind, const QString &expected)
+// No limit of the tester has more than four digits; anything beyond is not a value.
+constexpr qint64 kLargestLimit = 9999;
+
+int ValueAt(LimitKind kind, const QByteArray &answer, qsizetype from, const QString &expected)
 {
-    return link::FormatError(
-        QStringLiteral("Antwort auf %1").arg(QString::fromLatin1(Limit(kind).readCommand)), 0, expected);
+    const auto value = link::WholeNumber(answer.mid(from), 0, kLargestLimit);
+    if (from < 0 || !value)
+        throw link::FormatError::ForAnswer(Limit(kind).readCommand, answer, expected);
+    return static_cast<int>(*value);
 }
 
 } // namespace
@@ -68,14 +73,13 @@ int LimitValueFromAnswer(LimitKind kind, const QByteArray &answer)
 {
     if (kind == LimitKind::Pzhv) {
         const qsizetype equals = answer.indexOf('=');
-        if (equals < 0)
-            throw AnswerError(kind, QStringLiteral("\"=\" und die Sekunden"));
-        return static_cast<int>(link::NumericValue(answer.mid(equals + 1)));
+        return ValueAt(kind, answer, equals < 0 ? -1 : equals + 1,
+                       QStringLiteral("\"=\" und die Sekunden (0 bis %1)").arg(kLargestLimit));
     }
     const qsizetype b = answer.indexOf("BGW");
-    if (b < 0)
-        throw AnswerError(kind, QStringLiteral("\"BGW\" und den Grenzwert"));
-    return static_cast<int>(link::NumericValue(answer.mid(b + 5)));
+    return ValueAt(
+        kind, answer, b < 0 ? -1 : b + 5,
+        QStringLiteral("\"BGW\" und fünf Stellen dahinter den Grenzwert (0 bis %1)").arg(kLargestLimit));
 }
 
 QString LimitLabel(LimitKind kind, int value)
