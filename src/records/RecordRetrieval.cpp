@@ -7,6 +7,8 @@
 #include "link/Link.h"
 #include "link/TextRules.h"
 
+#include <limits>
+
 namespace kalvo::records {
 
 namespace {
@@ -47,6 +49,17 @@ QByteArray FillerPart(const QByteArray &answer, FillerRule rule)
     return answer.mid((at < 0 ? 0 : at) + kFillerLength);
 }
 
+// The leading number of `text` as a count or record number: 0 where there is none, as the record
+// readers always have read it; a number beyond an int is an answer that cannot be used.
+int NumberIn(const QByteArray &text, const QByteArray &command, const QByteArray &answer)
+{
+    const double value = link::NumericValue(text);
+    if (value < std::numeric_limits<int>::min() || value > std::numeric_limits<int>::max())
+        throw link::FormatError::ForAnswer(
+            command, answer, QStringLiteral("eine Zahl bis %1").arg(std::numeric_limits<int>::max()));
+    return static_cast<int>(value);
+}
+
 void Notify(const RecordCallback &onRecord, int number, const QByteArray &record)
 {
     if (onRecord)
@@ -76,7 +89,8 @@ RetrievalResult NoRecords(link::Prompter &prompter, const QString &text)
 
 int CountRecords(link::Link &link)
 {
-    return static_cast<int>(link::NumericValue(After(link.Exchange("prx?n"), "=").trimmed()));
+    const QByteArray answer = link.Exchange("prx?n");
+    return NumberIn(After(answer, "=").trimmed(), "prx?n", answer);
 }
 
 QByteArray ReadRecord(link::Link &link, int index, FillerRule rule)
@@ -168,7 +182,7 @@ StoreListing ParseStoreListing(const QByteArray &listing)
         const QByteArray &entry = row.value(0);
         if (entry.isEmpty() || entry.contains("DATABASE"))
             continue;
-        const int number = static_cast<int>(link::NumericValue(After(entry, "=")));
+        const int number = NumberIn(After(entry, "="), "prx?nx", entry);
         result.records << link::ConvertDisplayText(row.value(3)) + QLatin1Char(':') + QString::number(number);
     }
     return result;

@@ -98,6 +98,10 @@ TEST(CountAndCurrent, NumbersAndMarksAreReadFromTheAnswers)
         s.transport.Expect("prx?n\r").Reply(c.answer);
         EXPECT_EQ(CountRecords(s.link), c.count) << c.answer.constData();
     }
+    // A count beyond an int cannot be used: never a wrapped number of records to read.
+    ScriptedLink huge;
+    huge.transport.Expect("prx?n\r").Reply("prx?n= 99999999999\r\n\x11");
+    EXPECT_THROW(CountRecords(huge.link), link::FormatError);
 
     ScriptedLink s;
     s.transport.Expect("prx?\r").Reply("prx?.Y\r\n\x11");
@@ -254,6 +258,8 @@ TEST(StoreListing, OnlyTestRecordsReachTheListAndTheRawAnswerIsKept)
     EXPECT_EQ(result.records, (QStringList{QStringLiteral("4711:2"), QStringLiteral("DATABASE-X:12")}));
 
     EXPECT_TRUE(ParseStoreListing("prx?nx\r\n;\x11").records.isEmpty());
+    EXPECT_THROW(ParseStoreListing("PROTOKOLL Nr=99999999999;17.03.09;10:42;4711;;;;;;;;;;\x11"),
+                 link::FormatError);
 }
 
 TEST(StoreListing, TheVirtualTestersListingNamesItsRecords)
