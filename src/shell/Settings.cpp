@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QList>
+#include <limits>
 
 namespace kalvo::shell {
 
@@ -41,8 +42,10 @@ Settings ParseSettings(const QByteArray &text)
     const auto value = [&](int index) { return SettingsLineValue(lines[index]); };
     if (lines.size() > 0)
         settings.portName = ChooserPortName(QString::fromLatin1(value(0)));
-    if (lines.size() > 1)
-        settings.portNumber = static_cast<int>(link::NumericValue(value(1)));
+    if (lines.size() > 1) // a number beyond an int is no port number either
+        settings.portNumber = static_cast<int>(
+            link::WholeNumber(value(1), std::numeric_limits<int>::min(), std::numeric_limits<int>::max())
+                .value_or(0));
     if (lines.size() > 2)
         settings.language = QString::fromLatin1(value(2)).trimmed();
     if (lines.size() > 4)

@@ -38,6 +38,8 @@ TEST(Settings, ShortFilesKeepDefaultsAndOddValuesFollowTheNumberRule)
     const Settings two = ParseSettings("COM 4\nabc\n");
     EXPECT_EQ(two.portName, QStringLiteral("COM 4"));
     EXPECT_EQ(two.portNumber, 0); // a port number that is no number
+    // Nor is one beyond an int.
+    EXPECT_EQ(ParseSettings("COM 4\n99999999999\n").portNumber, 0);
     EXPECT_FALSE(two.language.has_value());
     EXPECT_FALSE(two.updateWithoutVersionCheck);
 
