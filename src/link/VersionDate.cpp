@@ -68,7 +68,11 @@ std::optional<QDateTime> ParseVersionDate(const QString &text, DateOrder order)
         if (parsed.isValid())
             time = parsed;
     }
-    return QDateTime(date, time);
+    // A year of nine digits is a valid QDate but lies beyond what a QDateTime holds.
+    const QDateTime dateTime(date, time);
+    if (!dateTime.isValid())
+        return std::nullopt;
+    return dateTime;
 }
 
 } // namespace kalvo::link

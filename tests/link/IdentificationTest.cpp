@@ -86,6 +86,7 @@ TEST(Identification, VersionDatesInEveryOrder)
         {"12/24/2003 13:45:10", O::MonthDayYear, QDateTime(QDate(2003, 12, 24), QTime(13, 45, 10))},
         {"2003.12.24", O::DayMonthYear, {}},
         {"31.02.2003", O::DayMonthYear, {}},
+        {"17.03.444442009", O::DayMonthYear, {}}, // a valid QDate, but beyond any date and time
         {"24.12", O::DayMonthYear, {}},
         {"V 1.52", O::DayMonthYear, {}},
         {"", O::DayMonthYear, {}},
