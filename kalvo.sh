@@ -2,18 +2,22 @@
 # Installs what is missing, builds, and starts kalvo or runs its tests.
 #   ./kalvo.sh run       start on the built-in virtual tester
 #   ./kalvo.sh test      build and run every test
-#   ./kalvo.sh sanitize  build with AddressSanitizer and UBSan and run the unit tests
+#   ./kalvo.sh sanitize  build with AddressSanitizer and UBSan and run the unit tests, leaks included
 #   ./kalvo.sh bench     build and run the benchmarks
+#   ./kalvo.sh fuzz [SECONDS]  build the libFuzzer harnesses with clang and run each for SECONDS (60)
 set -euo pipefail
 cd "$(dirname "$0")"
 
 PACKAGES=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev libgtest-dev libgmock-dev
           fonts-dejavu-core poppler-utils)
+# Only the fuzz command needs clang and its libFuzzer runtime; the metapackage names follow the
+# distribution's default clang (Debian 12: clang-14 and libclang-rt-14-dev).
+FUZZ_PACKAGES=(clang libclang-rt-dev)
 JOBS=$(nproc 2>/dev/null || echo 2)
 
-install_missing() {
+install_missing() { # install_missing PACKAGE...
     local missing=()
-    for p in "${PACKAGES[@]}"; do
+    for p in "$@"; do
         dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
     done
     [ ${#missing[@]} -eq 0 ] && return 0
@@ -30,8 +34,51 @@ build() { # build DIR [cmake options...]
     cmake --build "$dir" -j "$JOBS"
 }
 
+# Which dictionary each harness uses (fuzz/NAME.dict); the others have their own name.
+fuzz_dict() {
+    case $1 in
+    record_file | record_streams | report_csv) echo records ;;
+    link_framing | operations) echo link ;;
+    *) echo "$1" ;;
+    esac
+}
+
+# Runs every harness for $1 seconds, one after the other, on a copy of its seeds in build-fuzz/corpus.
+# A crash, a sanitizer report, a leak or a hang leaves its input in build-fuzz/findings/HARNESS/.
+run_fuzzers() {
+    local seconds=$1 found=0
+    for exe in build-fuzz/bin/fuzz_*; do
+        local name=${exe#build-fuzz/bin/fuzz_}
+        local corpus=build-fuzz/corpus/$name findings=build-fuzz/findings/$name log=build-fuzz/logs/$name.log
+        mkdir -p "$corpus" "$findings" build-fuzz/logs
+        # The copy grows with what the fuzzer finds; the seeds in fuzz/corpus are never written to.
+        cp -n fuzz/corpus/"$name"/* "$corpus"/ 2>/dev/null || true
+        local before after rc=0
+        before=$(ls "$findings" | wc -l)
+        UBSAN_OPTIONS=print_stacktrace=1 ASAN_OPTIONS=detect_leaks=1 \
+            "$exe" "$corpus" -dict=fuzz/"$(fuzz_dict "$name")".dict -max_total_time="$seconds" -timeout=10 \
+            -print_final_stats=1 -artifact_prefix="$findings"/ >"$log" 2>&1 || rc=$?
+        local runs
+        runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -1)
+        after=$(ls "$findings" | wc -l)
+        if [ "$rc" -ne 0 ] || [ "$after" -gt "$before" ]; then
+            found=1
+            printf '%-16s %10s runs  FINDING (exit %s), log %s\n' "$name" "${runs:-?}" "$rc" "$log"
+            grep -E 'ERROR: |runtime error|SUMMARY|expectation failed|Test unit written' "$log" | head -8 | sed 's/^/    /' || true
+            ls -t "$findings" | head -3 | sed "s|^|    input: $findings/|"
+        else
+            printf '%-16s %10s runs  nothing found\n' "$name" "${runs:-?}"
+        fi
+    done
+    return $found
+}
+
 cmd=${1:-run}
-install_missing
+if [ "$cmd" = fuzz ]; then
+    install_missing "${PACKAGES[@]}" "${FUZZ_PACKAGES[@]}"
+else
+    install_missing "${PACKAGES[@]}"
+fi
 case "$cmd" in
 run)
     build build
@@ -51,15 +98,20 @@ test)
     ;;
 sanitize)
     build build-asan -DKALVO_SANITIZE=ON -DKALVO_BUILD_BENCH=OFF
-    ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1 \
+    ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
         ctest --test-dir build-asan --output-on-failure -j "$JOBS" -L unit
     ;;
 bench)
     build build
     for b in build/bin/bench_*; do "$b"; done
     ;;
+fuzz)
+    seconds=${2:-60}
+    build build-fuzz -DKALVO_FUZZ=ON -DCMAKE_CXX_COMPILER=clang++
+    run_fuzzers "$seconds"
+    ;;
 *)
-    echo "usage: $0 run|test|sanitize|bench" >&2
+    echo "usage: $0 run|test|sanitize|bench|fuzz [SECONDS]" >&2
     exit 2
     ;;
 esac

@@ -41,7 +41,7 @@ std::optional<CliOptions> ParseCliOptions(const QStringList &arguments, QString 
     if (!timeout.isNull()) {
         bool ok = false;
         options.timeoutSeconds = timeout.toDouble(&ok);
-        if (!ok || options.timeoutSeconds <= 0) {
+        if (!ok || !(options.timeoutSeconds > 0)) { // "nan" is no number of seconds
             error = QStringLiteral("--timeout braucht eine Zahl von Sekunden größer 0");
             return std::nullopt;
         }

@@ -1,7 +1,9 @@
 // The one clock every wait and time-out of the link reads; tests swap in a manual one.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 
 namespace kalvo::link {
 
@@ -43,9 +45,16 @@ inline double ToSeconds(Duration d)
 {
     return std::chrono::duration<double>(d).count();
 }
+// Seconds from a user (a time-out of "1e300" or "inf") can lie beyond the clock: a wait of more than
+// about 30 years is as good as endless and is cut there, so that a deadline (now + wait) stays on the
+// clock; a time that is no number waits not at all.
 inline Duration FromSeconds(double s)
 {
-    return std::chrono::duration_cast<Duration>(std::chrono::duration<double>(s));
+    constexpr double kLongestSeconds = 1e9;
+    if (std::isnan(s))
+        return Duration::zero();
+    return std::chrono::duration_cast<Duration>(
+        std::chrono::duration<double>(std::clamp(s, -kLongestSeconds, kLongestSeconds)));
 }
 
 } // namespace kalvo::link

@@ -128,6 +128,7 @@ TEST(CliEndToEnd, UsageErrorsAndMissingPortsHaveTheirExitCodes)
     const Case cases[] = {
         {{QStringLiteral("frobnicate")}, 2},
         {{QStringLiteral("--timeout"), QStringLiteral("x"), QStringLiteral("identify")}, 2},
+        {{QStringLiteral("--timeout"), QStringLiteral("nan"), QStringLiteral("identify")}, 2},
         {{QStringLiteral("send")}, 2},
         {{QStringLiteral("--port"), QStringLiteral("/dev/kalvo-no-such-port"), QStringLiteral("identify")},
          1},

@@ -1,9 +1,11 @@
 // Tester characters to display text, answer cutting, numbers and register bytes.
+#include "link/Clock.h"
 #include "link/Errors.h"
 #include "link/Registers.h"
 #include "link/TextRules.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 
 using namespace kalvo::link;
 
@@ -53,6 +55,8 @@ TEST(Conversion, FlagsAndHexRoundTripForEveryByte)
     EXPECT_EQ(FlagsToHex(HexToFlags("FF")), QByteArray("FF"));
     // A one-digit register value comes out of the answer with a blank in front.
     EXPECT_EQ(HexToFlags(" 1"), (Flags{true}));
+    // Far more digits than any integer holds: no number, never a conversion out of range.
+    EXPECT_EQ(HexToFlags("FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF"), Flags{});
 }
 
 TEST(Conversion, FieldBetween)
@@ -93,6 +97,21 @@ TEST(Conversion, NumericValueReadsTheLeadingNumberWhateverTheLocale)
     };
     for (const auto &c : cases)
         EXPECT_DOUBLE_EQ(NumericValue(c.text), c.value) << c.text;
+}
+
+TEST(Conversion, SecondsBeyondTheClockAreCutAndNoNumberIsNoWait)
+{
+    const Duration longest = FromSeconds(1e9);
+    EXPECT_GT(longest, std::chrono::hours(24 * 365 * 30));
+    for (const double endless : {1e300, std::numeric_limits<double>::infinity()})
+        EXPECT_EQ(FromSeconds(endless), longest) << endless;
+    EXPECT_EQ(FromSeconds(-std::numeric_limits<double>::infinity()), -longest);
+    EXPECT_EQ(FromSeconds(std::numeric_limits<double>::quiet_NaN()), Duration::zero());
+    EXPECT_EQ(FromSeconds(40), std::chrono::seconds(40));
+    // A deadline an endless wait away is still on the clock.
+    ManualClock clock;
+    clock.advance(std::chrono::hours(24 * 365));
+    EXPECT_GT(clock.now() + FromSeconds(1e300), clock.now());
 }
 
 TEST(Conversion, StripControlCharsAndSplitFields)

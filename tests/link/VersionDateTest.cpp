@@ -30,6 +30,7 @@ TEST(VersionDate, ReadInEveryOrderWithOrWithoutATime)
         {"24.12.-3", O::DayMonthYear, {}},
         {"2003.12.24", O::DayMonthYear, {}},
         {"31.02.2003", O::DayMonthYear, {}},
+        {"17.03.444442009", O::DayMonthYear, {}}, // a year of more digits than any date holds
         {"24.12", O::DayMonthYear, {}},
         {"V 1.52", O::DayMonthYear, {}},
         {"", O::DayMonthYear, {}},
