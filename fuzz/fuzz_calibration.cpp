@@ -39,7 +39,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     }
 
     try {
-        config::CalibrationLine("kal? 0", bytes);
+        // Whatever a backup takes from an answer must be restorable.
+        const QByteArray line = config::CalibrationLine(7, "kal? 7", bytes);
+        const QString saved = fuzz::WriteScratchFile(QStringLiteral("line.cal"), line + "\r\n");
+        fuzz::Expect(config::ReadCalibrationFile(saved, config::RestoreSource::ServiceForm).size() == 1,
+                     "a line taken into a backup reads back as one entry");
     } catch (const link::KalvoError &) {
     }
     config::DefaultBackupName(parts[0]);

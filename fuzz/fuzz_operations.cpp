@@ -1,5 +1,5 @@
 // Operations that read values out of the tester's answers, over a line that answers with the input:
-// identification, registers, variables, limits, modem strings, clock, records, listing, accessory.
+// identification, registers, variables, limits, modem writes, clock, records, listing, accessory.
 // Input: one byte choosing the operation, then a FuzzTransport script.
 #include "FuzzDevice.h"
 #include "FuzzFiles.h"
@@ -30,7 +30,9 @@ void RunOperation(fuzz::FuzzDevice &device, int operation)
         link::ReadRegisters(link, table);
         break;
     }
-    case 2: modem::ReadModemSettings(link); break;
+    case 2:
+        modem::WriteModemSettings(link, {QStringLiteral("0711"), QString(), QStringLiteral("ATZ")});
+        break;
     case 3: config::ReadLimit(link, config::LimitKind::Kuschl); break;
     case 4: config::ReadLimit(link, config::LimitKind::Ubez); break;
     case 5: config::ReadLimit(link, config::LimitKind::Pzhv); break;
@@ -40,8 +42,10 @@ void RunOperation(fuzz::FuzzDevice &device, int operation)
         break;
     case 7: config::DumpConfiguration(link, {}); break;
     case 8: records::CountRecords(link); break;
-    case 9: records::ReadCurrentRecord(link); break;
-    case 10: records::ReadStoreListing(link, fuzz::WriteScratchFile(records::kProtoFileName, {})); break;
+    case 9: records::ReadCurrentRecordParts(link); break;
+    case 10:
+        records::ReadStoreListing(link, device.prompter, fuzz::WriteScratchFile(records::kProtoFileName, {}));
+        break;
     case 11:
         records::ReadAccessoryRecords(link, device.prompter,
                                       fuzz::WriteScratchFile(records::kLogTmpFileName, {}));

@@ -14,6 +14,8 @@ const QString kDefaultPortNotOpen = QStringLiteral("Die Schnittstelle ist nicht 
 const QString kDefaultProtocolText = QStringLiteral("Protokollfehler");
 constexpr qint64 kShortestSendableFile = 101;
 constexpr std::chrono::milliseconds kWaitSlice(200);
+// A refusal is the echo of a command and " Protokoll .N": far shorter than this.
+constexpr qsizetype kLongestRefusal = 80;
 
 // The busy pointer while the link waits for the tester, when the program asked for it.
 class BusyWhileWaiting {
@@ -129,7 +131,7 @@ bool Link::Collect(QByteArray &answer, const QByteArray &chunk, qsizetype cap)
     return complete;
 }
 
-void Link::Finish(const QByteArray &answer)
+void Link::Finish(const QByteArray &answer, bool stream)
 {
     // Whatever followed the terminator is not kept for the next command.
     try {
@@ -144,7 +146,7 @@ void Link::Finish(const QByteArray &answer)
         // The tester echoes a configuration store; give it time to finish before the next command.
         if (answer.contains("cfg!pgm"))
             Wait(kWakePause);
-    } else if (answer.contains(".N")) {
+    } else if (answer.contains(".N") && (!stream || answer.size() <= kLongestRefusal)) {
         NoteRefusal(m_lastCommand);
         m_prompter.message(QStringLiteral("%1:  %2").arg(m_protocolNumber).arg(m_protocolText),
                            Prompter::Icon::Critical);
@@ -178,7 +180,7 @@ QByteArray Link::ReceiveStream(const ChunkSink &onChunk)
         if (onChunk)
             onChunk(stream.mid(before));
     }
-    Finish(stream);
+    Finish(stream, true);
     return stream;
 }
 

@@ -104,8 +104,9 @@ private:
     QByteArray ReadBefore(Duration deadline);
     // Appends `chunk` up to and including DC1 to `answer`; true when DC1 was in it.
     bool Collect(QByteArray &answer, const QByteArray &chunk, qsizetype cap);
-    // What follows a complete answer: input discarded, the refusal rule, the "cfg!pgm" pause.
-    void Finish(const QByteArray &answer);
+    // What follows a complete answer: input discarded, the refusal rule, the "cfg!pgm" pause. A
+    // stream is a refusal only when it is as short as one: records may well hold both words.
+    void Finish(const QByteArray &answer, bool stream = false);
 
     Transport &m_transport;
     Prompter &m_prompter;

@@ -71,6 +71,16 @@ TEST_F(LinkFixture, AStreamIsKeptOnlyUpToItsTerminatorAndItsRefusalIsCounted)
     EXPECT_EQ(prompter.messages[0].icon, Prompter::Icon::Critical);
 }
 
+TEST_F(LinkFixture, AStreamOfRecordsThatMentionsBothWordsIsNoRefusal)
+{
+    // A repair text may well say "Protokoll" and "Nr.N..."; only an answer as short as a refusal is one.
+    const QByteArray record = "K;Kalvomer;Protokoll Nr.N 17 neu;" + QByteArray(100, 'x') + "$FF";
+    transport.Expect("wer?\r").Reply(record).Reply("\x11", 10ms);
+    EXPECT_EQ(link.ExchangeStream("wer?"), record + '\x11');
+    EXPECT_EQ(link.refusals(), 0);
+    EXPECT_TRUE(prompter.messages.empty());
+}
+
 TEST_F(LinkFixture, RefusalsAreCountedPerCommandAndAWatchSeesOnlyItsOwn)
 {
     transport.Expect("idn!99\r").Reply("idn!99 .Y\x11");
