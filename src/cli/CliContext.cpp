@@ -28,9 +28,11 @@ CliContext::CliContext(const CliOptions &options) : m_options(options), m_prompt
     }
     m_link = std::make_unique<link::Link>(*m_transport, m_prompter);
     m_prompter.WatchRefusals(m_link.get());
-    const QString language = !options.language.isEmpty()
-                                 ? options.language
-                                 : shell::ReadSettings().language.value_or(QStringLiteral("deutsch"));
+    const shell::Settings settings = shell::ReadSettings();
+    for (const QString &warning : settings.warnings)
+        m_prompter.message(warning, link::Prompter::Icon::Warning);
+    const QString language =
+        !options.language.isEmpty() ? options.language : settings.language.value_or(QStringLiteral("deutsch"));
     QString error;
     try {
         const QString file = QDir(QCoreApplication::applicationDirPath()).filePath(shell::kLanguageFileName);

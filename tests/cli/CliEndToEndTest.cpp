@@ -194,3 +194,18 @@ TEST(CliEndToEnd, PortComesFromTheSettingsFileOfTheCurrentDirectory)
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     EXPECT_TRUE(run.out.startsWith(QStringLiteral("dis? 00.Y"))) << run.out.toStdString();
 }
+
+TEST(CliEndToEnd, ASettingsNumberOutOfRangeIsToldAndTheCommandStillRuns)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    QTemporaryDir dir;
+    QFile ini(dir.filePath(QStringLiteral("Q417.ini")));
+    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
+    ini.write(sim.pty().toLocal8Bit() + "\r\n&HFFFFFFFFFFFFFFFFFFFF;port number\r\ndeutsch\r\n");
+    ini.close();
+    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
+                                     {QStringLiteral("send"), QStringLiteral("dis?")}, 60, dir.path());
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("Q417.ini, Zeile 2"))) << run.err.toStdString();
+}

@@ -33,6 +33,8 @@ void DialogAnswerer::Look()
             cancel->click();
         else if (QAbstractButton *okButton = box->button(QMessageBox::Ok))
             okButton->click();
+        else if (QAbstractButton *yes = box->button(QMessageBox::Yes)) // "replace the file?"
+            yes->click();
         else
             box->accept();
     } else if (auto *dialog = qobject_cast<QFileDialog *>(modal)) {
@@ -53,7 +55,9 @@ void DialogAnswerer::Look()
                 edit->setText(path);
             else
                 dialog->selectFile(path);
-            QMetaObject::invokeMethod(dialog, "accept");
+            // Queued: a question the dialog asks on accepting (replace an existing file?) must come
+            // up outside this slot, or the timer that would answer it never fires again.
+            QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
         }
     } else if (auto *input = qobject_cast<QInputDialog *>(modal)) {
         prompts << input->labelText();
