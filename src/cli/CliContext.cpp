@@ -31,8 +31,9 @@ CliContext::CliContext(const CliOptions &options) : m_options(options), m_prompt
     const shell::Settings settings = shell::ReadSettings();
     for (const QString &warning : settings.warnings)
         m_prompter.message(warning, link::Prompter::Icon::Warning);
-    const QString language =
-        !options.language.isEmpty() ? options.language : settings.language.value_or(QStringLiteral("deutsch"));
+    const QString language = !options.language.isEmpty()
+                                 ? options.language
+                                 : settings.language.value_or(QStringLiteral("deutsch"));
     QString error;
     try {
         const QString file = QDir(QCoreApplication::applicationDirPath()).filePath(shell::kLanguageFileName);

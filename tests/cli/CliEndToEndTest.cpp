@@ -1,58 +1,26 @@
 // kalvo-cli against kalvo-sim over a real pseudo-terminal: what it prints and the bytes that reach the
 // tester.
+#include "support/SilentPty.h"
 #include "support/SimProcess.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-
-#include <fcntl.h>
-#include <stdlib.h>
-#include <termios.h>
-#include <unistd.h>
 
 using namespace kalvo::testing;
 
 namespace {
 
-// A pseudo-terminal nobody answers on.
-class SilentPty {
-public:
-    SilentPty()
-    {
-        m_master = posix_openpt(O_RDWR | O_NOCTTY);
-        if (m_master < 0 || grantpt(m_master) != 0 || unlockpt(m_master) != 0)
-            return;
-        m_path = QString::fromLocal8Bit(ptsname(m_master));
-        // Hold the slave open so that the client's close does not hang up the line.
-        m_slave = open(ptsname(m_master), O_RDWR | O_NOCTTY);
-        termios raw{};
-        tcgetattr(m_slave, &raw);
-        cfmakeraw(&raw);
-        tcsetattr(m_slave, TCSANOW, &raw);
-    }
-    ~SilentPty()
-    {
-        if (m_slave >= 0)
-            close(m_slave);
-        if (m_master >= 0)
-            close(m_master);
-    }
-    const QString &path() const { return m_path; }
-    QByteArray Drain()
-    {
-        QByteArray all;
-        char buffer[256];
-        fcntl(m_master, F_SETFL, O_NONBLOCK);
-        for (ssize_t n; (n = read(m_master, buffer, sizeof buffer)) > 0;)
-            all.append(buffer, n);
-        return all;
-    }
-
-private:
-    int m_master = -1;
-    int m_slave = -1;
-    QString m_path;
-};
+// kalvo-cli run in a folder whose Q417.ini holds `ini`.
+RunResult RunWithSettings(const QByteArray &ini, const QStringList &arguments)
+{
+    QTemporaryDir dir;
+    QFile file(dir.filePath(QStringLiteral("Q417.ini")));
+    if (!file.open(QIODevice::WriteOnly) || file.write(ini) != ini.size())
+        return {};
+    file.close();
+    return RunProgram(QStringLiteral("kalvo-cli"), arguments, 60, dir.path());
+}
 
 } // namespace
 
@@ -184,13 +152,9 @@ TEST(CliEndToEnd, PortComesFromTheSettingsFileOfTheCurrentDirectory)
 {
     SimProcess sim;
     ASSERT_TRUE(sim.started());
-    QTemporaryDir dir;
-    QFile ini(dir.filePath(QStringLiteral("Q417.ini")));
-    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
-    ini.write(sim.pty().toLocal8Bit() + ";port of the bench tester\r\n1\r\ndeutsch\r\n");
-    ini.close();
-    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
-                                     {QStringLiteral("send"), QStringLiteral("dis?")}, 60, dir.path());
+    const RunResult run =
+        RunWithSettings(sim.pty().toLocal8Bit() + ";port of the bench tester\r\n1\r\ndeutsch\r\n",
+                        {QStringLiteral("send"), QStringLiteral("dis?")});
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     EXPECT_TRUE(run.out.startsWith(QStringLiteral("dis? 00.Y"))) << run.out.toStdString();
 }
@@ -199,13 +163,9 @@ TEST(CliEndToEnd, ASettingsNumberOutOfRangeIsToldAndTheCommandStillRuns)
 {
     SimProcess sim;
     ASSERT_TRUE(sim.started());
-    QTemporaryDir dir;
-    QFile ini(dir.filePath(QStringLiteral("Q417.ini")));
-    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
-    ini.write(sim.pty().toLocal8Bit() + "\r\n&HFFFFFFFFFFFFFFFFFFFF;port number\r\ndeutsch\r\n");
-    ini.close();
-    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
-                                     {QStringLiteral("send"), QStringLiteral("dis?")}, 60, dir.path());
+    const RunResult run =
+        RunWithSettings(sim.pty().toLocal8Bit() + "\r\n&HFFFFFFFFFFFFFFFFFFFF;port number\r\ndeutsch\r\n",
+                        {QStringLiteral("send"), QStringLiteral("dis?")});
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     EXPECT_TRUE(run.err.contains(QStringLiteral("Q417.ini, Zeile 2"))) << run.err.toStdString();
 }

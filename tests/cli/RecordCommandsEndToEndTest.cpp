@@ -176,11 +176,7 @@ TEST(CliRecordCommands, FilesFarTooLargeAreRefusedWithTheirSize)
     QTemporaryDir dir;
     const QString big = dir.filePath(QStringLiteral("riesig.txt"));
     const QString csv = dir.filePath(QStringLiteral("export.csv"));
-    {
-        QFile file(big);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_TRUE(file.resize(qint64(100) * 1024 * 1024)); // sparse
-    }
+    ASSERT_TRUE(MakeLargeFile(big, qint64(100) * 1024 * 1024));
     WriteFile(csv, kOldFile);
     for (const QStringList &arguments :
          {QStringList{QStringLiteral("report"), big}, QStringList{QStringLiteral("csv"), big, csv}}) {

@@ -94,11 +94,7 @@ TEST(RecordFiles, FilesFarLargerThanAnyRealOneAreRefusedWithTheirSizeAndWriteNot
     QTemporaryDir dir;
     const QString big = dir.filePath(QStringLiteral("big.txt"));
     const QString out = dir.filePath(QStringLiteral("out.txt"));
-    {
-        QFile file(big);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        ASSERT_TRUE(file.resize(100 * 1024 * 1024)); // sparse: no time spent writing it
-    }
+    ASSERT_TRUE(kalvo::testing::MakeLargeFile(big, 100 * 1024 * 1024));
     ScriptedLink s;
     s.prompter.fileAnswers.push_back(out);
     s.transport.Expect("idn?\r").Reply("idn? QRT4027\r\n\x11");

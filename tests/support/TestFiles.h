@@ -20,4 +20,11 @@ inline bool WriteFile(const QString &path, const QByteArray &bytes)
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
+// A file of `size` zero bytes that takes no time to write (sparse where the system allows).
+inline bool MakeLargeFile(const QString &path, qint64 size)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.resize(size);
+}
+
 } // namespace kalvo::testing
