@@ -90,10 +90,17 @@ QByteArray ReadWholeFile(const QString &path)
     };
     if (file.size() > kMaxFileBytes)
         throw tooLarge(Mebibytes(file.size()));
-    // A pipe or device tells no size: read one byte beyond the limit to know.
-    QByteArray bytes = file.read(kMaxFileBytes + 1);
-    if (bytes.size() > kMaxFileBytes)
-        throw tooLarge(QStringLiteral("mehr als ") + Mebibytes(kMaxFileBytes));
+    if (!file.isSequential())
+        return file.readAll();
+    // A pipe or device tells no size: read it in pieces up to one byte beyond the limit. (Asking
+    // for the whole limit at once would set aside that much memory for every file, however short.)
+    constexpr qint64 kPiece = 64 * 1024;
+    QByteArray bytes;
+    for (QByteArray piece; !(piece = file.read(kPiece)).isEmpty();) {
+        bytes += piece;
+        if (bytes.size() > kMaxFileBytes)
+            throw tooLarge(QStringLiteral("mehr als ") + Mebibytes(kMaxFileBytes));
+    }
     return bytes;
 }
 
