@@ -52,12 +52,6 @@ private:
     int m_endCounter = 0;
 };
 
-RetrievalResult Refused(link::Prompter &prompter, const link::RefusalWatch &watch, const QString &path)
-{
-    TellNothingWritten(prompter, watch, path);
-    return {RetrievalStatus::Refused, {}};
-}
-
 } // namespace
 
 QList<QByteArray> SplitAccessoryStream(const QByteArray &stream)
@@ -73,14 +67,14 @@ RetrievalResult ReadAccessoryRecords(link::Link &link, link::Prompter &prompter,
     const link::RefusalWatch watch(link);
     const std::optional<QByteArray> identity = Ask(link, "idn?");
     if (!identity)
-        return Refused(prompter, watch, logTmpPath);
+        return RefusedRead(prompter, watch, logTmpPath);
     if (!identity->contains(kAccessoryIdentity)) {
         prompter.message(kNoAccessoryText, link::Prompter::Icon::Information);
         return {RetrievalStatus::NoAccessory, {}};
     }
     const std::optional<QByteArray> waiting = Ask(link, "esr?");
     if (!waiting)
-        return Refused(prompter, watch, logTmpPath);
+        return RefusedRead(prompter, watch, logTmpPath);
     const int count = ReadCount("esr?", *waiting, ";");
     if (count < 1) {
         prompter.message(kNoAccessoryRecordsText, link::Prompter::Icon::Information);
@@ -95,7 +89,7 @@ RetrievalResult ReadAccessoryRecords(link::Link &link, link::Prompter &prompter,
             static_cast<int>(std::min<qsizetype>(100, splitter.records().size() * 100 / count)));
     });
     if (watch.refused())
-        return Refused(prompter, watch, logTmpPath);
+        return RefusedRead(prompter, watch, logTmpPath);
     // A stream without a whole record, or one that stops inside a record, would replace the last
     // good log.tmp with less than the accessory holds.
     if (splitter.records().isEmpty() || !splitter.unfinished().isEmpty())

@@ -55,12 +55,6 @@ std::optional<QByteArray> ReadParts(link::Link &link, const QByteArray &prefix, 
     return record + kRecordEnd;
 }
 
-RetrievalResult Refused(link::Prompter &prompter, const link::RefusalWatch &watch, const QString &path)
-{
-    TellNothingWritten(prompter, watch, path);
-    return {RetrievalStatus::Refused, {}};
-}
-
 RetrievalResult NoRecords(link::Prompter &prompter)
 {
     prompter.message(kNoRecordsText, link::Prompter::Icon::Information);
@@ -83,7 +77,7 @@ RetrievalResult ReadAllInto(link::Link &link, link::Prompter &prompter, const li
             onRecord(i, *record);
     }
     if (watch.refused())
-        return Refused(prompter, watch, path);
+        return RefusedRead(prompter, watch, path);
     WriteRecordFile(path, result.records);
     return result;
 }
@@ -102,7 +96,8 @@ std::optional<QByteArray> ReadRecord(link::Link &link, int index, FillerRule rul
 {
     return ReadParts(link, "prx?" + QByteArray::number(index),
                      [rule](char part, const QByteArray &command, const QByteArray &answer) {
-                         return part == 'x' ? PartAfter(command, answer, ":") : FillerPart(command, answer, rule);
+                         return part == 'x' ? PartAfter(command, answer, ":")
+                                            : FillerPart(command, answer, rule);
                      });
 }
 
@@ -121,7 +116,7 @@ RetrievalResult StoreAllRecords(link::Link &link, link::Prompter &prompter, cons
     const link::RefusalWatch watch(link);
     const std::optional<int> count = CountRecords(link);
     if (!count)
-        return Refused(prompter, watch, path);
+        return RefusedRead(prompter, watch, path);
     // Unlike the old program, an empty store leaves no empty file behind (and an old file intact).
     if (*count <= 0)
         return NoRecords(prompter);
@@ -133,7 +128,7 @@ RetrievalResult StoreCurrentRecord(link::Link &link, link::Prompter &prompter)
     const link::RefusalWatch watch(link);
     const std::optional<QByteArray> present = Ask(link, "prx?");
     if (!present)
-        return Refused(prompter, watch, {});
+        return RefusedRead(prompter, watch, {});
     if (!present->contains(".Y"))
         return NoRecords(prompter);
     const QString path = prompter.askSaveFile(kRecordFileFilterAfterRead);
@@ -141,7 +136,7 @@ RetrievalResult StoreCurrentRecord(link::Link &link, link::Prompter &prompter)
         return {};
     const std::optional<QByteArray> record = ReadCurrentRecordParts(link);
     if (!record)
-        return Refused(prompter, watch, path);
+        return RefusedRead(prompter, watch, path);
     WriteRecordFile(path, {*record});
     return {RetrievalStatus::Done, {*record}};
 }
@@ -152,7 +147,7 @@ RetrievalResult ReadProtocols(link::Link &link, link::Prompter &prompter, const 
     const std::optional<int> count = CountRecords(link);
     // Without a count there is nothing to confirm; no file has been asked for yet.
     if (!count)
-        return Refused(prompter, watch, {});
+        return RefusedRead(prompter, watch, {});
     if (!prompter.confirm(QString::number(*count) + QStringLiteral(" Protokolle gespeichert")))
         return {};
     const QString path = prompter.askSaveFile(kRecordFileFilter);

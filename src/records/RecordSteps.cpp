@@ -17,12 +17,14 @@ QByteArray After(const QByteArray &answer, const QByteArray &mark, qsizetype ski
     return answer.mid(link::PositionOf(answer, mark) + skip);
 }
 
-QByteArray PartAfter(const QByteArray &command, const QByteArray &answer, const QByteArray &mark, qsizetype skip)
+QByteArray PartAfter(const QByteArray &command, const QByteArray &answer, const QByteArray &mark,
+                     qsizetype skip)
 {
     const qsizetype at = answer.indexOf(mark);
     if (at < 0)
-        throw link::FormatError::ForAnswer(command, answer,
-                                           QStringLiteral("den Teil des Protokolls hinter \"%1\"").arg(QLatin1String(mark)));
+        throw link::FormatError::ForAnswer(
+            command, answer,
+            QStringLiteral("den Teil des Protokolls hinter \"%1\"").arg(QLatin1String(mark)));
     return answer.mid(at + mark.size() + skip);
 }
 
@@ -54,6 +56,13 @@ void TellNothingWritten(link::Prompter &prompter, const link::RefusalWatch &watc
             : QStringLiteral("%1 wurde nicht geschrieben").arg(QDir::toNativeSeparators(unwritten));
     prompter.message(QStringLiteral("Das Kalvomer hat %1 abgelehnt: %2.").arg(watch.Describe(), what),
                      link::Prompter::Icon::Warning);
+}
+
+RetrievalResult RefusedRead(link::Prompter &prompter, const link::RefusalWatch &watch,
+                            const QString &unwritten)
+{
+    TellNothingWritten(prompter, watch, unwritten);
+    return {RetrievalStatus::Refused, {}};
 }
 
 } // namespace kalvo::records

@@ -2,6 +2,8 @@
 // nothing was written.
 #pragma once
 
+#include "RecordRetrieval.h"
+
 #include <QByteArray>
 #include <QString>
 #include <optional>
@@ -34,5 +36,8 @@ int ReadCount(const QByteArray &command, const QByteArray &answer, const QByteAr
 // Tells the user what the tester refused and that `unwritten` (empty: nothing at all) was not
 // written, so that an older file of that name is still the one to trust.
 void TellNothingWritten(link::Prompter &prompter, const link::RefusalWatch &watch, const QString &unwritten);
+// TellNothingWritten, and the result of a read that met a refusal: no records, nothing written.
+RetrievalResult RefusedRead(link::Prompter &prompter, const link::RefusalWatch &watch,
+                            const QString &unwritten);
 
 } // namespace kalvo::records
