@@ -1,7 +1,7 @@
 // kalvo: the desktop utility, main window IEC601.
+#include "MainWindow.h"
 #include "shell/Settings.h"
 #include "shell/Switches.h"
-#include "shell/ui/MainWindow.h"
 #include "sim/PortTransport.h"
 
 #include <QApplication>
@@ -10,12 +10,12 @@ int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("kalvo"));
-    kalvo::shell::ui::Startup startup;
+    kalvo::app::Startup startup;
     startup.switches = kalvo::shell::ParseSwitches(app.arguments().mid(1));
     startup.settings = kalvo::shell::ReadSettings();
     startup.programDir = QCoreApplication::applicationDirPath();
     startup.transportFactory = [] { return std::make_unique<kalvo::sim::PortTransport>(); };
-    kalvo::shell::ui::MainWindow window(startup);
+    kalvo::app::MainWindow window(startup);
     window.show();
     return app.exec();
 }

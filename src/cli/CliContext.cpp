@@ -36,14 +36,14 @@ CliContext::CliContext(const CliOptions &options) : m_options(options), m_prompt
                                  : settings.language.value_or(QStringLiteral("deutsch"));
     QString error;
     try {
-        const QString file = QDir(QCoreApplication::applicationDirPath()).filePath(shell::kLanguageFileName);
+        const QString file = QDir(QCoreApplication::applicationDirPath()).filePath(link::kLanguageFileName);
         if (!m_texts.SetLanguageFromFile(language, file, &error) && !error.isEmpty())
             m_prompter.message(error, link::Prompter::Icon::Warning);
     } catch (const link::KalvoError &e) {
         m_prompter.message(e.message(), link::Prompter::Icon::Warning);
     }
-    m_link->setPortNotOpenText(m_texts.text(shell::TxtPortNotOpen));
-    m_link->setProtocolErrorText(m_texts.text(shell::TxtProtocolError));
+    m_link->setPortNotOpenText(m_texts.text(link::TxtPortNotOpen));
+    m_link->setProtocolErrorText(m_texts.text(link::TxtProtocolError));
     m_link->setTimeout(link::FromSeconds(options.timeoutSeconds));
     if (!options.traceFile.isEmpty())
         m_link->StartTrace(options.traceFile);

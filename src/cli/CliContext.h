@@ -5,7 +5,7 @@
 #include "CliPrompter.h"
 #include "link/Link.h"
 #include "link/Transport.h"
-#include "shell/LanguageTable.h"
+#include "link/LanguageTable.h"
 
 #include <QTextStream>
 #include <memory>
@@ -22,7 +22,7 @@ public:
     link::Link &link() { return *m_link; }
     QTextStream &out() { return m_out; }
     // The program's texts: --lang, else line 2 of Q417.ini, else German.
-    const shell::LanguageTable &texts() const { return m_texts; }
+    const link::LanguageTable &texts() const { return m_texts; }
     // Opens the port without waking the tester (for commands that talk to it directly).
     void OpenPort();
     // The port to use: --port, else line 0 of Q417.ini, else "COM 1"; the simulator with --simulate.
@@ -32,7 +32,7 @@ private:
     CliOptions m_options;
     CliPrompter m_prompter;
     QTextStream m_out;
-    shell::LanguageTable m_texts;
+    link::LanguageTable m_texts;
     std::unique_ptr<link::Transport> m_transport;
     std::unique_ptr<link::Link> m_link;
     struct Simulator;

@@ -196,7 +196,7 @@ int Modem(CliContext &context, QStringList words)
     StoringPrompter prompter(context.prompter(), store);
     const QList<QByteArray> refused = modem::WriteModemSettings(context.link(), settings);
     if (store && !modem::StoreModemSettings(context.link(), prompter,
-                                            context.texts().text(shell::TxtModemStored), refused))
+                                            context.texts().text(link::TxtModemStored), refused))
         return kExitFailed;
     return kExitDone;
 }

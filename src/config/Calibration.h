@@ -1,6 +1,8 @@
 // Calibration backups: the tester's 51 calibration entries to a ".cal" file and back.
 #pragma once
 
+#include "Variables.h" // LineSink
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -16,8 +18,6 @@ namespace kalvo::config {
 constexpr int kCalibrationEntries = 51; // 0..50
 inline const QString kStoreQuestion = QStringLiteral("speichern??");
 inline const QString kCalibrationFilter = QStringLiteral("Ascii file (*.cal)|*.cal|(*.*)|*.*");
-
-using LineSink = std::function<void(const QString &)>;
 
 // "kal?" + n with the blank of the number conversion: "kal? 0" ... "kal? 50".
 QByteArray CalibrationReadCommand(int entry);

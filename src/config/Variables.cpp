@@ -77,7 +77,8 @@ QString ConfigurationDump::Text() const
     return text;
 }
 
-ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEntries)
+ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEntries, link::Prompter *progress,
+                                    const LineSink &onLine)
 {
     ConfigurationDump dump;
     // One digit table for the whole dump, as the view keeps it between lines.
@@ -88,6 +89,10 @@ ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEn
         dump.values << value;
         dump.lines << QString::fromLatin1(address) + QStringLiteral(": ==") + QString::fromLatin1(value) +
                           QLatin1Char(' ') + link::HexToBinary(value, groups) + blockEntries.value(i - 1);
+        if (onLine)
+            onLine(dump.lines.constLast());
+        if (progress)
+            progress->progress(i * 100 / ConfigurationDump::kRegisters);
     }
     return dump;
 }

@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 namespace kalvo::link {
 class Link;
@@ -11,6 +12,9 @@ class Prompter;
 } // namespace kalvo::link
 
 namespace kalvo::config {
+
+// Lines for a window's text panel as an operation produces them.
+using LineSink = std::function<void(const QString &)>;
 
 struct VariableReading {
     QByteArray command; // "var?D3" or "bit?04", as sent
@@ -41,8 +45,10 @@ struct ConfigurationDump {
     QString Text() const;                 // the lines, each ended by CR LF
 };
 // "var?D0" to "var?FF", whatever the symbol file defines; `blockEntries` label the lines in order.
-// An answer that holds no value ends the dump with a link::FormatError naming its command.
-ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEntries);
+// An answer that holds no value ends the dump with a link::FormatError naming its command. Each
+// line goes to `onLine` as it is read, and `progress` hears how far the dump is.
+ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEntries,
+                                    link::Prompter *progress = nullptr, const LineSink &onLine = {});
 
 // "cfg!pgm"; a ".Nx" answer is shown and false returned.
 bool StoreConfiguration(link::Link &link, link::Prompter &prompter);

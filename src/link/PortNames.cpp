@@ -26,4 +26,16 @@ QString SystemPortName(const QString &name)
 #endif
 }
 
+QStringList PortChoices(const QStringList &systemPorts)
+{
+    QStringList choices = StandardPortNames();
+    QStringList covered;
+    for (const QString &name : std::as_const(choices))
+        covered << SystemPortName(name);
+    for (const QString &port : systemPorts)
+        if (!covered.contains(port, Qt::CaseInsensitive) && !choices.contains(port))
+            choices << port;
+    return choices;
+}
+
 } // namespace kalvo::link

@@ -86,14 +86,18 @@ StoreListing ParseStoreListing(const QByteArray &listing);
 // (proto.txt) once it has been taken apart. Progress counts the test records against
 // `expectedRecords` (the count of "prx?n") when that is known. nullopt, with nothing written,
 // when the tester refused.
+// `onEntry` sees each test record's entry and number as soon as its row has them.
+using ListingEntrySink = std::function<void(const QString &entry, int number)>;
 std::optional<StoreListing> ReadStoreListing(link::Link &link, link::Prompter &prompter,
-                                             const QString &protoPath, int expectedRecords = 0);
+                                             const QString &protoPath, int expectedRecords = 0,
+                                             const ListingEntrySink &onEntry = {});
 struct ListingResult {
     RetrievalStatus status = RetrievalStatus::Cancelled;
     StoreListing listing;
 };
 // "dbProt": the count, "No Protokol" when there is none, otherwise the store listing.
-ListingResult ListStoreRecords(link::Link &link, link::Prompter &prompter, const QString &protoPath);
+ListingResult ListStoreRecords(link::Link &link, link::Prompter &prompter, const QString &protoPath,
+                               const ListingEntrySink &onEntry = {});
 
 // All records of the KYM accessory ("idn?", "esr?", "wer?"), also written to `logTmpPath`
 // (log.tmp), one per line. Records pass the display conversion as bytes (see README.md); progress

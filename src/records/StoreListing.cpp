@@ -20,6 +20,8 @@ constexpr qsizetype kStubLength = 10;
 // Takes the listing apart chunk by chunk, so that progress can be told while it streams in.
 class ListingParser {
 public:
+    explicit ListingParser(ListingEntrySink onEntry = {}) : m_onEntry(std::move(onEntry)) {}
+
     void Feed(const QByteArray &chunk)
     {
         for (const char ch : chunk) {
@@ -46,22 +48,38 @@ public:
         if (result.rows.isEmpty() || result.rows[0].value(0).size() <= kStubLength)
             return result;
         for (const QList<QByteArray> &row : std::as_const(result.rows)) {
-            const QByteArray &entry = row.value(0);
-            if (!IsTestRecord(entry))
+            if (!IsTestRecord(row.value(0)))
                 continue;
-            const std::optional<qint64> number = link::WholeNumber(After(entry, "="), 1, kMaxRecords);
+            const std::optional<qint64> number = RecordNumber(row);
             if (!number)
                 throw link::FormatError::ForAnswer(
-                    kListingCommand, entry,
+                    kListingCommand, row.value(0),
                     QStringLiteral("eine Protokollnummer von 1 bis %1 hinter \"=\"").arg(kMaxRecords));
-            result.records << link::ConvertDisplayText(row.value(3)) + QLatin1Char(':') +
-                                  QString::number(*number);
+            result.records << EntryText(row, *number);
             result.numbers << static_cast<int>(*number);
         }
         return result;
     }
 
 private:
+    static std::optional<qint64> RecordNumber(const QList<QByteArray> &row)
+    {
+        return link::WholeNumber(After(row.value(0), "="), 1, kMaxRecords);
+    }
+    static QString EntryText(const QList<QByteArray> &row, qint64 number)
+    {
+        return link::ConvertDisplayText(row.value(3)) + QLatin1Char(':') + QString::number(number);
+    }
+    // A test record is passed on once its name (field 3) is complete; Finish() has the last word.
+    void TellEntry()
+    {
+        const QList<QByteArray> &row = m_rows.last();
+        if (!m_onEntry || m_rows[0].value(0).size() <= kStubLength || !IsTestRecord(row.value(0)))
+            return;
+        if (const std::optional<qint64> number = RecordNumber(row))
+            m_onEntry(EntryText(row, *number), static_cast<int>(*number));
+    }
+
     // Only field 0 says what a row is; a device called "DATABASE-X" is still a test record.
     static bool IsTestRecord(const QByteArray &entry)
     {
@@ -76,8 +94,12 @@ private:
                 ++m_testRecords;
         }
         m_rows.last().append(std::exchange(m_field, {}));
+        if (m_fieldNumber % StoreListing::kRowFields == 3)
+            TellEntry();
         ++m_fieldNumber;
     }
+
+    ListingEntrySink m_onEntry;
 
     QList<QList<QByteArray>> m_rows;
     QByteArray m_field;
@@ -95,10 +117,11 @@ StoreListing ParseStoreListing(const QByteArray &listing)
 }
 
 std::optional<StoreListing> ReadStoreListing(link::Link &link, link::Prompter &prompter,
-                                             const QString &protoPath, int expectedRecords)
+                                             const QString &protoPath, int expectedRecords,
+                                             const ListingEntrySink &onEntry)
 {
     const link::RefusalWatch watch(link);
-    ListingParser parser;
+    ListingParser parser(onEntry);
     // The listing comes in chunks; the time-out bounds each wait for more, not the whole listing.
     const QByteArray listing = link.ExchangeStream(kListingCommand, [&](const QByteArray &chunk) {
         parser.Feed(chunk);
@@ -117,7 +140,8 @@ std::optional<StoreListing> ReadStoreListing(link::Link &link, link::Prompter &p
     return result;
 }
 
-ListingResult ListStoreRecords(link::Link &link, link::Prompter &prompter, const QString &protoPath)
+ListingResult ListStoreRecords(link::Link &link, link::Prompter &prompter, const QString &protoPath,
+                               const ListingEntrySink &onEntry)
 {
     const link::RefusalWatch watch(link);
     const std::optional<int> count = CountRecords(link);
@@ -129,7 +153,7 @@ ListingResult ListStoreRecords(link::Link &link, link::Prompter &prompter, const
         prompter.message(kNoRecordsText, link::Prompter::Icon::Information);
         return {RetrievalStatus::NoRecords, {}};
     }
-    std::optional<StoreListing> listing = ReadStoreListing(link, prompter, protoPath, *count);
+    std::optional<StoreListing> listing = ReadStoreListing(link, prompter, protoPath, *count, onEntry);
     if (!listing)
         return {RetrievalStatus::Refused, {}};
     return {RetrievalStatus::Done, std::move(*listing)};

@@ -1,7 +1,7 @@
 // Setting the tester's clock from the PC and giving the tester a name.
 #include "ClockAndName.h"
 
-#include "LanguageTable.h"
+#include "link/LanguageTable.h"
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/ServiceSession.h"
@@ -41,11 +41,11 @@ ClockSetting SetTesterClock(link::Link &link, link::Prompter &prompter, const QD
     return setting;
 }
 
-NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const LanguageTable &texts,
+NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const link::LanguageTable &texts,
                             const QString &name)
 {
     if (name.size() > kMaxNameLength) {
-        prompter.message(texts.text(TxtNameTooLong), link::Prompter::Icon::Warning);
+        prompter.message(texts.text(link::TxtNameTooLong), link::Prompter::Icon::Warning);
         return NamingResult::TooLong;
     }
     if (name.isEmpty())
@@ -61,7 +61,7 @@ NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const La
     return stored && !watch.refused() ? NamingResult::Sent : NamingResult::NotStored;
 }
 
-Naming NameTester(link::Link &link, link::Prompter &prompter, const LanguageTable &texts,
+Naming NameTester(link::Link &link, link::Prompter &prompter, const link::LanguageTable &texts,
                   const link::IdentifyOptions &options, const std::optional<QString> &given,
                   const std::function<void(const link::TesterIdentity &)> &identified)
 {
@@ -76,8 +76,8 @@ Naming NameTester(link::Link &link, link::Prompter &prompter, const LanguageTabl
     std::optional<QString> name = given;
     if (!name) {
         const QString prompt =
-            texts.text(TxtNamePrompt) + QStringLiteral("\n\n(") + texts.text(TxtNameLimit) + QLatin1Char(')');
-        name = prompter.askText(texts.text(TxtMenuName), prompt, QString());
+            texts.text(link::TxtNamePrompt) + QStringLiteral("\n\n(") + texts.text(link::TxtNameLimit) + QLatin1Char(')');
+        name = prompter.askText(texts.text(link::TxtMenuName), prompt, QString());
         if (!name)
             return naming;
     }

@@ -11,12 +11,11 @@
 
 namespace kalvo::link {
 class Link;
+class LanguageTable;
 class Prompter;
 } // namespace kalvo::link
 
 namespace kalvo::shell {
-
-class LanguageTable;
 
 struct TesterClock {
     QByteArray date; // 8 characters from two behind the first "="
@@ -46,7 +45,7 @@ constexpr int kMaxNameLength = 8;
 // Stores `name` with "kal!aus", "idn!1," + name, "cfg!pgm" (no full service session: the tester
 // takes a name without one). A name of more than 8 characters is refused with the language's
 // message before anything is sent; after a refused command the store is asked for first.
-NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const LanguageTable &texts,
+NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const link::LanguageTable &texts,
                             const QString &name);
 
 struct Naming {
@@ -56,7 +55,7 @@ struct Naming {
 // Taufe: identifies the tester first, so that its current identity is known (`identified` gets it
 // before the name is asked for), then asks for the name (unless `given`) and sends it. A given
 // name that is too long is refused before anything is sent, identification included.
-Naming NameTester(link::Link &link, link::Prompter &prompter, const LanguageTable &texts,
+Naming NameTester(link::Link &link, link::Prompter &prompter, const link::LanguageTable &texts,
                   const link::IdentifyOptions &options, const std::optional<QString> &given = std::nullopt,
                   const std::function<void(const link::TesterIdentity &)> &identified = {});
 

@@ -2,7 +2,7 @@
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "shell/ClockAndName.h"
-#include "shell/LanguageTable.h"
+#include "link/LanguageTable.h"
 #include "shell/ServiceTerminal.h"
 #include "sim/SimTransport.h"
 #include "support/ScriptedPrompter.h"
@@ -53,7 +53,7 @@ TEST(Clock, ShowsTheTestersClockProposesThePcsAndSendsTheTextAsTyped)
 
 TEST(Name, EightCharactersAreStoredNineAreRefusedBeforeAnythingIsSent)
 {
-    const shell::LanguageTable texts;
+    const link::LanguageTable texts;
     const struct {
         QString name;
         shell::NamingResult result;
@@ -72,7 +72,7 @@ TEST(Name, EightCharactersAreStoredNineAreRefusedBeforeAnythingIsSent)
         EXPECT_EQ(s.Lines(), c.lines) << c.name.toStdString();
         if (c.result == shell::NamingResult::TooLong) {
             ASSERT_EQ(s.prompter.messages.size(), 1u);
-            EXPECT_EQ(s.prompter.messages[0].text, texts.text(shell::TxtNameTooLong));
+            EXPECT_EQ(s.prompter.messages[0].text, texts.text(link::TxtNameTooLong));
         }
     }
     // A stored name survives a restart and is what the tester then reports.
@@ -84,7 +84,7 @@ TEST(Name, EightCharactersAreStoredNineAreRefusedBeforeAnythingIsSent)
 
 TEST(Name, TheDialogAsksWithTheLanguagesPromptAndLimitAfterIdentifying)
 {
-    const shell::LanguageTable texts;
+    const link::LanguageTable texts;
     kalvo::testing::SimBench s;
     s.prompter.textAnswers.push_back(std::nullopt);
     std::optional<link::TesterIdentity> shownFirst;
@@ -93,8 +93,8 @@ TEST(Name, TheDialogAsksWithTheLanguagesPromptAndLimitAfterIdentifying)
                           [&](const link::TesterIdentity &identity) { shownFirst = identity; });
     EXPECT_EQ(naming.result, shell::NamingResult::Cancelled);
     ASSERT_EQ(s.prompter.calls.size(), 1);
-    EXPECT_TRUE(s.prompter.calls[0].contains(texts.text(shell::TxtNamePrompt) + QStringLiteral("\n\n(") +
-                                             texts.text(shell::TxtNameLimit) + QStringLiteral(")")));
+    EXPECT_TRUE(s.prompter.calls[0].contains(texts.text(link::TxtNamePrompt) + QStringLiteral("\n\n(") +
+                                             texts.text(link::TxtNameLimit) + QStringLiteral(")")));
     ASSERT_TRUE(shownFirst.has_value());
     EXPECT_EQ(shownFirst->shortDesignation, QByteArray("KALVO-01"));
     EXPECT_EQ(s.Lines(), (QList<QByteArray>{"dis?\r", "ver?\r", "idn?\r"}));
@@ -131,7 +131,7 @@ TEST(Name, TheIdentityShownAfterNamingIsTheNewOneOnlyWhenTheTesterStoredIt)
          shell::NamingResult::NotStored,
          "ALT-NAME"},
     };
-    const shell::LanguageTable texts;
+    const link::LanguageTable texts;
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
         kalvo::testing::ScriptedLink s;
@@ -154,14 +154,14 @@ TEST(Name, TheIdentityShownAfterNamingIsTheNewOneOnlyWhenTheTesterStoredIt)
 
 TEST(Name, AGivenNameThatIsTooLongSendsNothingNotEvenTheIdentification)
 {
-    const shell::LanguageTable texts;
+    const link::LanguageTable texts;
     kalvo::testing::SimBench s;
     const shell::Naming naming =
         shell::NameTester(s.link, s.prompter, texts, {}, QStringLiteral("NEUNZEICH"));
     EXPECT_EQ(naming.result, shell::NamingResult::TooLong);
     EXPECT_TRUE(s.Lines().isEmpty());
     ASSERT_EQ(s.prompter.messages.size(), 1u);
-    EXPECT_EQ(s.prompter.messages[0].text, texts.text(shell::TxtNameTooLong));
+    EXPECT_EQ(s.prompter.messages[0].text, texts.text(link::TxtNameTooLong));
 }
 
 TEST(ServiceTerminal, ScriptSendsLinesWholeAndKeepsCommentsAndReadings)

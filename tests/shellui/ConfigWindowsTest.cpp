@@ -1,7 +1,7 @@
 // Configuration from the windows offscreen: switches, limits, modem, variables and calibration.
 #include "WindowFixture.h"
 
-#include "shell/TextIds.h"
+#include "link/TextIds.h"
 
 #include <QAction>
 #include <QApplication>
@@ -100,7 +100,7 @@ TEST_F(ConfigWindowsTest, TheModemWindowSendsFiveStringsAndStoresThem)
     EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"str!121,\r", "str!122,0711 123456\r", "str!123,\r",
                                                      "str!124,\r", "str!125,AT&F E0 S0=1\r", "cfg!pgm\r"}));
     ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
-    EXPECT_EQ(m_dialogs.messages.last(), window.texts().text(shell::TxtModemStored));
+    EXPECT_EQ(m_dialogs.messages.last(), window.texts().text(link::TxtModemStored));
     Click(*modem, "ModemAbbrechen");
     EXPECT_FALSE(modem->isVisible());
 }

@@ -1,7 +1,7 @@
 // The main window's entries offscreen: clock, name, configuration store, help, info, switches.
 #include "WindowFixture.h"
 
-#include "shell/TextIds.h"
+#include "link/TextIds.h"
 
 #include <QAction>
 #include <QApplication>
@@ -50,7 +50,7 @@ TEST_F(MainWindowFlowsTest, NamingIdentifiesFirstThenRefusesNineAndStoresEight)
     Trigger("Taufe");
     EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"dis?\r", "ver?\r", "idn?\r"}));
     ASSERT_EQ(m_dialogs.messages.size(), 1);
-    EXPECT_EQ(m_dialogs.messages[0], window.texts().text(shell::TxtNameTooLong));
+    EXPECT_EQ(m_dialogs.messages[0], window.texts().text(link::TxtNameTooLong));
 
     before = LinesSince(0).size();
     m_dialogs.inputs.push_back(QStringLiteral("PRUEF-3"));
@@ -87,7 +87,7 @@ TEST_F(MainWindowFlowsTest, HelpFollowsTheLanguageAndInfoShowsTheVersion)
     ASSERT_NE(help, nullptr);
     EXPECT_TRUE(help->isVisible());
     const QString english = help->findChild<QTextBrowser *>()->toPlainText();
-    EXPECT_TRUE(english.contains(window.texts().text(shell::TxtMenuSettings)));
+    EXPECT_TRUE(english.contains(window.texts().text(link::TxtMenuSettings)));
     window.findChild<QAction *>(QStringLiteral("deutsch"))->trigger();
     window.findChild<QAction *>(QStringLiteral("Inhalt"))->trigger();
     EXPECT_NE(help->findChild<QTextBrowser *>()->toPlainText(), english);
@@ -108,7 +108,7 @@ TEST_F(MainWindowFlowsTest, SwitchesOpenConfigurationAtStartAndShowDevelopmentEn
     // "/K" reads the configuration at once: with the port still closed the user is told so.
     auto &window = Open({QStringLiteral("--simulate"), QStringLiteral("/K"), QStringLiteral("/Entwicklung")});
     ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
-    EXPECT_EQ(m_dialogs.messages.first(), window.texts().text(shell::TxtPortNotOpen));
+    EXPECT_EQ(m_dialogs.messages.first(), window.texts().text(link::TxtPortNotOpen));
     EXPECT_TRUE(window.findChild<QAction *>(QStringLiteral("Entw"))->isVisible());
     EXPECT_TRUE(QFile::exists(m_dir.filePath(QStringLiteral("test.log"))));
 }

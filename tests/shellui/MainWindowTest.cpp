@@ -2,7 +2,7 @@
 #include "WindowFixture.h"
 #include "support/TestFiles.h"
 
-#include "shell/TextIds.h"
+#include "link/TextIds.h"
 
 #include <QAction>
 #include <QApplication>
@@ -45,8 +45,8 @@ TEST_F(MainWindowTest, StartsFromTheSettingsFileWithItsPortAndLanguage)
     EXPECT_EQ(window.findChild<QComboBox *>(QStringLiteral("COM"))->currentText(), QStringLiteral("COM 3"));
     EXPECT_EQ(window.texts().language(), QStringLiteral("englisch"));
     EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
-              window.texts().text(shell::TxtMenuSettings));
-    EXPECT_NE(window.texts().text(shell::TxtMenuSettings), QStringLiteral("Einstellungen"));
+              window.texts().text(link::TxtMenuSettings));
+    EXPECT_NE(window.texts().text(link::TxtMenuSettings), QStringLiteral("Einstellungen"));
     // The port stays closed until OK: nothing reached the tester.
     qsizetype received = -1;
     window.device().RunAndWait([&](link::Link &link) {
@@ -108,7 +108,7 @@ TEST_F(MainWindowTest, TheTestersDisplayLanguageBecomesTheProgramsLanguage)
 {
     auto &window = Open();
     WaitUntil([&] { return m_tester.load() != nullptr; });
-    shell::ui::DeviceThread &device = window.device();
+    gui::DeviceThread &device = window.device();
     device.RunAndWait([this](link::Link &) { m_tester.load()->model().setLanguage(3); });
     ASSERT_TRUE(ConnectToSimulator());
     EXPECT_EQ(window.texts().language(), QStringLiteral("französisch"));
@@ -148,7 +148,7 @@ TEST_F(MainWindowTest, ConfigurationNeedsAnOpenPortAndShowsTheRegisters)
     auto &window = Open();
     window.findChild<QAction *>(QStringLiteral("config"))->trigger();
     ASSERT_TRUE(WaitUntil([&] { return m_dialogs.messages.size() == 1; }));
-    EXPECT_EQ(m_dialogs.messages.first(), window.texts().text(shell::TxtPortNotOpen));
+    EXPECT_EQ(m_dialogs.messages.first(), window.texts().text(link::TxtPortNotOpen));
 
     ASSERT_TRUE(ConnectToSimulator());
     window.findChild<QAction *>(QStringLiteral("config"))->trigger();
@@ -183,15 +183,6 @@ TEST_F(MainWindowTest, ALanguageFileOfTooManyRowsIsReportedAndChangesNothing)
         << m_dialogs.messages.last().toStdString();
     EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
               QStringLiteral("Einstellungen"));
-}
-
-TEST_F(MainWindowTest, ThePrompterGoesWithTheWindow)
-{
-    auto &window = Open();
-    const QPointer<shell::ui::GuiPrompter> prompter = window.findChild<shell::ui::GuiPrompter *>();
-    ASSERT_FALSE(prompter.isNull()) << "the window's prompter has no owner";
-    m_window.reset();
-    EXPECT_TRUE(prompter.isNull());
 }
 
 TEST_F(MainWindowTest, ALanguageFileWithoutAnySemicolonIsToldOnceAndTheGermanTextsStay)

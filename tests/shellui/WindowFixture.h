@@ -2,7 +2,7 @@
 #pragma once
 
 #include "DialogAnswerer.h"
-#include "shell/ui/MainWindow.h"
+#include "app/MainWindow.h"
 #include "sim/PortTransport.h"
 
 #include <QDir>
@@ -29,10 +29,10 @@ protected:
     }
 
     // The window as kalvo starts it; `faults` are put into the virtual tester (e.g. "silence").
-    shell::ui::MainWindow &Open(const QStringList &arguments = {QStringLiteral("--simulate")},
+    app::MainWindow &Open(const QStringList &arguments = {QStringLiteral("--simulate")},
                                 const QStringList &faults = {})
     {
-        shell::ui::Startup startup;
+        app::Startup startup;
         startup.switches = shell::ParseSwitches(arguments);
         startup.settings = shell::ReadSettings();
         startup.programDir = m_programDir;
@@ -43,7 +43,7 @@ protected:
             m_tester = &transport->tester();
             return transport;
         };
-        m_window = std::make_unique<shell::ui::MainWindow>(startup);
+        m_window = std::make_unique<app::MainWindow>(startup);
         m_window->show();
         return *m_window;
     }
@@ -56,7 +56,7 @@ protected:
         bool done = false;
         // The connection must not outlive `done`: later identifications emit the signal again.
         const QMetaObject::Connection connection =
-            QObject::connect(m_window.get(), &shell::ui::MainWindow::identified, [&done] { done = true; });
+            QObject::connect(m_window.get(), &app::MainWindow::identified, [&done] { done = true; });
         auto *ok = m_window->findChild<QWidget *>(QStringLiteral("activate"));
         QMetaObject::invokeMethod(ok, "click");
         const bool identified = WaitUntil([&] { return done; });
@@ -100,7 +100,7 @@ protected:
     QTemporaryDir m_dir;
     QString m_previousDir;
     QString m_programDir = QStringLiteral(KALVO_BUILT_BIN_DIR); // sprachen.TXT and the help pages
-    std::unique_ptr<shell::ui::MainWindow> m_window;
+    std::unique_ptr<app::MainWindow> m_window;
     std::atomic<sim::VirtualTester *> m_tester{nullptr};
     DialogAnswerer m_dialogs;
 };

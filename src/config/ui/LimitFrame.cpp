@@ -1,10 +1,11 @@
 // The limit frame GWFrame: one of the tester's three limits on a scroll bar, written and stored.
 #include "LimitFrame.h"
 
+#include "gui/DeviceThread.h"
+#include "gui/GuiPrompter.h"
+#include "gui/Phrases.h"
+#include "link/LanguageTable.h"
 #include "link/Link.h"
-#include "link/Prompter.h"
-#include "shell/LanguageTable.h"
-#include "shell/ui/DeviceThread.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -14,8 +15,7 @@
 
 namespace kalvo::config::ui {
 
-LimitFrame::LimitFrame(shell::ui::DeviceThread &device, link::Prompter &prompter, QWidget *parent)
-    : QGroupBox(parent), m_device(device), m_prompter(prompter)
+LimitFrame::LimitFrame(gui::DeviceThread &device, QWidget *parent) : QGroupBox(parent), m_device(device)
 {
     setObjectName(QStringLiteral("GWFrame"));
     auto *grid = new QGridLayout(this);
@@ -42,15 +42,15 @@ LimitFrame::LimitFrame(shell::ui::DeviceThread &device, link::Prompter &prompter
     connect(m_scroll, &QScrollBar::valueChanged, this, &LimitFrame::ShowValue);
     connect(m_ok, &QPushButton::clicked, this, &LimitFrame::Write);
     connect(m_store, &QPushButton::clicked, this, &LimitFrame::Store);
-    hide();
 }
 
-void LimitFrame::ApplyTexts(const shell::LanguageTable &texts)
+void LimitFrame::ApplyTexts(const link::LanguageTable &texts)
 {
-    m_ok->setText(texts.text(shell::TxtButtonOk));
-    m_store->setText(texts.text(shell::TxtButtonStore));
-    m_outOfRangeText = texts.text(shell::TxtLimitOutOfRange);
-    m_writeClampedText = texts.text(shell::TxtLimitWriteClamped);
+    m_ok->setText(texts.text(link::TxtButtonOk));
+    m_store->setText(texts.text(link::TxtButtonStore));
+    m_outOfRangeText = texts.text(link::TxtLimitOutOfRange);
+    m_writeClampedText = texts.text(link::TxtLimitWriteClamped);
+    m_language = texts.language();
 }
 
 void LimitFrame::SetBusy(bool busy)
@@ -72,7 +72,7 @@ void LimitFrame::ShowValue(int value)
 
 void LimitFrame::Edit(LimitKind kind, const QString &title)
 {
-    m_device.Post([this, kind, title](link::Link &link) {
+    m_device.Post(window(), title, [this, kind, title](link::Link &link, link::Prompter &) {
         if (link.PortClosed())
             return;
         const int value = ReadLimit(link, kind);
@@ -86,10 +86,10 @@ void LimitFrame::Edit(LimitKind kind, const QString &title)
             m_readOutside.reset();
             if (!InRange(kind, value))
                 m_readOutside = value;
-            show();
             emit loaded();
             if (m_readOutside)
-                m_prompter.message(OutOfRangeText(m_outOfRangeText), link::Prompter::Icon::Warning);
+                gui::GuiPrompter(window(), title).message(OutOfRangeText(m_outOfRangeText),
+                                                            link::Prompter::Icon::Warning);
         });
     });
 }
@@ -109,21 +109,24 @@ void LimitFrame::Write()
     // The end of the range stands in for what the tester holds: never written back unasked.
     if (m_readOutside &&
         m_scroll->value() == std::clamp(*m_readOutside, m_scroll->minimum(), m_scroll->maximum()) &&
-        !m_prompter.confirm(OutOfRangeText(m_writeClampedText)))
+        !gui::GuiPrompter(window(), title()).confirm(OutOfRangeText(m_writeClampedText)))
         return;
     m_readOutside.reset(); // asked once; from now on the tester holds what is written
-    m_device.Post([this, kind = *m_kind, value = m_scroll->value()](link::Link &link) {
-        if (!link.PortClosed())
-            WriteLimit(link, m_prompter, kind, value);
-    });
+    m_device.Post(window(), m_ok->text() + QStringLiteral(": ") + title(),
+                  [kind = *m_kind, value = m_scroll->value()](link::Link &link, link::Prompter &prompter) {
+                      if (!link.PortClosed())
+                          WriteLimit(link, prompter, kind, value);
+                  });
 }
 
 void LimitFrame::Store()
 {
-    m_device.Post([this](link::Link &link) {
-        if (!link.PortClosed())
-            StoreLimits(link, m_prompter);
-    });
+    m_device.Post(window(), m_store->text() + QStringLiteral(": ") + title(),
+                  [this, stored = gui::PhraseText(gui::Phrase::LimitStored, m_language)](
+                      link::Link &link, link::Prompter &prompter) {
+                      if (!link.PortClosed() && StoreLimits(link, prompter))
+                          m_device.Tell(stored);
+                  });
 }
 
 } // namespace kalvo::config::ui

@@ -9,10 +9,10 @@ class QLabel;
 class QPushButton;
 class QScrollBar;
 
-namespace kalvo::shell {
+namespace kalvo::link {
 class LanguageTable;
 }
-namespace kalvo::shell::ui {
+namespace kalvo::gui {
 class DeviceThread;
 }
 
@@ -21,12 +21,12 @@ namespace kalvo::config::ui {
 class LimitFrame : public QGroupBox {
     Q_OBJECT
 public:
-    LimitFrame(shell::ui::DeviceThread &device, link::Prompter &prompter, QWidget *parent = nullptr);
+    explicit LimitFrame(gui::DeviceThread &device, QWidget *parent = nullptr);
 
     // A menu entry: reads the limit from the tester and shows the frame. A value outside the
     // scroll range is shown at the nearest end, and the user is told what the tester holds.
     void Edit(LimitKind kind, const QString &title);
-    void ApplyTexts(const shell::LanguageTable &texts);
+    void ApplyTexts(const link::LanguageTable &texts);
     void SetBusy(bool busy);
     int value() const;
 
@@ -41,8 +41,8 @@ private:
     void Write(); // GWok
     void Store(); // GWspeichern
 
-    shell::ui::DeviceThread &m_device;
-    link::Prompter &m_prompter;
+    gui::DeviceThread &m_device;
+    QString m_language;
     std::optional<LimitKind> m_kind;
     std::optional<int> m_readOutside; // the tester's value when it lay outside the scroll range
     QString m_outOfRangeText, m_writeClampedText;

@@ -8,11 +8,14 @@
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
-#include "shell/LanguageTable.h"
-#include "shell/ui/DeviceThread.h"
+#include "gui/DeviceThread.h"
+#include "gui/GuiPrompter.h"
+#include "gui/Phrases.h"
+#include "link/LanguageTable.h"
 
 #include <QAction>
 #include <QDir>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -22,10 +25,9 @@
 
 namespace kalvo::config::ui {
 
-ServiceConfigPanel::ServiceConfigPanel(shell::ui::DeviceThread &device, link::Prompter &prompter,
-                                       TextSink show, std::function<void(const QString &)> command,
-                                       QWidget *parent)
-    : QWidget(parent), m_device(device), m_prompter(prompter), m_show(std::move(show)),
+ServiceConfigPanel::ServiceConfigPanel(gui::DeviceThread &device, TextSink show,
+                                       std::function<void(const QString &)> command, QWidget *parent)
+    : QWidget(parent), m_device(device), m_show(std::move(show)),
       m_command(std::move(command)), m_dir(QDir::currentPath())
 {
     auto *layout = new QVBoxLayout(this);
@@ -75,12 +77,13 @@ ServiceConfigPanel::ServiceConfigPanel(shell::ui::DeviceThread &device, link::Pr
     connect(m_kalibfiles, &QListWidget::itemActivated, this, &ServiceConfigPanel::RestoreChosenFile);
 }
 
-void ServiceConfigPanel::ApplyTexts(const shell::LanguageTable &texts)
+void ServiceConfigPanel::ApplyTexts(const link::LanguageTable &texts)
 {
-    m_variablesLabel->setText(texts.text(shell::TxtServiceVariables));
-    const shell::TextId ids[] = {shell::TxtServiceLoadVariables,      shell::TxtServiceDumpConfiguration,
-                                 shell::TxtServiceStoreConfiguration, shell::TxtServiceResetD3,
-                                 shell::TxtServiceBackupCalibration,  shell::TxtMenuRestoreCalibration};
+    m_language = texts.language();
+    m_variablesLabel->setText(texts.text(link::TxtServiceVariables));
+    const link::TextId ids[] = {link::TxtServiceLoadVariables,      link::TxtServiceDumpConfiguration,
+                                 link::TxtServiceStoreConfiguration, link::TxtServiceResetD3,
+                                 link::TxtServiceBackupCalibration,  link::TxtMenuRestoreCalibration};
     for (size_t i = 0; i < std::size(ids); ++i)
         m_actions[static_cast<qsizetype>(i)]->setText(texts.text(ids[i]));
 }
@@ -100,8 +103,18 @@ void ServiceConfigPanel::LoadVariables()
     try {
         m_readvar->addItems(VariableFile::Load(VariableFile::Locate()).entries());
     } catch (const link::KalvoError &e) {
-        m_prompter.message(e.message(), link::Prompter::Icon::Warning);
+        gui::GuiPrompter(window(), Title(0)).message(e.message(), link::Prompter::Icon::Warning);
     }
+}
+
+QString ServiceConfigPanel::Title(int index) const
+{
+    return m_actions.value(index) ? m_actions[index]->text().remove(QLatin1Char('&')) : QString();
+}
+
+void ServiceConfigPanel::ShowLine(const QString &line)
+{
+    QMetaObject::invokeMethod(this, [this, line] { m_show(line + QLatin1Char('\n'), false); });
 }
 
 void ServiceConfigPanel::ReadChosenVariable()
@@ -111,7 +124,7 @@ void ServiceConfigPanel::ReadChosenVariable()
         return;
     const QString entry = item->text();
     m_command(QString::fromLatin1(ReadCommandFor(entry)));
-    m_device.Post([this, entry](link::Link &link) {
+    m_device.Post(window(), entry, [this, entry](link::Link &link, link::Prompter &) {
         if (link.PortClosed())
             return;
         const VariableReading reading = ReadVariable(link, entry);
@@ -131,31 +144,30 @@ void ServiceConfigPanel::DumpConfiguration()
     try {
         block = VariableFile::Load(VariableFile::Locate()).blockEntries();
     } catch (const link::KalvoError &e) {
-        m_prompter.message(e.message(), link::Prompter::Icon::Warning);
+        gui::GuiPrompter(window(), Title(1)).message(e.message(), link::Prompter::Icon::Warning);
         return;
     }
     m_show(QString(), true);
-    m_device.Post([this, block](link::Link &link) {
-        if (link.PortClosed())
-            return;
-        const ConfigurationDump dump = config::DumpConfiguration(link, block);
-        QMetaObject::invokeMethod(this, [this, text = dump.Text()] {
-            m_show(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")), true);
-        });
+    // The lines show as they are read.
+    m_device.Post(window(), Title(1), [this, block](link::Link &link, link::Prompter &prompter) {
+        if (!link.PortClosed())
+            config::DumpConfiguration(link, block, &prompter, [this](const QString &line) { ShowLine(line); });
     });
 }
 
 void ServiceConfigPanel::StoreConfiguration()
 {
-    m_device.Post([this](link::Link &link) {
-        if (!link.PortClosed())
-            config::StoreConfiguration(link, m_prompter);
-    });
+    m_device.Post(window(), Title(2),
+                  [this, stored = gui::PhraseText(gui::Phrase::ConfigurationStored, m_language)](
+                      link::Link &link, link::Prompter &prompter) {
+                      if (!link.PortClosed() && config::StoreConfiguration(link, prompter))
+                          m_device.Tell(stored);
+                  });
 }
 
 void ServiceConfigPanel::ResetD3()
 {
-    m_device.Post([this](link::Link &link) {
+    m_device.Post(window(), Title(3), [this](link::Link &link, link::Prompter &) {
         if (!link.PortClosed() && config::ResetD3(link))
             QMetaObject::invokeMethod(this, [this] { emit d3Reset(); });
     });
@@ -188,14 +200,22 @@ void ServiceConfigPanel::SaveBackup()
     if (name.isEmpty())
         return;
     const QString path = QDir(m_dir).filePath(name);
+    // A backup is the one copy of the tester's calibration: another one is never replaced unasked.
+    if (QFileInfo::exists(path) &&
+        !gui::GuiPrompter(window(), Title(4))
+             .confirm(gui::PhraseText(gui::Phrase::ReplaceFile, m_language).arg(QDir::toNativeSeparators(path))))
+        return;
     m_show(QString(), true);
-    m_device.Post([this, path](link::Link &link) {
-        if (link.PortClosed())
-            return;
-        BackupCalibration(link, m_prompter, path, [this](const QString &line) {
-            QMetaObject::invokeMethod(this, [this, line] { m_show(line + QLatin1Char('\n'), false); });
-        });
-    });
+    m_device.Post(window(), Title(4),
+                  [this, path, done = gui::PhraseText(gui::Phrase::CalibrationBackedUp, m_language)](
+                      link::Link &link, link::Prompter &prompter) {
+                      if (link.PortClosed())
+                          return;
+                      const QList<QByteArray> lines =
+                          BackupCalibration(link, prompter, path, [this](const QString &line) { ShowLine(line); });
+                      if (!lines.isEmpty())
+                          m_device.Tell(done);
+                  });
 }
 
 void ServiceConfigPanel::RestoreChosenFile()
@@ -206,13 +226,16 @@ void ServiceConfigPanel::RestoreChosenFile()
     m_calibrationFrame->hide();
     const QString path = QDir(m_dir).filePath(item->text());
     m_show(QString(), true);
-    m_device.Post([this, path](link::Link &link) {
-        if (link.PortClosed())
-            return;
-        RestoreCalibration(link, m_prompter, path, RestoreSource::ServiceForm, [this](const QString &line) {
-            QMetaObject::invokeMethod(this, [this, line] { m_show(line + QLatin1Char('\n'), false); });
-        });
-    });
+    m_device.Post(window(), Title(5),
+                  [this, path, done = gui::PhraseText(gui::Phrase::CalibrationRestored, m_language)](
+                      link::Link &link, link::Prompter &prompter) {
+                      if (link.PortClosed())
+                          return;
+                      const RestoreResult result = RestoreCalibration(link, prompter, path, RestoreSource::ServiceForm,
+                                                                      [this](const QString &line) { ShowLine(line); });
+                      if (result.stored)
+                          m_device.Tell(done);
+                  });
 }
 
 } // namespace kalvo::config::ui

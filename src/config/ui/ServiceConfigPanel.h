@@ -12,14 +12,10 @@ class QListWidget;
 class QPushButton;
 
 namespace kalvo::link {
-class Prompter;
-}
-
-namespace kalvo::shell {
 class LanguageTable;
 }
 
-namespace kalvo::shell::ui {
+namespace kalvo::gui {
 class DeviceThread;
 }
 
@@ -31,12 +27,12 @@ public:
     using TextSink = std::function<void(const QString &text, bool clearFirst)>;
 
     // `show` writes into the service form's terminal panel; `command` shows a command in its command line.
-    ServiceConfigPanel(shell::ui::DeviceThread &device, link::Prompter &prompter, TextSink show,
-                       std::function<void(const QString &)> command, QWidget *parent = nullptr);
+    ServiceConfigPanel(gui::DeviceThread &device, TextSink show, std::function<void(const QString &)> command,
+                       QWidget *parent = nullptr);
 
     // varmas, konfiguration, bitstore, resetD3, readcal, storecal: for the form's menu.
     QList<QAction *> actions() const { return m_actions; }
-    void ApplyTexts(const shell::LanguageTable &texts);
+    void ApplyTexts(const link::LanguageTable &texts);
     void SetBusy(bool busy);
     // The calibration files are looked for and written here (the current directory).
     void setDirectory(const QString &dir) { m_dir = dir; }
@@ -57,9 +53,13 @@ private:
     void BeginRestore();       // storecal
     void SaveBackup();         // speichern
     void RestoreChosenFile();  // kalibfiles
+    // The caption of menu entry `index` of actions(): the title of what it starts.
+    QString Title(int index) const;
+    // A line for the terminal panel, from the device thread.
+    void ShowLine(const QString &line);
 
-    shell::ui::DeviceThread &m_device;
-    link::Prompter &m_prompter;
+    gui::DeviceThread &m_device;
+    QString m_language;
     TextSink m_show;
     std::function<void(const QString &)> m_command;
     QString m_dir;

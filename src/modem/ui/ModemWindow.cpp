@@ -1,10 +1,11 @@
 // The "Modem Konfiguration" window: the tester's two telephone numbers and its modem's initialisation string.
 #include "ModemWindow.h"
 
+#include "gui/DeviceThread.h"
+#include "gui/Phrases.h"
+#include "link/LanguageTable.h"
 #include "link/Link.h"
 #include "modem/ModemSettings.h"
-#include "shell/LanguageTable.h"
-#include "shell/ui/DeviceThread.h"
 
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -15,9 +16,8 @@
 
 namespace kalvo::modem::ui {
 
-ModemWindow::ModemWindow(shell::ui::DeviceThread &device, link::Prompter &prompter,
-                         const shell::LanguageTable &texts, QWidget *parent)
-    : QDialog(parent), m_device(device), m_prompter(prompter)
+ModemWindow::ModemWindow(gui::DeviceThread &device, const link::LanguageTable &texts, QWidget *parent)
+    : QDialog(parent), m_device(device)
 {
     setObjectName(QStringLiteral("Modem"));
     setWindowTitle(QStringLiteral("Modem Konfiguration"));
@@ -53,14 +53,15 @@ ModemWindow::ModemWindow(shell::ui::DeviceThread &device, link::Prompter &prompt
     ApplyTexts(texts);
 }
 
-void ModemWindow::ApplyTexts(const shell::LanguageTable &texts)
+void ModemWindow::ApplyTexts(const link::LanguageTable &texts)
 {
-    m_tel1Label->setText(texts.text(shell::TxtLabelTelephone1));
-    m_tel2Label->setText(texts.text(shell::TxtLabelTelephone2));
-    m_initLabel->setText(texts.text(shell::TxtLabelModemInit));
-    m_ok->setText(texts.text(shell::TxtButtonOk));
-    m_cancel->setText(texts.text(shell::TxtButtonCancel));
-    m_storedText = texts.text(shell::TxtModemStored);
+    m_tel1Label->setText(texts.text(link::TxtLabelTelephone1));
+    m_tel2Label->setText(texts.text(link::TxtLabelTelephone2));
+    m_initLabel->setText(texts.text(link::TxtLabelModemInit));
+    m_ok->setText(texts.text(link::TxtButtonOk));
+    m_cancel->setText(texts.text(link::TxtButtonCancel));
+    m_storedText = texts.text(link::TxtModemStored);
+    m_language = texts.language();
 }
 
 void ModemWindow::SetBusy(bool busy)
@@ -72,7 +73,7 @@ void ModemWindow::SetBusy(bool busy)
 void ModemWindow::SendSettings()
 {
     const ModemSettings settings{m_tel1->text(), m_tel2->text(), m_init->text()};
-    m_device.Post([this, settings](link::Link &link) {
+    m_device.Post(this, m_ok->text(), [this, settings](link::Link &link, link::Prompter &) {
         if (!link.PortClosed())
             m_refused = WriteModemSettings(link, settings);
     });
@@ -80,10 +81,12 @@ void ModemWindow::SendSettings()
 
 void ModemWindow::Store()
 {
-    m_device.Post([this, text = m_storedText](link::Link &link) {
-        if (!link.PortClosed())
-            StoreModemSettings(link, m_prompter, text, m_refused);
-    });
+    m_device.Post(this, m_store->text(),
+                  [this, text = m_storedText, done = gui::PhraseText(gui::Phrase::ModemStored, m_language)](
+                      link::Link &link, link::Prompter &prompter) {
+                      if (!link.PortClosed() && StoreModemSettings(link, prompter, text, m_refused))
+                          m_device.Tell(done);
+                  });
 }
 
 } // namespace kalvo::modem::ui

@@ -8,14 +8,10 @@ class QLineEdit;
 class QPushButton;
 
 namespace kalvo::link {
-class Prompter;
-}
-
-namespace kalvo::shell {
 class LanguageTable;
 }
 
-namespace kalvo::shell::ui {
+namespace kalvo::gui {
 class DeviceThread;
 }
 
@@ -24,19 +20,18 @@ namespace kalvo::modem::ui {
 class ModemWindow : public QDialog {
     Q_OBJECT
 public:
-    ModemWindow(shell::ui::DeviceThread &device, link::Prompter &prompter, const shell::LanguageTable &texts,
-                QWidget *parent = nullptr);
+    ModemWindow(gui::DeviceThread &device, const link::LanguageTable &texts, QWidget *parent = nullptr);
 
-    void ApplyTexts(const shell::LanguageTable &texts);
+    void ApplyTexts(const link::LanguageTable &texts);
     void SetBusy(bool busy);
 
 private:
     void SendSettings(); // ModemOK
     void Store();        // ModemStore
 
-    shell::ui::DeviceThread &m_device;
-    link::Prompter &m_prompter;
+    gui::DeviceThread &m_device;
     QString m_storedText;
+    QString m_language;
     // What the tester refused of the last settings sent; read and written on the device thread only.
     QList<QByteArray> m_refused;
     QLineEdit *m_tel1, *m_tel2, *m_init;

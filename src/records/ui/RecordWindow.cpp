@@ -2,6 +2,9 @@
 // printing, PDF, files and the CSV export.
 #include "RecordWindow.h"
 
+#include "gui/DeviceThread.h"
+#include "gui/GuiPrompter.h"
+#include "gui/Phrases.h"
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
@@ -11,7 +14,6 @@
 #include "records/ReportBuilder.h"
 #include "records/TesterPrintText.h"
 #include "records/print/ReportDocument.h"
-#include "shell/ui/DeviceThread.h"
 
 #include <QActionGroup>
 #include <QDir>
@@ -28,11 +30,22 @@ namespace {
 const QString kLogTmp = QStringLiteral("log.tmp");
 const QString kProtoTxt = QStringLiteral("proto.txt");
 const QString kPdfFilter = QStringLiteral("PDF (*.pdf)|*.pdf");
+// The export is read by spreadsheets: ".csv" first, the record files' ".txt" still offered.
+const QString kCsvFilter = QStringLiteral("CSV (*.csv)|*.csv|Ascii file (*.txt)|*.txt|(*.*)|*.*");
+
+// "Menu: entry", or the entry alone where menu and entry say the same.
+QString TitleOf(const QAction *entry)
+{
+    const QString text = entry->text().remove(QLatin1Char('&'));
+    const auto *menu = qobject_cast<const QMenu *>(entry->parent());
+    if (!menu || menu->title() == text)
+        return text;
+    return menu->title() + QStringLiteral(": ") + text;
+}
 } // namespace
 
-RecordWindow::RecordWindow(shell::ui::DeviceThread &device, link::Prompter &prompter,
-                           const QString &programDir, QWidget *parent)
-    : QMainWindow(parent), m_device(device), m_prompter(prompter), m_programDir(programDir)
+RecordWindow::RecordWindow(gui::DeviceThread &device, const QString &programDir, QWidget *parent)
+    : QMainWindow(parent), m_device(device), m_programDir(programDir)
 {
     setObjectName(QStringLiteral("FRMProt"));
     setWindowTitle(QStringLiteral("Protokoll utility"));
@@ -49,6 +62,10 @@ RecordWindow::RecordWindow(shell::ui::DeviceThread &device, link::Prompter &prom
     BuildMenus();
     EnableOutput(false);
     connect(m_list, &QListWidget::currentRowChanged, this, &RecordWindow::RecordSelected);
+    // A report is made from a record text; an empty box holds none.
+    m_printProt->setEnabled(false);
+    connect(m_report, &QPlainTextEdit::textChanged, this,
+            [this] { m_printProt->setEnabled(!m_report->toPlainText().trimmed().isEmpty()); });
     resize(900, 620);
 }
 
@@ -77,7 +94,7 @@ void RecordWindow::BuildMenus()
     QMenu *file = menuBar()->addMenu(QStringLiteral("aus Datei"));
     add(file, "ausDatei", QStringLiteral("aus Datei"), &RecordWindow::LoadRecordsFromFile);
     QMenu *report = menuBar()->addMenu(QStringLiteral("Protokoll"));
-    add(report, "PrintProt", QStringLiteral("Mache Protokoll"), &RecordWindow::MakeReport);
+    m_printProt = add(report, "PrintProt", QStringLiteral("Mache Protokoll"), &RecordWindow::MakeReport);
     m_drucken = add(report, "drucken", QStringLiteral("Drucken"), &RecordWindow::PrintReport);
     m_pdf = add(report, "pdf", QStringLiteral("als PDF speichern"), &RecordWindow::SaveReportAsPdf);
 
@@ -107,12 +124,22 @@ QString RecordWindow::reportText() const
     return m_report->toPlainText();
 }
 
-void RecordWindow::Post(std::function<void(link::Link &)> job)
+void RecordWindow::Post(QAction *entry, std::function<void(link::Link &, link::Prompter &)> job)
 {
-    m_device.Post([job = std::move(job)](link::Link &link) {
+    m_device.Post(this, TitleOf(entry), [job = std::move(job)](link::Link &link, link::Prompter &prompter) {
         if (!link.PortClosed())
-            job(link);
+            job(link, prompter);
     });
+}
+
+gui::GuiPrompter RecordWindow::Asker(QAction *entry)
+{
+    return gui::GuiPrompter(this, TitleOf(entry));
+}
+
+QAction *RecordWindow::Entry(const char *name) const
+{
+    return findChild<QAction *>(QString::fromLatin1(name));
 }
 
 void RecordWindow::OnWindow(std::function<void()> call)
@@ -140,7 +167,7 @@ void RecordWindow::ShowPrintText(const QString &text)
     ShowReport(text);
     // The tester draws its frames with line-drawing characters; without them the report shows gaps.
     if (!HasLineDrawing(m_report->font()))
-        m_prompter.message(
+        gui::GuiPrompter(this, windowTitle()).message(
             QStringLiteral("Um Umlaute, Ohm und andere ASCII Zeichen darstellen zu können muß die "
                            "Schriftart MS LineDraw installiert sein"),
             link::Prompter::Icon::Warning);
@@ -162,10 +189,27 @@ void RecordWindow::ShowRecords(const QList<QByteArray> &records, Source source)
     emit shown();
 }
 
+void RecordWindow::ClearList(Source source)
+{
+    const QSignalBlocker blocker(m_list);
+    m_list->clear();
+    m_records.clear();
+    m_numbers.clear();
+    m_source = source;
+}
+
+void RecordWindow::AddRecord(const QByteArray &record)
+{
+    m_records << record;
+    const QSignalBlocker blocker(m_list);
+    m_list->addItem(QString::number(m_records.size()));
+    m_list->scrollToBottom();
+}
+
 void RecordWindow::ShowCurrentRecord()
 {
     const int number = m_template;
-    Post([this, number](link::Link &link) {
+    Post(Entry("aktuellProt"), [this, number](link::Link &link, link::Prompter &) {
         const QString text = RenderCurrentRecord(link, number);
         OnWindow([this, text] { ShowPrintText(text); });
     });
@@ -173,8 +217,8 @@ void RecordWindow::ShowCurrentRecord()
 
 void RecordWindow::StoreCurrentRecordToFile()
 {
-    Post([this](link::Link &link) {
-        const RetrievalResult result = StoreCurrentRecord(link, m_prompter);
+    Post(Entry("storesingle"), [this](link::Link &link, link::Prompter &prompter) {
+        const RetrievalResult result = StoreCurrentRecord(link, prompter);
         if (result.status == RetrievalStatus::Done && !result.records.isEmpty())
             OnWindow([this, record = result.records.first()] { ShowReport(link::DecodeRecordText(record)); });
     });
@@ -183,8 +227,17 @@ void RecordWindow::StoreCurrentRecordToFile()
 void RecordWindow::ShowStoreListing()
 {
     const QString proto = QDir::current().filePath(kProtoTxt);
-    Post([this, proto](link::Link &link) {
-        const ListingResult result = ListStoreRecords(link, m_prompter, proto);
+    ClearList(Source::TesterStore);
+    Post(Entry("dbProt"), [this, proto](link::Link &link, link::Prompter &prompter) {
+        // Entries show as the listing streams in; the finished listing then stands for them all.
+        const ListingResult result =
+            ListStoreRecords(link, prompter, proto, [this](const QString &entry, int number) {
+                OnWindow([this, entry, number] {
+                    m_numbers << number;
+                    const QSignalBlocker blocker(m_list);
+                    m_list->addItem(entry);
+                });
+            });
         if (result.status != RetrievalStatus::Done)
             return;
         OnWindow([this, entries = result.listing.records, numbers = result.listing.numbers] {
@@ -203,57 +256,67 @@ void RecordWindow::ShowStoreListing()
 void RecordWindow::StoreAllRecordsToFile()
 {
     m_report->clear();
-    m_list->clear();
-    Post([this](link::Link &link) {
-        const RetrievalResult result = StoreAllRecords(link, m_prompter);
-        if (result.status == RetrievalStatus::Done)
-            OnWindow([this, records = result.records] { ShowRecords(records, Source::Records); });
+    ClearList(Source::Records);
+    Post(Entry("storeall"), [this, read = gui::PhraseText(gui::Phrase::RecordsRead, m_language)](
+                                link::Link &link, link::Prompter &prompter) {
+        const RetrievalResult result = StoreAllRecords(link, prompter, [this](int, const QByteArray &record) {
+            OnWindow([this, record] { AddRecord(record); });
+        });
+        if (result.status != RetrievalStatus::Done)
+            return;
+        m_device.Tell(QString(read).arg(result.records.size()));
+        OnWindow([this, records = result.records] { ShowRecords(records, Source::Records); });
     });
 }
 
 void RecordWindow::ReadAccessory()
 {
-    m_list->clear();
+    ClearList(Source::Records);
     const QString logTmp = QDir(m_programDir).filePath(kLogTmp);
-    Post([this, logTmp](link::Link &link) {
-        const RetrievalResult result = ReadAccessoryRecords(link, m_prompter, logTmp);
+    Post(Entry("kymAscii"), [this, logTmp](link::Link &link, link::Prompter &prompter) {
+        const RetrievalResult result =
+            ReadAccessoryRecords(link, prompter, logTmp, [this](int, const QByteArray &record) {
+                OnWindow([this, record] { AddRecord(record); });
+            });
         if (result.status != RetrievalStatus::Done)
             return;
         OnWindow([this, records = result.records] { ShowRecords(records, Source::Records); });
         // As after every accessory read, the records go to a file of the user's choice.
-        StoreAccessoryRecords(link, m_prompter, logTmp, result.records, QString());
+        StoreAccessoryRecords(link, prompter, logTmp, result.records, QString());
     });
 }
 
 void RecordWindow::StoreAccessory()
 {
     const QString logTmp = QDir(m_programDir).filePath(kLogTmp);
-    Post([this, logTmp, records = m_records, text = reportText()](link::Link &link) {
-        StoreAccessoryRecords(link, m_prompter, logTmp, records, text);
+    Post(m_protStore, [logTmp, records = m_records, text = reportText()](link::Link &link, link::Prompter &prompter) {
+        StoreAccessoryRecords(link, prompter, logTmp, records, text);
     });
 }
 
 void RecordWindow::ExportCsv()
 {
-    const QString path = m_prompter.askSaveFile(kRecordFileFilter);
+    gui::GuiPrompter asker = Asker(m_fexcel);
+    const QString path = asker.askSaveFile(kCsvFilter);
     if (path.isEmpty())
         return;
     try {
         ExportCsvFile(path, QString(), m_records, reportText());
     } catch (const link::KalvoError &e) {
-        m_prompter.message(e.message(), link::Prompter::Icon::Critical);
+        asker.message(e.message(), link::Prompter::Icon::Critical);
     }
 }
 
 void RecordWindow::LoadRecordsFromFile()
 {
-    const QString path = m_prompter.askOpenFile(kRecordFileFilter);
+    gui::GuiPrompter asker = Asker(Entry("ausDatei"));
+    const QString path = asker.askOpenFile(kRecordFileFilter);
     if (path.isEmpty())
         return;
     try {
         ShowRecords(LoadRecordFile(path), Source::Records);
     } catch (const link::KalvoError &e) {
-        m_prompter.message(e.message(), link::Prompter::Icon::Critical);
+        asker.message(e.message(), link::Prompter::Icon::Critical);
     }
 }
 
@@ -262,7 +325,7 @@ void RecordWindow::MakeReport()
     try {
         ShowReport(BuildReport(DecodeRecord(EncodeShownText(reportText()))));
     } catch (const link::KalvoError &e) {
-        m_prompter.message(e.text(), link::Prompter::Icon::Warning);
+        Asker(m_printProt).message(e.text(), link::Prompter::Icon::Warning);
     }
 }
 
@@ -275,12 +338,12 @@ void RecordWindow::RecordSelected(int row)
             ShowReport(BuildReport(DecodeRecord(m_records[row])));
         } catch (const link::KalvoError &e) {
             m_report->setPlainText(link::DecodeRecordText(m_records[row]));
-            m_prompter.message(e.text(), link::Prompter::Icon::Warning);
+            gui::GuiPrompter(this, windowTitle()).message(e.text(), link::Prompter::Icon::Warning);
         }
     } else if (m_source == Source::TesterStore && row < m_numbers.size()) {
         const int number = m_numbers[row];
         const int templateNumber = m_template;
-        Post([this, number, templateNumber](link::Link &link) {
+        Post(Entry("dbProt"), [this, number, templateNumber](link::Link &link, link::Prompter &) {
             const QString text = RenderStoredRecord(link, templateNumber, number);
             OnWindow([this, text] { ShowPrintText(text); });
         });
@@ -291,6 +354,7 @@ void RecordWindow::PrintReport()
 {
     QPrinter printer;
     QPrintDialog dialog(&printer, this);
+    dialog.setWindowTitle(TitleOf(m_drucken));
     if (dialog.exec() != QDialog::Accepted)
         return;
     PaintReport(reportText(), printer);
@@ -298,13 +362,14 @@ void RecordWindow::PrintReport()
 
 void RecordWindow::SaveReportAsPdf()
 {
-    const QString path = m_prompter.askSaveFile(kPdfFilter);
+    gui::GuiPrompter asker = Asker(m_pdf);
+    const QString path = asker.askSaveFile(kPdfFilter);
     if (path.isEmpty())
         return;
     try {
         SaveReportPdf(reportText(), path, windowTitle());
     } catch (const link::KalvoError &e) {
-        m_prompter.message(e.message(), link::Prompter::Icon::Critical);
+        asker.message(e.message(), link::Prompter::Icon::Critical);
     }
 }
 

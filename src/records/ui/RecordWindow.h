@@ -14,9 +14,10 @@ class Link;
 class Prompter;
 } // namespace kalvo::link
 
-namespace kalvo::shell::ui {
+namespace kalvo::gui {
 class DeviceThread;
-}
+class GuiPrompter;
+} // namespace kalvo::gui
 
 namespace kalvo::records::ui {
 
@@ -24,10 +25,11 @@ class RecordWindow : public QMainWindow {
     Q_OBJECT
 public:
     // `programDir` holds "log.tmp" of the last accessory read; "proto.txt" goes to the current folder.
-    RecordWindow(shell::ui::DeviceThread &device, link::Prompter &prompter, const QString &programDir,
-                 QWidget *parent = nullptr);
+    RecordWindow(gui::DeviceThread &device, const QString &programDir, QWidget *parent = nullptr);
 
     void SetBusy(bool busy);
+    // The language of the status texts ("deutsch", ...); the window's captions are its own.
+    void SetLanguage(const QString &language) { m_language = language; }
     QString reportText() const;
     int templateNumber() const { return m_template; }
 
@@ -40,13 +42,20 @@ private:
     enum class Source { None, TesterStore, Records };
 
     void BuildMenus();
-    void Post(std::function<void(link::Link &)> job);
+    // Runs `job` for the menu entry `entry` (its caption titles the dialogs) once the port is open.
+    void Post(QAction *entry, std::function<void(link::Link &, link::Prompter &)> job);
+    // The dialogs of `entry`'s work on the window's thread.
+    gui::GuiPrompter Asker(QAction *entry);
+    // A record arrived while a read runs: listed at once.
+    void AddRecord(const QByteArray &record);
+    void ClearList(Source source);
     void OnWindow(std::function<void()> call);
     void ShowReport(const QString &text);
     // A print text the tester rendered; warns once shown when the font cannot draw its frames.
     void ShowPrintText(const QString &text);
     void ShowRecords(const QList<QByteArray> &records, Source source);
     void EnableOutput(bool on);
+    QAction *Entry(const char *name) const;
 
     void ShowCurrentRecord();        // aktuellProt
     void StoreCurrentRecordToFile(); // storesingle
@@ -61,9 +70,9 @@ private:
     void SaveReportAsPdf();
     void RecordSelected(int row);
 
-    shell::ui::DeviceThread &m_device;
-    link::Prompter &m_prompter;
+    gui::DeviceThread &m_device;
     QString m_programDir;
+    QString m_language = QStringLiteral("deutsch");
     Source m_source = Source::None;
     QList<QByteArray> m_records; // the records behind the list when it came from a file or the accessory
     QList<int> m_numbers;        // the store's record numbers when it came from the tester
@@ -71,7 +80,7 @@ private:
 
     QListWidget *m_list;      // lb1
     QPlainTextEdit *m_report; // Protokol
-    QAction *m_drucken, *m_pdf, *m_protStore, *m_fexcel;
+    QAction *m_drucken, *m_pdf, *m_protStore, *m_fexcel, *m_printProt;
     QList<QAction *> m_deviceActions;
 };
 

@@ -1,7 +1,7 @@
 // The configuration frame: the tester's configuration bytes and registers as bits, and the store button.
 #include "ConfigFrame.h"
 
-#include "shell/LanguageTable.h"
+#include "link/LanguageTable.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -32,7 +32,6 @@ ConfigFrame::ConfigFrame(QWidget *parent) : QGroupBox(parent)
     layout->addLayout(buttons);
     connect(m_store, &QPushButton::clicked, this, &ConfigFrame::storeRequested);
     connect(m_close, &QPushButton::clicked, this, &QWidget::hide);
-    hide();
 }
 
 static void AddRow(QTableWidget *table, const QString &name, const QByteArray &hex, const link::Flags &flags)
@@ -58,18 +57,17 @@ void ConfigFrame::ShowRegisters(const link::RegisterTable &table)
     for (int i = 0; i < link::RegisterTable::kRegisters; ++i)
         AddRow(m_table, QStringLiteral("var %1").arg(QString::fromLatin1(link::RegisterTable::Address(i))),
                table.registerBytes[static_cast<size_t>(i)], table.registerFlags[static_cast<size_t>(i)]);
-    show();
 }
 
-void ConfigFrame::ApplyTexts(const LanguageTable &texts)
+void ConfigFrame::ApplyTexts(const link::LanguageTable &texts)
 {
-    setTitle(texts.text(TxtFrameConfig));
-    QStringList headers{texts.text(TxtLabelRegister), QStringLiteral("Hex")};
+    setTitle(texts.text(link::TxtFrameConfig));
+    QStringList headers{texts.text(link::TxtLabelRegister), QStringLiteral("Hex")};
     for (int bit = 7; bit >= 0; --bit)
         headers << QString::number(bit);
     m_table->setHorizontalHeaderLabels(headers);
-    m_store->setText(texts.text(TxtButtonStore));
-    m_close->setText(texts.text(TxtButtonClose));
+    m_store->setText(texts.text(link::TxtButtonStore));
+    m_close->setText(texts.text(link::TxtButtonClose));
 }
 
 } // namespace kalvo::shell::ui

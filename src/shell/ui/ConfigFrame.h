@@ -8,7 +8,7 @@
 class QPushButton;
 class QTableWidget;
 
-namespace kalvo::shell {
+namespace kalvo::link {
 class LanguageTable;
 }
 
@@ -20,7 +20,7 @@ public:
     explicit ConfigFrame(QWidget *parent = nullptr);
 
     void ShowRegisters(const link::RegisterTable &table);
-    void ApplyTexts(const LanguageTable &texts);
+    void ApplyTexts(const link::LanguageTable &texts);
     QPushButton *storeButton() const { return m_store; }
     QTableWidget *table() const { return m_table; }
 

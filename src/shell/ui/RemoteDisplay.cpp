@@ -21,13 +21,11 @@ RemoteDisplay::RemoteDisplay(QWidget *parent) : QGroupBox(parent)
     m_text->setFont(font);
     m_text->setMinimumHeight(120);
     layout->addWidget(m_text);
-    hide();
 }
 
 void RemoteDisplay::Show(const QByteArray &bytes)
 {
     const link::DisplayUpdate update = link::FilterDisplayStream(bytes);
-    show();
     if (update.clear)
         m_text->clear();
     // Insert at the caret, the way the tester's characters arrive; CR and LF keep their places.

@@ -2,13 +2,12 @@
 // help-text stepping, direct printing and the trace views.
 #include "ServiceWindow.h"
 
-#include "DeviceThread.h"
-#include "config/ui/ServiceConfigPanel.h"
+#include "gui/DeviceThread.h"
+#include "gui/GuiPrompter.h"
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
-#include "records/RecordRetrieval.h"
-#include "shell/LanguageTable.h"
+#include "link/LanguageTable.h"
 
 #include <QAction>
 #include <QDir>
@@ -36,9 +35,8 @@ QString AnswerText(const QByteArray &answer)
 }
 } // namespace
 
-ServiceWindow::ServiceWindow(DeviceThread &device, link::Prompter &prompter, const LanguageTable &texts,
-                             QWidget *parent)
-    : QMainWindow(parent), m_device(device), m_prompter(prompter), m_dir(QDir::currentPath())
+ServiceWindow::ServiceWindow(gui::DeviceThread &device, const link::LanguageTable &texts, QWidget *parent)
+    : QMainWindow(parent), m_device(device), m_dir(QDir::currentPath())
 {
     setObjectName(QStringLiteral("test"));
     auto *central = new QWidget(this);
@@ -81,22 +79,10 @@ ServiceWindow::ServiceWindow(DeviceThread &device, link::Prompter &prompter, con
     layout->addWidget(m_answers, 1);
     layout->addLayout(help);
     layout->addWidget(m_terminal, 2);
-    // The configuration part: variable list and calibration frame beside the terminal.
-    m_config = new config::ui::ServiceConfigPanel(
-        device, prompter,
-        [this](const QString &text, bool clearFirst) {
-            m_terminal->show();
-            if (clearFirst)
-                m_terminal->clear();
-            AppendToTerminal(text);
-        },
-        [this](const QString &command) { m_befehl->setText(command); }, this);
-    connect(m_config, &config::ui::ServiceConfigPanel::d3Reset, this, &ServiceWindow::d3Reset);
-    auto *holder = new QWidget(this);
-    auto *outer = new QHBoxLayout(holder);
+    m_holder = new QWidget(this);
+    auto *outer = new QHBoxLayout(m_holder);
     outer->addWidget(central, 3);
-    outer->addWidget(m_config, 1);
-    setCentralWidget(holder);
+    setCentralWidget(m_holder);
 
     const auto action = [this](QMenu *menu, const char *name, auto slot) {
         QAction *a = menu->addAction(QString());
@@ -113,14 +99,14 @@ ServiceWindow::ServiceWindow(DeviceThread &device, link::Prompter &prompter, con
     m_printdirekt->setCheckable(true);
     m_configMenu = menuBar()->addMenu(QString());
     m_configMenu->setObjectName(QStringLiteral("konfigurationMenu"));
-    m_configMenu->addActions(m_config->actions());
     m_scriptMenu = menuBar()->addMenu(QString());
     m_scriptMenu->setObjectName(QStringLiteral("abl_dum"));
     m_abl = action(m_scriptMenu, "abl", &ServiceWindow::RunScript);
     m_ablPro = action(m_scriptMenu, "ablPro", &ServiceWindow::ShowScriptResult);
-    m_readprot = action(m_viewMenu, "readprot", &ServiceWindow::ReadAllRecords);
-    m_deviceActions = {m_log, m_loghex, m_printdirekt, m_abl, m_readprot};
-    m_deviceWidgets = {m_befehl, m_ahtt, m_aht, m_ahst};
+    m_deviceActions = {m_log, m_loghex, m_printdirekt, m_abl};
+    // The command line stays enabled and keeps the focus: a command typed while another runs is
+    // queued behind it, not lost.
+    m_deviceWidgets = {m_ahtt, m_aht, m_ahst};
 
     connect(m_befehl, &QLineEdit::returnPressed, this, &ServiceWindow::SendCommandLine);
     connect(m_ahtt, &QPushButton::clicked, this, &ServiceWindow::StartHelpTexts);
@@ -130,36 +116,66 @@ ServiceWindow::ServiceWindow(DeviceThread &device, link::Prompter &prompter, con
     resize(620, 560);
 }
 
-void ServiceWindow::ApplyTexts(const LanguageTable &texts)
+void ServiceWindow::ApplyTexts(const link::LanguageTable &texts)
 {
-    setWindowTitle(texts.text(TxtServiceWindow));
-    m_viewMenu->setTitle(texts.text(TxtServiceView));
-    m_term->setText(texts.text(TxtServiceTerminal));
-    m_clearDisp->setText(texts.text(TxtServiceClear));
-    m_log->setText(texts.text(TxtServiceLogAscii));
-    m_loghex->setText(texts.text(TxtServiceLogHex));
-    m_printdirekt->setText(texts.text(TxtServicePrintDirect));
-    m_readprot->setText(texts.text(TxtMenuRecords));
-    m_configMenu->setTitle(texts.text(TxtMenuConfig));
-    m_config->ApplyTexts(texts);
-    m_scriptMenu->setTitle(texts.text(TxtServiceScript));
-    m_abl->setText(texts.text(TxtServiceScriptStart));
-    m_ablPro->setText(texts.text(TxtServiceScriptResult));
-    m_ahtt->setText(texts.text(TxtServiceAllHelp));
-    m_aht->setText(texts.text(TxtServiceNextHelp));
-    m_ahst->setText(texts.text(TxtServiceHelpStop));
-    m_commandLabel->setText(texts.text(TxtServiceCommand));
-    m_answerLabel->setText(texts.text(TxtServiceAnswer));
+    setWindowTitle(texts.text(link::TxtServiceWindow));
+    m_viewMenu->setTitle(texts.text(link::TxtServiceView));
+    m_term->setText(texts.text(link::TxtServiceTerminal));
+    m_clearDisp->setText(texts.text(link::TxtServiceClear));
+    m_log->setText(texts.text(link::TxtServiceLogAscii));
+    m_loghex->setText(texts.text(link::TxtServiceLogHex));
+    m_printdirekt->setText(texts.text(link::TxtServicePrintDirect));
+    if (m_readprot)
+        m_readprot->setText(texts.text(link::TxtMenuRecords));
+    m_configMenu->setTitle(texts.text(link::TxtMenuConfig));
+    m_scriptMenu->setTitle(texts.text(link::TxtServiceScript));
+    m_abl->setText(texts.text(link::TxtServiceScriptStart));
+    m_ablPro->setText(texts.text(link::TxtServiceScriptResult));
+    m_ahtt->setText(texts.text(link::TxtServiceAllHelp));
+    m_aht->setText(texts.text(link::TxtServiceNextHelp));
+    m_ahst->setText(texts.text(link::TxtServiceHelpStop));
+    m_commandLabel->setText(texts.text(link::TxtServiceCommand));
+    m_answerLabel->setText(texts.text(link::TxtServiceAnswer));
 }
 
-void ServiceWindow::setDefaultBackupName(const QString &name)
+void ServiceWindow::AddConfigPanel(QWidget *panel, const QList<QAction *> &entries)
 {
-    m_config->setDefaultBackupName(name);
+    panel->setParent(m_holder);
+    static_cast<QHBoxLayout *>(m_holder->layout())->addWidget(panel, 1);
+    m_configMenu->addActions(entries);
+}
+
+void ServiceWindow::AddRecordReader(QAction *entry)
+{
+    m_readprot = entry;
+    entry->setParent(this);
+    m_viewMenu->addAction(entry);
+    m_deviceActions << entry;
+    // Records show in the terminal panel as they arrive.
+    connect(entry, &QAction::triggered, m_terminal, &QWidget::show);
+}
+
+void ServiceWindow::ShowInTerminal(const QString &text, bool clearFirst)
+{
+    m_terminal->show();
+    if (clearFirst)
+        m_terminal->clear();
+    AppendToTerminal(text);
+}
+
+void ServiceWindow::ShowCommand(const QString &command)
+{
+    m_befehl->setText(command);
+}
+
+void ServiceWindow::Post(const QString &title, std::function<void(link::Link &)> job)
+{
+    m_device.Post(this, QString(title).remove(QLatin1Char('&')),
+                  [job = std::move(job)](link::Link &link, link::Prompter &) { job(link); });
 }
 
 void ServiceWindow::SetBusy(bool busy)
 {
-    m_config->SetBusy(busy);
     for (QAction *a : std::as_const(m_deviceActions))
         a->setEnabled(!busy);
     for (QWidget *w : std::as_const(m_deviceWidgets))
@@ -175,7 +191,8 @@ void ServiceWindow::SendCommandLine()
 {
     const QString command = m_befehl->text();
     m_befehl->clear();
-    m_device.Post([this, command](link::Link &link) {
+    m_befehl->setFocus();
+    Post(command, [this, command](link::Link &link) {
         const QByteArray answer = SendTerminalCommand(link, command);
         QMetaObject::invokeMethod(this, [this, answer] {
             // Newest answer last, nothing added between answers but what the tester sent.
@@ -205,7 +222,7 @@ void ServiceWindow::RunScript()
     m_terminal->clear();
     const QString script = FilePath(kScriptFileName);
     const QString result = FilePath(kScriptResultFileName);
-    m_device.Post([this, script, result](link::Link &link) {
+    Post(m_abl->text(), [this, script, result](link::Link &link) {
         RunCommandScript(link, script, result, [this](const QString &line) {
             QMetaObject::invokeMethod(this, [this, line] { AppendToTerminal(line + QStringLiteral("\n")); });
         });
@@ -220,7 +237,7 @@ void ServiceWindow::ShowScriptResult()
         QString text = ReadScriptResult(FilePath(kScriptResultFileName));
         AppendToTerminal(text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     } catch (const link::KalvoError &e) {
-        m_prompter.message(e.message(), link::Prompter::Icon::Warning);
+        gui::GuiPrompter(this, m_ablPro->text().remove(QLatin1Char('&'))).message(e.message(), link::Prompter::Icon::Warning);
     }
 }
 
@@ -231,12 +248,12 @@ void ServiceWindow::StartHelpTexts()
     m_ahnr->show();
     m_befehl->hide();
     m_ahnr->setText(QStringLiteral("1"));
-    m_device.Post([this](link::Link &) { m_helpStepper.Begin(); });
+    Post(m_ahtt->text(), [this](link::Link &) { m_helpStepper.Begin(); });
 }
 
 void ServiceWindow::NextHelpText()
 {
-    m_device.Post([this](link::Link &link) {
+    Post(m_aht->text(), [this](link::Link &link) {
         m_helpStepper.Next(link);
         QMetaObject::invokeMethod(
             this, [this, next = m_helpStepper.next()] { m_ahnr->setText(QString::number(next)); });
@@ -245,7 +262,7 @@ void ServiceWindow::NextHelpText()
 
 void ServiceWindow::StopHelpTexts()
 {
-    m_device.Post([this](link::Link &link) { m_helpStepper.Stop(link); });
+    Post(m_ahst->text(), [this](link::Link &link) { m_helpStepper.Stop(link); });
     m_aht->hide();
     m_ahst->hide();
     m_ahnr->hide();
@@ -256,27 +273,14 @@ void ServiceWindow::ToggleDirectPrinting()
 {
     // The check mark has already flipped: it says what to send; the bit is never read back.
     const bool on = m_printdirekt->isChecked();
-    m_device.Post([on](link::Link &link) { SetDirectPrinting(link, on); });
-}
-
-void ServiceWindow::ReadAllRecords()
-{
-    m_terminal->show();
-    m_device.Post([this](link::Link &link) {
-        // Each record shows in the terminal panel as it arrives; the file is written at the end.
-        records::ReadProtocols(link, m_prompter, [this](int, const QByteArray &record) {
-            QMetaObject::invokeMethod(this, [this, text = link::DecodeTesterText(record)] {
-                AppendToTerminal(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
-            });
-        });
-    });
+    Post(m_printdirekt->text(), [on](link::Link &link) { SetDirectPrinting(link, on); });
 }
 
 void ServiceWindow::ShowTrace(bool asCodes)
 {
     const QString path = FilePath(kTraceFileName);
     m_terminal->show();
-    m_device.Post([this, path, asCodes](link::Link &link) {
+    Post((asCodes ? m_loghex : m_log)->text(), [this, path, asCodes](link::Link &link) {
         const QByteArray trace = TakeTrace(link, path);
         QMetaObject::invokeMethod(this, [this, trace, asCodes] {
             m_terminal->setFont(asCodes ? QFontDatabase::systemFont(QFontDatabase::FixedFont)

@@ -5,6 +5,7 @@
 #include "shell/ServiceTerminal.h"
 
 #include <QMainWindow>
+#include <functional>
 
 class QAction;
 class QLabel;
@@ -14,40 +15,38 @@ class QPlainTextEdit;
 class QPushButton;
 
 namespace kalvo::link {
-class Prompter;
-}
-
-namespace kalvo::shell {
 class LanguageTable;
 }
 
-namespace kalvo::config::ui {
-class ServiceConfigPanel;
+namespace kalvo::gui {
+class DeviceThread;
 }
 
 namespace kalvo::shell::ui {
 
-class DeviceThread;
-
 class ServiceWindow : public QMainWindow {
     Q_OBJECT
 public:
-    ServiceWindow(DeviceThread &device, link::Prompter &prompter, const LanguageTable &texts,
-                  QWidget *parent = nullptr);
+    ServiceWindow(gui::DeviceThread &device, const link::LanguageTable &texts, QWidget *parent = nullptr);
 
-    void ApplyTexts(const LanguageTable &texts);
+    // The parts other subsystems bring, placed by whoever builds the window: a panel beside the
+    // terminal with the entries of the configuration menu, and the entry that reads all records
+    // into the terminal panel (its caption follows the language).
+    void AddConfigPanel(QWidget *panel, const QList<QAction *> &entries);
+    void AddRecordReader(QAction *entry);
+    // Text for the terminal panel ("Testfeld"), and a command shown in the command line.
+    void ShowInTerminal(const QString &text, bool clearFirst);
+    void ShowCommand(const QString &command);
+
+    void ApplyTexts(const link::LanguageTable &texts);
     void SetBusy(bool busy);
 
     // Where the script, its result and the trace are: the current directory.
     void setWorkingDirectory(const QString &dir) { m_dir = dir; }
-    // The calibration backup's proposed name.
-    void setDefaultBackupName(const QString &name);
 
 signals:
     // The terminal entry switches the development-terminal mode off.
     void terminalOpened();
-    // Register D3 was reset from the configuration menu.
-    void d3Reset();
 
 private:
     void SendCommandLine();
@@ -59,12 +58,13 @@ private:
     void StopHelpTexts();
     void ToggleDirectPrinting();
     void ShowTrace(bool asCodes);
-    void ReadAllRecords(); // readprot
     void AppendToTerminal(const QString &text);
     QString FilePath(const QString &name) const;
 
-    DeviceThread &m_device;
-    link::Prompter &m_prompter;
+    // Runs `job` for the entry or button captioned `title`.
+    void Post(const QString &title, std::function<void(link::Link &)> job);
+
+    gui::DeviceThread &m_device;
     QString m_dir;
     HelpStepper m_helpStepper; // used on the device thread only
 
@@ -75,8 +75,9 @@ private:
     QPushButton *m_ahtt, *m_aht, *m_ahst;
     QLabel *m_ahnr;
     QMenu *m_viewMenu, *m_scriptMenu, *m_configMenu;
-    config::ui::ServiceConfigPanel *m_config;
-    QAction *m_term, *m_clearDisp, *m_log, *m_loghex, *m_abl, *m_ablPro, *m_printdirekt, *m_readprot;
+    QWidget *m_holder;
+    QAction *m_term, *m_clearDisp, *m_log, *m_loghex, *m_abl, *m_ablPro, *m_printdirekt;
+    QAction *m_readprot = nullptr;
     QList<QAction *> m_deviceActions;
     QList<QWidget *> m_deviceWidgets;
 };

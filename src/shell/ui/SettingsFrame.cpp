@@ -3,7 +3,7 @@
 
 #include "link/PortNames.h"
 #include "link/TextRules.h"
-#include "shell/LanguageTable.h"
+#include "link/LanguageTable.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -16,8 +16,8 @@ namespace kalvo::shell::ui {
 
 namespace {
 const char *const kValueNames[6] = {"SystVer", "KonfigVer", "bilderver", "hilfever", "ablaufVer", "Version"};
-const TextId kCaptionTexts[6] = {TxtLabelSystem, TxtLabelConfiguration, TxtLabelPictures,
-                                 TxtLabelHelp,   TxtLabelSequences,     TxtLabelVersion};
+const link::TextId kCaptionTexts[6] = {link::TxtLabelSystem, link::TxtLabelConfiguration, link::TxtLabelPictures,
+                                 link::TxtLabelHelp,   link::TxtLabelSequences,     link::TxtLabelVersion};
 } // namespace
 
 SettingsFrame::SettingsFrame(QWidget *parent) : QGroupBox(parent)
@@ -53,18 +53,17 @@ SettingsFrame::SettingsFrame(QWidget *parent) : QGroupBox(parent)
     grid->addWidget(m_identity, 7, 0, 1, 3);
     grid->addWidget(m_update, 8, 0, 1, 3);
     grid->setColumnStretch(1, 1);
+    connect(m_port, &QComboBox::currentTextChanged, this, &SettingsFrame::portChanged);
     connect(m_activate, &QPushButton::clicked, this, &SettingsFrame::activateRequested);
 }
 
 void SettingsFrame::FillPorts(bool withSimulator)
 {
     m_port->clear();
-    m_port->addItems(link::StandardPortNames());
-    for (const QSerialPortInfo &info : QSerialPortInfo::availablePorts()) {
-        const QString location = info.systemLocation();
-        if (m_port->findText(location) < 0 && link::SystemPortName(location) == location)
-            m_port->addItem(location);
-    }
+    QStringList system;
+    for (const QSerialPortInfo &info : QSerialPortInfo::availablePorts())
+        system << info.systemLocation();
+    m_port->addItems(link::PortChoices(system));
     if (withSimulator)
         m_port->addItem(link::kSimulatorPortName);
 }
@@ -83,7 +82,7 @@ QString SettingsFrame::port() const
     return m_port->currentText().trimmed();
 }
 
-void SettingsFrame::ShowIdentity(const link::TesterIdentity &id, const LanguageTable &texts)
+void SettingsFrame::ShowIdentity(const link::TesterIdentity &id, const link::LanguageTable &texts)
 {
     const QLocale locale; // the user's
     for (int part = 0; part < link::kVersionParts; ++part) {
@@ -104,14 +103,14 @@ void SettingsFrame::ShowIdentity(const link::TesterIdentity &id, const LanguageT
     ApplyTexts(texts);
 }
 
-void SettingsFrame::ApplyTexts(const LanguageTable &texts)
+void SettingsFrame::ApplyTexts(const link::LanguageTable &texts)
 {
-    setTitle(texts.text(TxtFrameSettings));
-    m_portLabel->setText(texts.text(TxtLabelPort));
-    m_activate->setText(texts.text(TxtButtonOk));
+    setTitle(texts.text(link::TxtFrameSettings));
+    m_portLabel->setText(texts.text(link::TxtLabelPort));
+    m_activate->setText(texts.text(link::TxtButtonOk));
     for (int i = 0; i < 6; ++i)
         m_captions[i]->setText(texts.text(kCaptionTexts[i]));
-    m_update->setText(texts.text(TxtUpdateDue));
+    m_update->setText(texts.text(link::TxtUpdateDue));
 }
 
 } // namespace kalvo::shell::ui

@@ -9,7 +9,7 @@ class QComboBox;
 class QLabel;
 class QPushButton;
 
-namespace kalvo::shell {
+namespace kalvo::link {
 class LanguageTable;
 }
 
@@ -26,11 +26,13 @@ public:
     QString port() const;
     QPushButton *activateButton() const { return m_activate; }
 
-    void ShowIdentity(const link::TesterIdentity &identity, const LanguageTable &texts);
-    void ApplyTexts(const LanguageTable &texts);
+    void ShowIdentity(const link::TesterIdentity &identity, const link::LanguageTable &texts);
+    void ApplyTexts(const link::LanguageTable &texts);
 
 signals:
     void activateRequested();
+    // The port chosen or typed, before it is confirmed.
+    void portChanged(const QString &port);
 
 private:
     QComboBox *m_port;

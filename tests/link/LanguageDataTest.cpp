@@ -1,5 +1,5 @@
 // The language file and the help pages that ship with the program, checked against the rows it uses.
-#include "shell/LanguageTable.h"
+#include "link/LanguageTable.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-using namespace kalvo::shell;
+using namespace kalvo::link;
 
 namespace {
 

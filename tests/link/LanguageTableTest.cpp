@@ -1,5 +1,5 @@
 // Reading "sprachen.TXT" into a grid and switching the language table between its columns.
-#include "shell/LanguageTable.h"
+#include "link/LanguageTable.h"
 
 #include "link/Errors.h"
 
@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-using namespace kalvo::shell;
+using namespace kalvo::link;
 
 namespace {
 

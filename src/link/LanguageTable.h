@@ -9,7 +9,7 @@
 #include <array>
 #include <optional>
 
-namespace kalvo::shell {
+namespace kalvo::link {
 
 inline const QString kLanguageFileName = QStringLiteral("sprachen.TXT");
 // Many times any real language file; a larger one is refused rather than read whole.
@@ -26,6 +26,7 @@ struct LanguageColumn {
     int column;        // its column in the grid
     QString helpFile;  // the help file of the language, in the program folder
     QString menuEntry; // the language menu entry that chooses it
+    QString code;      // its ISO 639-1 code ("de"), for Qt's own translations
 };
 // In the order the switch compares them: deutsch, englisch, französisch, italienisch,
 // tschechisch, nederlandske, spain.
@@ -61,4 +62,4 @@ private:
     bool m_fromFile = false;
 };
 
-} // namespace kalvo::shell
+} // namespace kalvo::link

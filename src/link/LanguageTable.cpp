@@ -7,7 +7,7 @@
 #include <QStringDecoder>
 #include <algorithm>
 
-namespace kalvo::shell {
+namespace kalvo::link {
 
 LanguageGrid ReadLanguageGrid(const QByteArray &bytes)
 {
@@ -52,13 +52,13 @@ QString DecodeLanguageCell(const QByteArray &cell)
 const std::array<LanguageColumn, 7> &LanguageColumns()
 {
     static const std::array<LanguageColumn, 7> kColumns = {{
-        {QStringLiteral("deutsch"), 1, QStringLiteral("Q417G.html"), QStringLiteral("deutsch")},
-        {QStringLiteral("englisch"), 2, QStringLiteral("Q417GB.html"), QStringLiteral("english")},
-        {QStringLiteral("französisch"), 3, QStringLiteral("Q417FR.html"), QStringLiteral("france")},
-        {QStringLiteral("italienisch"), 4, QStringLiteral("Q417IT.html"), QStringLiteral("italiano")},
-        {QStringLiteral("tschechisch"), 5, QStringLiteral("Q417TS.html"), QStringLiteral("tschech")},
-        {QStringLiteral("nederlandske"), 6, QStringLiteral("Q417NL.html"), QStringLiteral("nederlandske")},
-        {QStringLiteral("spain"), 7, QStringLiteral("Q417ES.html"), QStringLiteral("spain")},
+        {QStringLiteral("deutsch"), 1, QStringLiteral("Q417G.html"), QStringLiteral("deutsch"), QStringLiteral("de")},
+        {QStringLiteral("englisch"), 2, QStringLiteral("Q417GB.html"), QStringLiteral("english"), QStringLiteral("en")},
+        {QStringLiteral("französisch"), 3, QStringLiteral("Q417FR.html"), QStringLiteral("france"), QStringLiteral("fr")},
+        {QStringLiteral("italienisch"), 4, QStringLiteral("Q417IT.html"), QStringLiteral("italiano"), QStringLiteral("it")},
+        {QStringLiteral("tschechisch"), 5, QStringLiteral("Q417TS.html"), QStringLiteral("tschech"), QStringLiteral("cs")},
+        {QStringLiteral("nederlandske"), 6, QStringLiteral("Q417NL.html"), QStringLiteral("nederlandske"), QStringLiteral("nl")},
+        {QStringLiteral("spain"), 7, QStringLiteral("Q417ES.html"), QStringLiteral("spain"), QStringLiteral("es")},
     }};
     return kColumns;
 }
@@ -149,4 +149,4 @@ QString LanguageTable::text(int id) const
     return m_texts[static_cast<size_t>(id)];
 }
 
-} // namespace kalvo::shell
+} // namespace kalvo::link

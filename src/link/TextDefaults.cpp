@@ -1,7 +1,7 @@
 // The built-in German texts of the language table, used when "sprachen.TXT" cannot be read.
 #include "TextIds.h"
 
-namespace kalvo::shell {
+namespace kalvo::link {
 
 const std::array<TextDefault, 80> &TextDefaults()
 {
@@ -97,4 +97,4 @@ const std::array<TextDefault, 80> &TextDefaults()
     return kDefaults;
 }
 
-} // namespace kalvo::shell
+} // namespace kalvo::link

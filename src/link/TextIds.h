@@ -3,7 +3,7 @@
 
 #include <array>
 
-namespace kalvo::shell {
+namespace kalvo::link {
 
 // Row numbers of "sprachen.TXT"; row 0 names the columns.
 enum TextId : int {
@@ -102,4 +102,4 @@ struct TextDefault {
 // Every row the program uses, in row order.
 const std::array<TextDefault, 80> &TextDefaults();
 
-} // namespace kalvo::shell
+} // namespace kalvo::link

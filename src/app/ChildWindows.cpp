@@ -1,0 +1,128 @@
+// The windows the main window opens: service, records, modem and help, each once, built here
+// from the parts their subsystems bring.
+#include "ChildWindows.h"
+
+#include "config/ui/ServiceConfigPanel.h"
+#include "gui/DeviceThread.h"
+#include "gui/WindowPlacement.h"
+#include "link/LanguageTable.h"
+#include "modem/ui/ModemWindow.h"
+#include "records/ui/RecordReadAction.h"
+#include "records/ui/RecordWindow.h"
+#include "shell/ui/HelpWindow.h"
+#include "shell/ui/ServiceWindow.h"
+
+#include <QWidget>
+
+namespace kalvo::app {
+
+ChildWindows::ChildWindows(gui::DeviceThread &device, QWidget *main, const QString &programDir)
+    : QObject(main), m_device(device), m_main(main), m_programDir(programDir)
+{}
+
+ChildWindows::~ChildWindows()
+{
+    CloseAll();
+}
+
+void ChildWindows::Present(QWidget *window)
+{
+    if (!window->isVisible())
+        gui::FitOnScreen(window, m_main);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
+
+shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &texts,
+                                                    const QString &defaultBackupName)
+{
+    emit terminalOpened(); // loading the service form ends the development-terminal mode
+    if (!m_service) {
+        m_service = new shell::ui::ServiceWindow(m_device, texts);
+        m_service->setAttribute(Qt::WA_DeleteOnClose);
+        shell::ui::ServiceWindow *service = m_service;
+        m_servicePanel = new config::ui::ServiceConfigPanel(
+            m_device, [service](const QString &text, bool clearFirst) { service->ShowInTerminal(text, clearFirst); },
+            [service](const QString &command) { service->ShowCommand(command); });
+        m_service->AddConfigPanel(m_servicePanel, m_servicePanel->actions());
+        m_service->AddRecordReader(new records::ui::RecordReadAction(
+            m_device, m_service, [service](const QString &text) { service->ShowInTerminal(text, false); }));
+        m_servicePanel->ApplyTexts(texts);
+        m_service->ApplyTexts(texts);
+        connect(m_service, &shell::ui::ServiceWindow::terminalOpened, this, &ChildWindows::terminalOpened);
+        connect(m_servicePanel, &config::ui::ServiceConfigPanel::d3Reset, this, &ChildWindows::d3Reset);
+        SetBusy(m_device.busy());
+    }
+    if (!defaultBackupName.isEmpty())
+        m_servicePanel->setDefaultBackupName(defaultBackupName);
+    Present(m_service);
+    return m_service;
+}
+
+records::ui::RecordWindow *ChildWindows::OpenRecords(const QString &language)
+{
+    if (!m_records) {
+        m_records = new records::ui::RecordWindow(m_device, m_programDir);
+        m_records->setAttribute(Qt::WA_DeleteOnClose);
+        m_records->SetBusy(m_device.busy());
+    }
+    m_records->SetLanguage(language);
+    Present(m_records);
+    return m_records;
+}
+
+modem::ui::ModemWindow *ChildWindows::OpenModem(const link::LanguageTable &texts)
+{
+    if (!m_modem) {
+        m_modem = new modem::ui::ModemWindow(m_device, texts);
+        m_modem->setAttribute(Qt::WA_DeleteOnClose);
+        m_modem->SetBusy(m_device.busy());
+    }
+    Present(m_modem);
+    return m_modem;
+}
+
+void ChildWindows::ShowHelp(const QString &path, const QString &title)
+{
+    if (!m_help)
+        m_help = new shell::ui::HelpWindow(m_main);
+    m_help->ShowPage(path, title);
+}
+
+void ChildWindows::ApplyTexts(const link::LanguageTable &texts)
+{
+    if (m_service) {
+        m_service->ApplyTexts(texts);
+        m_servicePanel->ApplyTexts(texts);
+    }
+    if (m_records)
+        m_records->SetLanguage(texts.language());
+    if (m_modem)
+        m_modem->ApplyTexts(texts);
+    if (m_help)
+        m_help->setWindowTitle(texts.text(link::TxtHelpWindow));
+}
+
+void ChildWindows::SetBusy(bool busy)
+{
+    if (m_service) {
+        m_service->SetBusy(busy);
+        m_servicePanel->SetBusy(busy);
+    }
+    if (m_records)
+        m_records->SetBusy(busy);
+    if (m_modem)
+        m_modem->SetBusy(busy);
+}
+
+void ChildWindows::CloseAll()
+{
+    // Deleted at once, not later: they hold the device thread, which goes with the main window.
+    delete m_service;
+    delete m_records;
+    delete m_modem;
+    delete m_help;
+}
+
+} // namespace kalvo::app

@@ -1,0 +1,69 @@
+// The windows the main window opens: service, records, modem and help, each once, built here
+// from the parts their subsystems bring.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+class QWidget;
+
+namespace kalvo::link {
+class LanguageTable;
+}
+namespace kalvo::gui {
+class DeviceThread;
+}
+namespace kalvo::shell::ui {
+class HelpWindow;
+class ServiceWindow;
+} // namespace kalvo::shell::ui
+namespace kalvo::config::ui {
+class ServiceConfigPanel;
+}
+namespace kalvo::records::ui {
+class RecordWindow;
+}
+namespace kalvo::modem::ui {
+class ModemWindow;
+}
+
+namespace kalvo::app {
+
+class ChildWindows : public QObject {
+    Q_OBJECT
+public:
+    // `main` is the window they come from (placement, and the help window's parent).
+    ChildWindows(gui::DeviceThread &device, QWidget *main, const QString &programDir);
+    ~ChildWindows() override;
+
+    // Each opens its window, or raises it when it is open already.
+    shell::ui::ServiceWindow *OpenService(const link::LanguageTable &texts, const QString &defaultBackupName);
+    records::ui::RecordWindow *OpenRecords(const QString &language);
+    modem::ui::ModemWindow *OpenModem(const link::LanguageTable &texts);
+    void ShowHelp(const QString &path, const QString &title);
+
+    void ApplyTexts(const link::LanguageTable &texts);
+    void SetBusy(bool busy);
+    // Closes every window (the program ends).
+    void CloseAll();
+
+signals:
+    // The service window's terminal entry, or its opening, ends the development-terminal mode.
+    void terminalOpened();
+    // Register D3 was reset from the service window.
+    void d3Reset();
+
+private:
+    void Present(QWidget *window);
+
+    gui::DeviceThread &m_device;
+    QWidget *m_main;
+    QString m_programDir;
+    QPointer<shell::ui::ServiceWindow> m_service;
+    QPointer<config::ui::ServiceConfigPanel> m_servicePanel;
+    QPointer<records::ui::RecordWindow> m_records;
+    QPointer<modem::ui::ModemWindow> m_modem;
+    QPointer<shell::ui::HelpWindow> m_help;
+};
+
+} // namespace kalvo::app

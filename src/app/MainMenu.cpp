@@ -1,0 +1,93 @@
+// The menu bar of the main window: its entries, their object names and their captions.
+#include "MainMenu.h"
+
+#include "link/LanguageTable.h"
+#include "shell/ui/LanguageMenu.h"
+
+#include <QAction>
+#include <QMenuBar>
+
+namespace kalvo::app {
+
+MainMenu::MainMenu(QMenuBar *bar) : QObject(bar)
+{
+    const auto entry = [bar](QMenu *menu, const char *objectName) {
+        QAction *a = menu ? menu->addAction(QString()) : bar->addAction(QString());
+        a->setObjectName(QString::fromLatin1(objectName));
+        return a;
+    };
+    const auto menu = [bar](const char *objectName) {
+        QMenu *m = bar->addMenu(QString());
+        m->setObjectName(QString::fromLatin1(objectName));
+        return m;
+    };
+    settings = menu("einstellungen");
+    connection = entry(settings, "verbindung");
+    config = entry(settings, "config");
+    clock = entry(settings, "UhrStellen");
+    name = entry(settings, "Taufe");
+    settings->addSeparator();
+    mitBez = entry(settings, "mitBez");
+    mitBez->setCheckable(true);
+    quillbank = entry(settings, "Quillbank");
+    quillbank->setCheckable(true);
+    quillbank->setEnabled(false);
+    setKal = entry(settings, "setKal");
+    setKal->setVisible(false);
+    modem = entry(settings, "modem");
+
+    limits = menu("grenzwerte");
+    kuschl = entry(limits, "kuschl");
+    ubez = entry(limits, "Ubez");
+    pzhv = entry(limits, "PZHV");
+    records = entry(nullptr, "protokolle");
+    service = entry(nullptr, "service");
+
+    languages = new shell::ui::LanguageMenu(bar);
+    bar->addMenu(languages);
+    help = menu("hilfeMenu");
+    helpContents = entry(help, "Inhalt");
+    helpContents->setShortcut(QKeySequence::HelpContents);
+    info = entry(help, "info");
+    development = entry(nullptr, "Entw");
+    development->setCheckable(true);
+    development->setVisible(false);
+    exit = entry(nullptr, "Beenden");
+    exit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+}
+
+QList<QAction *> MainMenu::deviceEntries() const
+{
+    return {config, clock, name, mitBez, setKal, kuschl, ubez, pzhv};
+}
+
+void MainMenu::ApplyTexts(const link::LanguageTable &texts)
+{
+    const std::pair<QAction *, link::TextId> captions[] = {
+        {connection, link::TxtMenuConnection},
+        {config, link::TxtMenuConfig},
+        {clock, link::TxtMenuClock},
+        {name, link::TxtMenuName},
+        {service, link::TxtMenuService},
+        {records, link::TxtMenuRecords},
+        {mitBez, link::TxtMenuWithDesignation},
+        {quillbank, link::TxtMenuQuillbank},
+        {setKal, link::TxtMenuRestoreCalibration},
+        {modem, link::TxtMenuModem},
+        {kuschl, link::TxtMenuLimitShortCircuit},
+        {ubez, link::TxtMenuLimitReferenceVoltage},
+        {pzhv, link::TxtMenuLimitHighVoltageTime},
+        {helpContents, link::TxtMenuHelpContents},
+        {info, link::TxtMenuInfo},
+        {exit, link::TxtMenuExit},
+        {development, link::TxtMenuDevelopment}};
+    for (const auto &[action, id] : captions)
+        action->setText(texts.text(id));
+    settings->setTitle(texts.text(link::TxtMenuSettings));
+    limits->setTitle(texts.text(link::TxtMenuLimits));
+    languages->setTitle(texts.text(link::TxtMenuLanguage));
+    help->setTitle(texts.text(link::TxtMenuHelp));
+    languages->ShowChosen(texts.language());
+}
+
+} // namespace kalvo::app

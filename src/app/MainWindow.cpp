@@ -1,0 +1,366 @@
+// The main window IEC601: menus, one frame at a time, the tester display, the status bar; it
+// builds and connects the windows of every subsystem.
+#include "MainWindow.h"
+
+#include "ChildWindows.h"
+#include "MainMenu.h"
+#include "config/Calibration.h"
+#include "config/Variables.h"
+#include "config/ui/LimitFrame.h"
+#include "gui/FrameStack.h"
+#include "gui/GuiPrompter.h"
+#include "gui/Phrases.h"
+#include "gui/QtTranslations.h"
+#include "gui/StatusLine.h"
+#include "link/PortNames.h"
+#include "link/Registers.h"
+#include "link/ServiceSession.h"
+#include "shell/ClockAndName.h"
+#include "shell/PortMemory.h"
+#include "shell/ui/ConfigFrame.h"
+#include "shell/ui/LanguageMenu.h"
+#include "shell/ui/RemoteDisplay.h"
+#include "shell/ui/ServiceWindow.h"
+#include "shell/ui/SettingsFrame.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDir>
+#include <QDockWidget>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
+namespace kalvo::app {
+
+namespace {
+const QString kTitle = QStringLiteral("kalvo");
+constexpr int kExitNoAnswer = 3;
+// The tester display never takes more than this of the window's height; it scrolls instead.
+constexpr int kDisplayHeight = 150;
+
+QString Caption(const QAction *entry)
+{
+    return entry->text().remove(QLatin1Char('&'));
+}
+} // namespace
+
+MainWindow::MainWindow(const Startup &startup, QWidget *parent)
+    : QMainWindow(parent), m_startup(startup),
+      m_openConfigWhenConnected(startup.switches.openConfiguration)
+{
+    setObjectName(QStringLiteral("IEC601"));
+    setWindowTitle(kTitle);
+    m_device = std::make_unique<gui::DeviceThread>(m_startup.transportFactory, this);
+    m_device->Configure([seconds = m_startup.switches.timeoutSeconds](link::Link &link) {
+        link.setTimeout(link::FromSeconds(seconds));
+    });
+    m_windows = new ChildWindows(*m_device, this, m_startup.programDir);
+    m_status = new gui::StatusLine(*m_device, this);
+    setStatusBar(m_status);
+    BuildFrames();
+    m_menu = new MainMenu(menuBar());
+    ConnectMenus();
+
+    // Start-up: ports, settings file, language, switches; the port stays closed until OK.
+    m_settings->FillPorts(true);
+    m_settings->SelectPort(m_startup.switches.simulate ? link::kSimulatorPortName
+                                                       : shell::StartPort(m_startup.settings));
+    m_status->ShowPort(m_settings->port());
+    SetLanguage(m_startup.settings.language.value_or(QStringLiteral("deutsch")));
+    m_deviceWidgets = {m_settings->activateButton(), m_config->storeButton()};
+    m_menu->setKal->setVisible(m_startup.switches.service || m_startup.switches.development);
+    if (m_startup.switches.development) {
+        m_menu->development->setVisible(true);
+        const QString trace = QDir::current().filePath(QStringLiteral("test.log"));
+        m_device->Configure([trace](link::Link &link) { link.StartTrace(trace); });
+    }
+    if (const QStringList warnings = m_startup.settings.warnings + m_startup.switches.warnings;
+        !warnings.isEmpty())
+        QTimer::singleShot(0, this,
+                           [this, warnings] { QMessageBox::warning(this, kTitle, warnings.join('\n')); });
+
+    connect(m_device.get(), &gui::DeviceThread::busyChanged, this, &MainWindow::SetBusy);
+    connect(m_device.get(), &gui::DeviceThread::fatal, this, [] { QCoreApplication::exit(kExitNoAnswer); });
+    connect(m_device.get(), &gui::DeviceThread::portOpenChanged, this, &MainWindow::PortOpenChanged);
+    connect(m_device.get(), &gui::DeviceThread::displayBytes, this, [this](const QByteArray &bytes) {
+        m_display->Show(bytes);
+        m_displayDock->show();
+    });
+    connect(m_windows, &ChildWindows::terminalOpened, this, [this] {
+        m_developmentTerminal = false;
+        m_menu->development->setChecked(false);
+    });
+    connect(m_windows, &ChildWindows::d3Reset, this, [this] { m_menu->mitBez->setChecked(false); });
+    resize(720, 520);
+}
+
+MainWindow::~MainWindow()
+{
+    m_windows->CloseAll();
+    m_device.reset();
+}
+
+void MainWindow::BuildFrames()
+{
+    m_frames = new gui::FrameStack(this);
+    m_settings = new shell::ui::SettingsFrame;
+    m_config = new shell::ui::ConfigFrame;
+    m_limits = new config::ui::LimitFrame(*m_device);
+    for (QWidget *frame : {static_cast<QWidget *>(m_settings), static_cast<QWidget *>(m_config),
+                           static_cast<QWidget *>(m_limits)})
+        m_frames->AddFrame(frame);
+    m_frames->ShowFrame(m_settings);
+    setCentralWidget(m_frames);
+
+    m_display = new shell::ui::RemoteDisplay;
+    m_displayDock = new QDockWidget(this);
+    m_displayDock->setObjectName(QStringLiteral("displayDock"));
+    m_displayDock->setWidget(m_display);
+    m_displayDock->setMaximumHeight(kDisplayHeight);
+    m_displayDock->setFeatures(QDockWidget::DockWidgetClosable);
+    addDockWidget(Qt::BottomDockWidgetArea, m_displayDock);
+    m_displayDock->hide(); // until the tester sends its display
+
+    connect(m_settings, &shell::ui::SettingsFrame::activateRequested, this, &MainWindow::Connect);
+    connect(m_settings, &shell::ui::SettingsFrame::portChanged, m_status, &gui::StatusLine::ShowPort);
+    connect(m_config, &shell::ui::ConfigFrame::storeRequested, this, &MainWindow::StoreConfig);
+    connect(m_limits, &config::ui::LimitFrame::loaded, this, [this] { m_frames->ShowFrame(m_limits); });
+}
+
+void MainWindow::ConnectMenus()
+{
+    const auto on = [this](QAction *entry, auto slot) { connect(entry, &QAction::triggered, this, slot); };
+    on(m_menu->connection, [this] { m_frames->ShowFrame(m_settings); });
+    on(m_menu->config, &MainWindow::OpenConfig);
+    on(m_menu->clock, &MainWindow::SetClock);
+    on(m_menu->name, &MainWindow::NameTester);
+    on(m_menu->mitBez, [this] { ToggleSwitch(true); });
+    on(m_menu->quillbank, [this] { ToggleSwitch(false); });
+    on(m_menu->setKal, &MainWindow::RestoreCalibrationFromFile);
+    on(m_menu->modem, [this] { m_windows->OpenModem(m_texts); });
+    const std::pair<QAction *, config::LimitKind> limits[] = {{m_menu->kuschl, config::LimitKind::Kuschl},
+                                                               {m_menu->ubez, config::LimitKind::Ubez},
+                                                               {m_menu->pzhv, config::LimitKind::Pzhv}};
+    for (const auto &[entry, kind] : limits)
+        on(entry, [this, entry = entry, kind = kind] { m_limits->Edit(kind, Caption(entry)); });
+    on(m_menu->records, [this] { m_windows->OpenRecords(m_texts.language()); });
+    on(m_menu->service, [this] {
+        const QByteArray &designation = m_identity.shortDesignation;
+        m_windows->OpenService(m_texts, designation.isEmpty() ? QString() : config::DefaultBackupName(designation));
+    });
+    connect(m_menu->languages, &shell::ui::LanguageMenu::chosen, this, &MainWindow::SetLanguage);
+    on(m_menu->helpContents, [this] {
+        m_windows->ShowHelp(QDir(m_startup.programDir).filePath(m_texts.helpFile()),
+                            m_texts.text(link::TxtHelpWindow));
+    });
+    on(m_menu->info, &MainWindow::ShowInfo);
+    on(m_menu->development, [this] { m_developmentTerminal = m_menu->development->isChecked(); });
+    on(m_menu->exit, [this] { close(); });
+}
+
+void MainWindow::SetLanguage(const QString &name)
+{
+    QString error;
+    m_texts.SetLanguageFromFile(name, QDir(m_startup.programDir).filePath(link::kLanguageFileName), &error);
+    // The same fault again at every switch would only nag; a new one is told.
+    if (!error.isEmpty() && error != m_languageFileError) {
+        m_languageFileError = error;
+        QMessageBox::warning(this, kTitle,
+                             error + (m_texts.fromFile()
+                                          ? QStringLiteral("\nDie bisherigen Texte bleiben.")
+                                          : QStringLiteral("\nDie eingebauten deutschen Texte bleiben.")));
+    }
+    gui::UseQtTranslations(m_texts.language());
+    ApplyTexts();
+}
+
+void MainWindow::ApplyTexts()
+{
+    m_menu->ApplyTexts(m_texts);
+    m_settings->ApplyTexts(m_texts);
+    m_config->ApplyTexts(m_texts);
+    m_limits->ApplyTexts(m_texts);
+    m_frames->SetCloseText(m_texts.text(link::TxtButtonClose));
+    m_display->setTitle(m_texts.text(link::TxtLabelDisplay));
+    m_displayDock->setWindowTitle(gui::PhraseText(gui::Phrase::TesterDisplay, m_texts.language()));
+    m_status->SetLanguage(m_texts.language());
+    m_windows->ApplyTexts(m_texts);
+    m_device->Configure([portNotOpen = m_texts.text(link::TxtPortNotOpen),
+                         protocol = m_texts.text(link::TxtProtocolError)](link::Link &link) {
+        link.setPortNotOpenText(portNotOpen);
+        link.setProtocolErrorText(protocol);
+    });
+}
+
+void MainWindow::SetBusy(bool busy)
+{
+    for (QAction *a : m_menu->deviceEntries())
+        a->setEnabled(!busy);
+    for (QWidget *w : std::as_const(m_deviceWidgets))
+        w->setEnabled(!busy);
+    m_windows->SetBusy(busy);
+    m_limits->SetBusy(busy);
+    // The accessory switch is offered only when the tester reported the accessory.
+    m_menu->quillbank->setEnabled(!busy && m_connection.quillbankPresent);
+    if (busy)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QApplication::restoreOverrideCursor();
+}
+
+void MainWindow::PortOpenChanged(bool open)
+{
+    // A port that closes while connected, without a new connect, is a lost line.
+    if (!open && m_connected) {
+        m_connected = false;
+        m_status->ShowConnection(gui::StatusLine::Connection::LineLost);
+    }
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    m_windows->CloseAll();
+    event->accept();
+    QCoreApplication::quit();
+}
+
+void MainWindow::OnWindow(std::function<void()> call)
+{
+    QMetaObject::invokeMethod(this, std::move(call));
+}
+
+void MainWindow::PostChecked(QAction *entry, gui::DeviceThread::Job job)
+{
+    m_device->Post(this, Caption(entry), [job = std::move(job)](link::Link &link, link::Prompter &prompter) {
+        if (!link.PortClosed())
+            job(link, prompter);
+    });
+}
+
+void MainWindow::Connect()
+{
+    const QString port = m_settings->port();
+    shell::RememberPort(port);
+    m_status->ShowPort(port);
+    m_status->ShowConnection(gui::StatusLine::Connection::Connecting);
+    m_connected = false;
+    const bool developmentTerminal = m_developmentTerminal;
+    const link::IdentifyOptions options{m_startup.programDir, link::SystemDateOrder()};
+    m_device->Post(this, Caption(m_menu->connection), [this, port, developmentTerminal, options](link::Link &link, link::Prompter &) {
+        const link::ConnectionState state = link::ConnectTester(link, port, developmentTerminal);
+        const link::TesterIdentity identity = link::IdentifyTester(link, options);
+        OnWindow([this, state, identity, open = link.IsOpen()] { ShowIdentity(state, identity, open); });
+    });
+}
+
+void MainWindow::ShowIdentity(const link::ConnectionState &state, const link::TesterIdentity &identity, bool open)
+{
+    if (state.flagsRead) {
+        m_connection = state;
+        m_menu->quillbank->setEnabled(state.quillbankPresent);
+        m_menu->mitBez->setChecked(state.d3Option);
+    }
+    m_identity = identity;
+    // The tester's display language becomes the program's language.
+    SetLanguage(identity.language.name);
+    m_settings->ShowIdentity(identity, m_texts);
+    const QString name = QString::fromLatin1(identity.shortDesignation).trimmed();
+    setWindowTitle(name.isEmpty() ? kTitle : QStringLiteral("%1 - %2").arg(kTitle, name));
+    m_connected = open;
+    if (open)
+        m_status->ShowConnection(gui::StatusLine::Connection::Connected, name,
+                                 QString::fromLatin1(identity.VersionText()).trimmed());
+    else
+        m_status->ShowConnection(gui::StatusLine::Connection::NotConnected);
+    emit identified();
+    if (open && std::exchange(m_openConfigWhenConnected, false))
+        OpenConfig();
+}
+
+void MainWindow::OpenConfig()
+{
+    PostChecked(m_menu->config, [this](link::Link &link, link::Prompter &) {
+        link::RegisterTable table;
+        link::ReadRegisters(link, table);
+        OnWindow([this, table] {
+            m_config->ShowRegisters(table);
+            m_frames->ShowFrame(m_config);
+        });
+    });
+}
+
+void MainWindow::StoreConfig()
+{
+    PostChecked(m_menu->config, [this, done = gui::PhraseText(gui::Phrase::ConfigurationStored, m_texts.language())](
+                                    link::Link &link, link::Prompter &prompter) {
+        if (link::StoreChanges(link, prompter, link::StoreCommand::Configuration))
+            m_device->Tell(done);
+    });
+}
+
+void MainWindow::SetClock()
+{
+    PostChecked(m_menu->clock, [this, done = gui::PhraseText(gui::Phrase::ClockSet, m_texts.language())](
+                                   link::Link &link, link::Prompter &prompter) {
+        if (shell::SetTesterClock(link, prompter, QDateTime::currentDateTime()).sent)
+            m_device->Tell(done);
+    });
+}
+
+void MainWindow::NameTester()
+{
+    m_frames->ShowFrame(m_settings);
+    const link::IdentifyOptions options{m_startup.programDir, link::SystemDateOrder()};
+    // The device thread gets its own copy of the texts: the window may switch language meanwhile.
+    auto texts = std::make_shared<const link::LanguageTable>(m_texts);
+    PostChecked(m_menu->name, [this, options, texts, done = gui::PhraseText(gui::Phrase::NameStored, m_texts.language())](
+                                  link::Link &link, link::Prompter &prompter) {
+        const auto show = [this](const link::TesterIdentity &identity) {
+            OnWindow([this, identity, open = true] { ShowIdentity(m_connection, identity, open); });
+        };
+        const shell::Naming naming = shell::NameTester(link, prompter, *texts, options, std::nullopt, show);
+        if (naming.result != shell::NamingResult::Sent)
+            return;
+        // What the tester calls itself now, not what it called itself before.
+        show(link::IdentifyTester(link, options));
+        m_device->Tell(done);
+    });
+}
+
+void MainWindow::ToggleSwitch(bool d3)
+{
+    QAction *entry = d3 ? m_menu->mitBez : m_menu->quillbank;
+    // The check mark has already flipped; the switch works from what it showed before.
+    const bool wasChecked = !entry->isChecked();
+    const auto which = d3 ? config::RegisterSwitch::MitBez : config::RegisterSwitch::Accessory;
+    PostChecked(entry, [this, entry, which, wasChecked](link::Link &link, link::Prompter &) {
+        const bool now = config::ToggleRegisterSwitch(link, which, wasChecked);
+        OnWindow([entry, now] { entry->setChecked(now); });
+    });
+}
+
+void MainWindow::RestoreCalibrationFromFile()
+{
+    PostChecked(m_menu->setKal, [](link::Link &link, link::Prompter &prompter) {
+        const QString path = prompter.askOpenFile(config::kCalibrationFilter);
+        if (!path.isEmpty())
+            config::RestoreCalibration(link, prompter, path, config::RestoreSource::MainForm);
+    });
+}
+
+QString MainWindow::InformationText()
+{
+    return QStringLiteral("Version 7.23-10.9.2009\n\n"
+                          "Service- und Konfigurationsprogramm für Kalvomer-Prüfgeräte\n"
+                          "Fragen zum Prüfgerät beantwortet Ihr Kalvomer-Servicepartner.");
+}
+
+void MainWindow::ShowInfo()
+{
+    QMessageBox::about(this, Caption(m_menu->info), InformationText());
+}
+
+} // namespace kalvo::app

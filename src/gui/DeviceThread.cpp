@@ -1,0 +1,68 @@
+// The device thread: owns the link, runs one operation at a time, reads the remote display when idle.
+#include "DeviceThread.h"
+
+#include "DeviceWorker.h"
+
+namespace kalvo::gui {
+
+DeviceThread::DeviceThread(TransportFactory factory, QWidget *fallbackOwner)
+    : QObject(nullptr), m_worker(new DeviceWorker(std::move(factory), fallbackOwner))
+{
+    m_thread.setObjectName(QStringLiteral("device"));
+    m_worker->moveToThread(&m_thread);
+    connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
+    connect(m_worker, &DeviceWorker::jobStarted, this, &DeviceThread::Started);
+    connect(m_worker, &DeviceWorker::jobDone, this, &DeviceThread::Finished);
+    connect(m_worker, &DeviceWorker::progressed, this, &DeviceThread::progressed);
+    connect(m_worker, &DeviceWorker::fatal, this, &DeviceThread::fatal);
+    connect(m_worker, &DeviceWorker::failed, this, &DeviceThread::failed);
+    connect(m_worker, &DeviceWorker::portOpenChanged, this, &DeviceThread::portOpenChanged);
+    connect(m_worker, &DeviceWorker::displayBytes, this, &DeviceThread::displayBytes);
+    m_thread.start();
+    QMetaObject::invokeMethod(m_worker, [w = m_worker] { w->Start(); });
+}
+
+DeviceThread::~DeviceThread()
+{
+    // Closing the program ends at once, even while an operation waits for the tester.
+    m_worker->Abandon();
+    QMetaObject::invokeMethod(
+        m_worker, [w = m_worker] { w->Stop(); }, Qt::BlockingQueuedConnection);
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void DeviceThread::Post(QWidget *owner, const QString &title, Job job)
+{
+    if (++m_pending == 1)
+        emit busyChanged(true);
+    QMetaObject::invokeMethod(m_worker, [w = m_worker, owner = QPointer<QWidget>(owner), title,
+                                         job = std::move(job)] { w->RunTask(owner, title, job); });
+}
+
+void DeviceThread::Configure(LinkJob job)
+{
+    QMetaObject::invokeMethod(m_worker, [w = m_worker, job = std::move(job)] { w->RunQuietly(job); });
+}
+
+void DeviceThread::RunAndWait(const LinkJob &job)
+{
+    QMetaObject::invokeMethod(
+        m_worker, [w = m_worker, &job] { w->RunQuietly(job); }, Qt::BlockingQueuedConnection);
+}
+
+void DeviceThread::Started(const QString &title)
+{
+    m_running = title;
+    emit started(title);
+}
+
+void DeviceThread::Finished(const QString &title)
+{
+    m_running.clear();
+    emit finished(title);
+    if (--m_pending == 0)
+        emit busyChanged(false);
+}
+
+} // namespace kalvo::gui

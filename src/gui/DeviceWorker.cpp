@@ -1,0 +1,113 @@
+// The object on the device thread that owns transport and link and runs the queued jobs.
+#include "DeviceWorker.h"
+
+#include "link/Errors.h"
+
+#include <QTimer>
+
+namespace kalvo::gui {
+
+namespace {
+// How often an idle line is looked at for remote-display bytes.
+constexpr int kDisplayPollMs = 50;
+} // namespace
+
+DeviceWorker::DeviceWorker(DeviceThread::TransportFactory factory, QWidget *fallbackOwner)
+    : m_factory(std::move(factory)), m_fallback(fallbackOwner, QString()), m_routing(m_fallback)
+{}
+
+DeviceWorker::~DeviceWorker() = default;
+
+void DeviceWorker::Start()
+{
+    m_transport = m_factory();
+    m_link = std::make_unique<link::Link>(*m_transport, m_routing);
+    m_linkForAbandon = m_link.get();
+    m_poll = new QTimer(this);
+    m_poll->setInterval(kDisplayPollMs);
+    connect(m_poll, &QTimer::timeout, this, &DeviceWorker::PollDisplay);
+    m_poll->start();
+}
+
+void DeviceWorker::RunTask(const QPointer<QWidget> &owner, const QString &title,
+                           const DeviceThread::Job &job)
+{
+    emit jobStarted(title);
+    GuiPrompter prompter(owner, title, [this](int percent) { emit progressed(percent); });
+    m_routing.route(&prompter);
+    if (m_link) {
+        try {
+            job(*m_link, prompter);
+        } catch (const link::Timeout &e) {
+            m_link->ClosePort();
+            prompter.message(e.message(), link::Prompter::Icon::Critical);
+            emit fatal(e.message());
+        } catch (const link::KalvoError &e) {
+            prompter.message(e.message(), link::Prompter::Icon::Critical);
+            emit failed(title, e.message());
+        } catch (const std::exception &e) {
+            // An unexpected failure ends the operation, not the program.
+            const QString message = QString::fromLocal8Bit(e.what());
+            prompter.message(message, link::Prompter::Icon::Critical);
+            emit failed(title, message);
+        }
+    }
+    m_routing.route(nullptr);
+    NotePortState();
+    emit jobDone(title);
+}
+
+void DeviceWorker::RunQuietly(const DeviceThread::LinkJob &job)
+{
+    if (!m_link)
+        return;
+    try {
+        job(*m_link);
+    } catch (const std::exception &) {
+        // Settings of the link do not talk to the tester; nothing here has anything to report.
+    }
+}
+
+void DeviceWorker::NotePortState()
+{
+    const bool open = m_link && m_link->IsOpen();
+    if (open != m_portOpen) {
+        m_portOpen = open;
+        emit portOpenChanged(open);
+    }
+}
+
+void DeviceWorker::PollDisplay()
+{
+    if (!m_link || !m_link->IsOpen()) {
+        NotePortState();
+        return;
+    }
+    try {
+        const QByteArray bytes = m_link->ReadUnprompted(std::chrono::milliseconds(0));
+        if (!bytes.isEmpty())
+            emit displayBytes(bytes);
+    } catch (const link::KalvoError &e) {
+        m_fallback.message(e.message(), link::Prompter::Icon::Critical);
+    }
+    NotePortState();
+}
+
+void DeviceWorker::Abandon()
+{
+    if (link::Link *link = m_linkForAbandon.load())
+        link->Abandon();
+}
+
+void DeviceWorker::Stop()
+{
+    if (m_poll)
+        m_poll->stop();
+    if (m_link)
+        m_link->ClosePort();
+    m_linkForAbandon = nullptr;
+    m_link.reset();
+    m_transport.reset();
+}
+
+} // namespace kalvo::gui

@@ -1,0 +1,33 @@
+// The central area of a main window: one frame at a time, each with a button that leaves it.
+#pragma once
+
+#include <QStackedWidget>
+
+class QPushButton;
+
+namespace kalvo::gui {
+
+class FrameStack : public QStackedWidget {
+    Q_OBJECT
+public:
+    explicit FrameStack(QWidget *parent = nullptr);
+
+    // Adds `frame` (hidden until shown) under a bar with the button that leaves it.
+    void AddFrame(QWidget *frame);
+    // Shows `frame` in place of the one before.
+    void ShowFrame(QWidget *frame);
+    // Leaves the frame shown: the area stays empty.
+    void CloseFrame();
+    // The frame shown, nullptr when none is.
+    QWidget *shownFrame() const;
+    void SetCloseText(const QString &text);
+
+signals:
+    void frameClosed(QWidget *frame);
+
+private:
+    QWidget *m_empty;
+    QList<QPushButton *> m_closeButtons;
+};
+
+} // namespace kalvo::gui

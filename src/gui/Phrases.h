@@ -1,0 +1,34 @@
+// The windows' own short texts (status bar, questions) in the seven languages of the program.
+#pragma once
+
+#include <QString>
+
+namespace kalvo::gui {
+
+enum class Phrase {
+    NotConnected,
+    Connecting,
+    Connected,      // %1 name, %2 firmware
+    LineLost,
+    Running,        // %1 the operation
+    Done,           // %1 the operation
+    Failed,         // %1 the operation
+    LimitStored,
+    ConfigurationStored,
+    ClockSet,
+    NameStored,
+    ModemStored,
+    FileSaved,      // %1 the file
+    RecordsRead,    // %1 how many
+    CalibrationBackedUp,
+    CalibrationRestored,
+    ReplaceFile,    // %1 the file
+    Back,
+    TesterDisplay,
+};
+
+// `phrase` in `language` (the language table's names: "deutsch", "englisch", ...); German for
+// a name it does not know.
+QString PhraseText(Phrase phrase, const QString &language);
+
+} // namespace kalvo::gui
