@@ -28,6 +28,7 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QDockWidget>
+#include <QFileInfo>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
@@ -164,10 +165,15 @@ void MainWindow::ConnectMenus()
 void MainWindow::SetLanguage(const QString &name)
 {
     QString error;
-    m_texts.SetLanguageFromFile(name, QDir(m_startup.programDir).filePath(link::kLanguageFileName), &error);
-    // The same fault again at every switch would only nag; a new one is told.
-    if (!error.isEmpty() && error != m_languageFileError) {
-        m_languageFileError = error;
+    const QString path = QDir(m_startup.programDir).filePath(link::kLanguageFileName);
+    m_texts.SetLanguageFromFile(name, path, &error);
+    // The same fault again at every switch would only nag: a fault is told again only once the
+    // file has changed (the system's part of the message changes with Qt's language).
+    const QFileInfo file(path);
+    const QString state = file.exists() ? QStringLiteral("%1 %2").arg(file.size()).arg(file.lastModified().toString(Qt::ISODateWithMs))
+                                        : QStringLiteral("missing");
+    if (!error.isEmpty() && state != m_languageFileError) {
+        m_languageFileError = state;
         QMessageBox::warning(this, kTitle,
                              error + (m_texts.fromFile()
                                           ? QStringLiteral("\nDie bisherigen Texte bleiben.")
@@ -325,7 +331,7 @@ void MainWindow::NameTester()
         if (naming.result != shell::NamingResult::Sent)
             return;
         // What the tester calls itself now, not what it called itself before.
-        show(link::IdentifyTester(link, options));
+        show(naming.identity);
         m_device->Tell(done);
     });
 }

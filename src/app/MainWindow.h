@@ -85,7 +85,7 @@ private:
 
     Startup m_startup;
     link::LanguageTable m_texts;
-    QString m_languageFileError; // the last one shown
+    QString m_languageFileError; // the state of the language file when its fault was last told
     std::unique_ptr<gui::DeviceThread> m_device;
     link::TesterIdentity m_identity;
     link::ConnectionState m_connection;

@@ -105,10 +105,17 @@ TEST_F(MainWindowFlowsTest, SwitchesOpenConfigurationAtStartAndShowDevelopmentEn
     EXPECT_FALSE(plain.findChild<QAction *>(QStringLiteral("Entw"))->isVisible());
     m_window.reset();
 
-    // "/K" reads the configuration at once: with the port still closed the user is told so.
+    // "/K" opens the configuration frame as soon as the tester is connected, and only then.
     auto &window = Open({QStringLiteral("--simulate"), QStringLiteral("/K"), QStringLiteral("/Entwicklung")});
-    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
-    EXPECT_EQ(m_dialogs.messages.first(), window.texts().text(link::TxtPortNotOpen));
+    auto *frame = window.findChild<QWidget *>(QStringLiteral("configFrame"));
+    EXPECT_FALSE(frame->isVisible());
+    ASSERT_TRUE(ConnectToSimulator());
+    ASSERT_TRUE(WaitUntil([&] { return frame->isVisible(); }));
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
+    // Once: the next connect leaves the frame shown as the user chose.
+    window.findChild<QAction *>(QStringLiteral("verbindung"))->trigger();
+    ASSERT_TRUE(ConnectToSimulator());
+    EXPECT_FALSE(frame->isVisible());
     EXPECT_TRUE(window.findChild<QAction *>(QStringLiteral("Entw"))->isVisible());
     EXPECT_TRUE(QFile::exists(m_dir.filePath(QStringLiteral("test.log"))));
 }

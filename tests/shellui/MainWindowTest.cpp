@@ -163,7 +163,7 @@ TEST_F(MainWindowTest, AMissingLanguageFileKeepsTheGermanTextsAndSaysSoOnce)
     auto &window = Open();
     window.findChild<QAction *>(QStringLiteral("english"))->trigger();
     window.findChild<QAction *>(QStringLiteral("france"))->trigger();
-    ASSERT_EQ(m_dialogs.messages.size(), 1);
+    ASSERT_EQ(m_dialogs.messages.size(), 1) << m_dialogs.messages.join('|').toStdString();
     EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("sprachen.TXT")));
     EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
               QStringLiteral("Einstellungen"));

@@ -198,6 +198,15 @@ void RecordWindow::ClearList(Source source)
     m_source = source;
 }
 
+void RecordWindow::Unlist()
+{
+    OnWindow([this] {
+        ClearList(Source::None);
+        EnableOutput(false);
+        emit shown();
+    });
+}
+
 void RecordWindow::AddRecord(const QByteArray &record)
 {
     m_records << record;
@@ -239,7 +248,7 @@ void RecordWindow::ShowStoreListing()
                 });
             });
         if (result.status != RetrievalStatus::Done)
-            return;
+            return Unlist();
         OnWindow([this, entries = result.listing.records, numbers = result.listing.numbers] {
             const QSignalBlocker blocker(m_list);
             m_list->clear();
@@ -263,7 +272,7 @@ void RecordWindow::StoreAllRecordsToFile()
             OnWindow([this, record] { AddRecord(record); });
         });
         if (result.status != RetrievalStatus::Done)
-            return;
+            return Unlist();
         m_device.Tell(QString(read).arg(result.records.size()));
         OnWindow([this, records = result.records] { ShowRecords(records, Source::Records); });
     });
@@ -279,7 +288,7 @@ void RecordWindow::ReadAccessory()
                 OnWindow([this, record] { AddRecord(record); });
             });
         if (result.status != RetrievalStatus::Done)
-            return;
+            return Unlist();
         OnWindow([this, records = result.records] { ShowRecords(records, Source::Records); });
         // As after every accessory read, the records go to a file of the user's choice.
         StoreAccessoryRecords(link, prompter, logTmp, result.records, QString());

@@ -49,6 +49,8 @@ private:
     // A record arrived while a read runs: listed at once.
     void AddRecord(const QByteArray &record);
     void ClearList(Source source);
+    // From the device thread: a read that did not end well lists nothing of what it showed.
+    void Unlist();
     void OnWindow(std::function<void()> call);
     void ShowReport(const QString &text);
     // A print text the tester rendered; warns once shown when the font cannot draw its frames.
