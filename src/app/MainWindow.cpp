@@ -229,6 +229,7 @@ void MainWindow::PortOpenChanged(bool open)
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     m_windows->CloseAll();
+    m_device->Stop();
     event->accept();
     QCoreApplication::quit();
 }

@@ -16,7 +16,10 @@ DeviceThread::DeviceThread(TransportFactory factory, QWidget *fallbackOwner)
     connect(m_worker, &DeviceWorker::progressed, this, &DeviceThread::progressed);
     connect(m_worker, &DeviceWorker::fatal, this, &DeviceThread::fatal);
     connect(m_worker, &DeviceWorker::failed, this, &DeviceThread::failed);
-    connect(m_worker, &DeviceWorker::portOpenChanged, this, &DeviceThread::portOpenChanged);
+    connect(m_worker, &DeviceWorker::portOpenChanged, this, [this](bool open) {
+        m_portOpen = open;
+        emit portOpenChanged(open);
+    });
     connect(m_worker, &DeviceWorker::displayBytes, this, &DeviceThread::displayBytes);
     m_thread.start();
     QMetaObject::invokeMethod(m_worker, [w = m_worker] { w->Start(); });
@@ -24,12 +27,20 @@ DeviceThread::DeviceThread(TransportFactory factory, QWidget *fallbackOwner)
 
 DeviceThread::~DeviceThread()
 {
+    Stop();
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void DeviceThread::Stop()
+{
+    if (std::exchange(m_stopped, true))
+        return;
     // Closing the program ends at once, even while an operation waits for the tester.
     m_worker->Abandon();
     QMetaObject::invokeMethod(
         m_worker, [w = m_worker] { w->Stop(); }, Qt::BlockingQueuedConnection);
-    m_thread.quit();
-    m_thread.wait();
+    m_portOpen = false; // the worker's word on it is still on its way
 }
 
 void DeviceThread::Post(QWidget *owner, const QString &title, Job job)

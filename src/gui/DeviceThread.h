@@ -36,6 +36,11 @@ public:
     // Runs `job` on the device thread and waits for it (tests and shut-down).
     void RunAndWait(const LinkJob &job);
     bool busy() const { return m_pending > 0; }
+    // Whether the port was open when the device thread last looked.
+    bool portOpen() const { return m_portOpen; }
+    // Ends the work for good: a running wait gives up, the port closes, later operations do
+    // nothing. The program calls it when its main window closes.
+    void Stop();
     // What an operation achieved ("Grenzwert gespeichert"), for the status bar; any thread.
     void Tell(const QString &text) { emit told(text); }
     // The title of the operation that runs, empty when none does.
@@ -66,6 +71,8 @@ private:
     DeviceWorker *m_worker; // lives on m_thread
     int m_pending = 0;
     QString m_running;
+    bool m_portOpen = false;
+    bool m_stopped = false;
 };
 
 } // namespace kalvo::gui

@@ -108,6 +108,7 @@ void DeviceWorker::Stop()
     m_linkForAbandon = nullptr;
     m_link.reset();
     m_transport.reset();
+    NotePortState();
 }
 
 } // namespace kalvo::gui

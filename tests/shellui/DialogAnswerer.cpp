@@ -18,10 +18,17 @@ DialogAnswerer::DialogAnswerer()
     m_timer.start(20);
 }
 
+void DialogAnswerer::Note(QWidget *dialog)
+{
+    QWidget *parent = dialog->parentWidget();
+    seen << Seen{dialog->windowTitle(), parent ? parent->window() : nullptr};
+}
+
 void DialogAnswerer::Look()
 {
     QWidget *modal = QApplication::activeModalWidget();
     if (auto *box = qobject_cast<QMessageBox *>(modal)) {
+        Note(box);
         messages << box->text();
         QAbstractButton *cancel = box->button(QMessageBox::Cancel);
         bool ok = true;
@@ -44,6 +51,7 @@ void DialogAnswerer::Look()
             return;
         }
         m_seenFileDialog = nullptr;
+        Note(dialog);
         const QString path = files.empty() ? QString() : files.front();
         if (!files.empty())
             files.pop_front();
@@ -60,6 +68,7 @@ void DialogAnswerer::Look()
             QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
         }
     } else if (auto *input = qobject_cast<QInputDialog *>(modal)) {
+        Note(input);
         prompts << input->labelText();
         proposals << input->textValue();
         std::optional<QString> answer;

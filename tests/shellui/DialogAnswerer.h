@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
+#include <QWidget>
 #include <QStringList>
 #include <QTimer>
 #include <deque>
@@ -20,12 +22,19 @@ public:
     // Paths to choose in file dialogs, in order; an empty one cancels.
     std::deque<QString> files;
 
+    struct Seen {
+        QString title;
+        QPointer<QWidget> owner; // the window the dialog belongs to
+    };
+    QList<Seen> seen; // every dialog answered, in order
+
     QStringList messages;  // the text of every message box, in order
     QStringList prompts;   // the label of every input dialog, in order
     QStringList proposals; // the default text every input dialog offered
 
 private:
     void Look();
+    void Note(QWidget *dialog);
     QTimer m_timer;
     QObject *m_seenFileDialog = nullptr;
 };

@@ -1,5 +1,6 @@
 // The record window offscreen against the virtual tester: the store, files, reports, PDF and CSV.
 #include "WindowFixture.h"
+#include "gui/DeviceThread.h"
 #include "records/RecordSamples.h"
 #include "support/TestFiles.h"
 
@@ -198,4 +199,66 @@ TEST_F(RecordWindowTest, ARecordFileInTesterOrWindowsBytesShowsItsUmlautsAndSign
         EXPECT_TRUE(Report().contains(QStringLiteral("Name    \tMüller\n"))) << Report().toStdString();
         EXPECT_TRUE(Report().contains(QStringLiteral("ID_Nr:          #12 @Werk\n")));
     }
+}
+
+TEST_F(RecordWindowTest, DialogsBelongToTheRecordWindowAndSayWhatTheyDo)
+{
+    OpenRecords({QStringLiteral("refuse:prx?3y")});
+    m_dialogs.files.push_back(Path("alle.txt"));
+    Trigger("storeall");
+    ASSERT_TRUE(WaitUntil([&] { return m_dialogs.seen.size() >= 2; }));
+    // The save dialog, then the refusal: both over the record window, neither over the main window.
+    for (const DialogAnswerer::Seen &dialog : std::as_const(m_dialogs.seen)) {
+        EXPECT_EQ(dialog.owner, m_records) << dialog.title.toStdString();
+        EXPECT_EQ(dialog.title, QStringLiteral("aus Datenbank: als Ascii"));
+    }
+    EXPECT_FALSE(m_window->isActiveWindow() && !m_records->isActiveWindow());
+}
+
+TEST_F(RecordWindowTest, SaveDialogsAddTheSuffixOfTheirFilterAndTheCsvExportOffersCsvFirst)
+{
+    OpenRecords();
+    m_dialogs.files.push_back(Path("alle"));
+    Trigger("storeall");
+    ASSERT_TRUE(WaitUntil([&] { return List()->count() == 14; }));
+    EXPECT_TRUE(QFile::exists(Path("alle.txt")));
+    EXPECT_FALSE(QFile::exists(Path("alle")));
+
+    m_dialogs.files.push_back(Path("bericht"));
+    Trigger("pdf");
+    EXPECT_TRUE(QFile::exists(Path("bericht.pdf")));
+
+    // The first filter of the export is "*.csv", so a bare name becomes a ".csv".
+    m_dialogs.files.push_back(Path("tabelle"));
+    Trigger("fexcel");
+    EXPECT_TRUE(QFile::exists(Path("tabelle.csv")));
+
+    // A name with its own suffix keeps it, and "aus Datei" finds the file under its name.
+    m_dialogs.files.push_back(Path("alle.txt"));
+    Trigger("ausDatei");
+    EXPECT_EQ(List()->count(), 14);
+}
+
+TEST_F(RecordWindowTest, RecordsAreListedAsTheyArriveAndMakeReportWantsARecordText)
+{
+    OpenRecords();
+    auto *makeReport = m_records->findChild<QAction *>(QStringLiteral("PrintProt"));
+    EXPECT_FALSE(makeReport->isEnabled()); // the report box is empty
+
+    // Rows appear one at a time, while the read still runs.
+    QList<int> rowsWhileBusy;
+    QObject::connect(List()->model(), &QAbstractItemModel::rowsInserted, [&] {
+        if (m_window->device().busy())
+            rowsWhileBusy << List()->count();
+    });
+    QList<int> progress;
+    QObject::connect(&m_window->device(), &gui::DeviceThread::progressed, [&](int percent) { progress << percent; });
+    m_dialogs.files.push_back(Path("alle.txt"));
+    Trigger("storeall");
+    ASSERT_TRUE(WaitUntil([&] { return List()->count() == 14; }));
+    ASSERT_GE(rowsWhileBusy.size(), 14);
+    EXPECT_EQ(rowsWhileBusy.mid(0, 3), (QList<int>{1, 2, 3}));
+    ASSERT_FALSE(progress.isEmpty());
+    EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
+    EXPECT_TRUE(makeReport->isEnabled());
 }

@@ -3,6 +3,7 @@
 #include "WindowFixture.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -156,4 +157,52 @@ TEST_F(ServiceWindowTest, AllRecordsAreReadAfterTheCountIsConfirmed)
     Child<QAction>("readprot")->trigger();
     ASSERT_TRUE(Idle());
     EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"prx?n\r"}));
+}
+
+TEST_F(ServiceWindowTest, TheCommandLineKeepsTheFocusSoTheNextCommandIsTypedStraightOn)
+{
+    auto &service = OpenService();
+    service.activateWindow();
+    auto *befehl = Child<QLineEdit>("befehl");
+    befehl->setFocus();
+    ASSERT_TRUE(WaitUntil([&] { return QApplication::focusWidget() == befehl; }));
+    // Typed as a user types: into whatever has the focus, not into the field by name.
+    for (const char *command : {"dis?", "var?D3"}) {
+        QTest::keyClicks(QApplication::focusWidget(), QString::fromLatin1(command));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        ASSERT_TRUE(Idle());
+        EXPECT_EQ(QApplication::focusWidget(), befehl) << command;
+    }
+    EXPECT_EQ(Child<QPlainTextEdit>("Termantwort")->toPlainText(), QStringLiteral("dis? 00.Y\nvar?D3=01.Y\n"));
+    Screenshot(service, QStringLiteral("service-window"));
+}
+
+TEST_F(ServiceWindowTest, ACalibrationBackupAsksBeforeReplacingAFile)
+{
+    auto &service = OpenService();
+    const QByteArray old = "0: 1,2\r\n";
+    QFile file(m_dir.filePath(QStringLiteral("alt.cal")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(old);
+    file.close();
+    service.findChild<QAction *>(QStringLiteral("readcal"))->trigger();
+    Child<QLineEdit>("Text1")->setText(QStringLiteral("alt.cal"));
+    const qsizetype before = LineCount();
+    m_dialogs.confirmations.push_back(false);
+    Child<QPushButton>("speichern")->click();
+    ASSERT_TRUE(Idle());
+    ASSERT_EQ(m_dialogs.messages.size(), 1);
+    EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("alt.cal"))) << m_dialogs.messages[0].toStdString();
+    EXPECT_EQ(m_dialogs.seen[0].owner, &service);
+    EXPECT_EQ(LineCount(), before); // nothing asked of the tester
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), old);
+    file.close();
+
+    // Answered with OK, the backup replaces it.
+    m_dialogs.confirmations.push_back(true);
+    Child<QPushButton>("speichern")->click();
+    ASSERT_TRUE(Idle());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll().count("\r\n"), 51);
 }
