@@ -105,13 +105,21 @@ bench)
     build build
     for b in build/bin/bench_*; do "$b"; done
     ;;
+screenshots)
+    # The window tests that take pictures, on a real X server of 1024x768 (Xvfb): what a user sees.
+    install_missing xvfb xauth
+    build build
+    QT_QPA_PLATFORM=xcb xvfb-run -a -s "-screen 0 1024x768x24" \
+        build/bin/shellui_tests
+    echo "Pictures in build/bin/screenshots/"
+    ;;
 fuzz)
     seconds=${2:-60}
     build build-fuzz -DKALVO_FUZZ=ON -DCMAKE_CXX_COMPILER=clang++
     run_fuzzers "$seconds"
     ;;
 *)
-    echo "usage: $0 run|test|sanitize|bench|fuzz [SECONDS]" >&2
+    echo "usage: $0 run|test|sanitize|bench|screenshots|fuzz [SECONDS]" >&2
     exit 2
     ;;
 esac

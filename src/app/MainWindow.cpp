@@ -110,9 +110,9 @@ void MainWindow::BuildFrames()
     m_settings = new shell::ui::SettingsFrame;
     m_config = new shell::ui::ConfigFrame;
     m_limits = new config::ui::LimitFrame(*m_device);
-    for (QWidget *frame : {static_cast<QWidget *>(m_settings), static_cast<QWidget *>(m_config),
-                           static_cast<QWidget *>(m_limits)})
-        m_frames->AddFrame(frame);
+    m_frames->AddFrame(m_settings);
+    m_frames->AddFrame(m_config, m_config->closeButton());
+    m_frames->AddFrame(m_limits);
     m_frames->ShowFrame(m_settings);
     setCentralWidget(m_frames);
 
@@ -190,8 +190,7 @@ void MainWindow::ApplyTexts()
     m_config->ApplyTexts(m_texts);
     m_limits->ApplyTexts(m_texts);
     m_frames->SetCloseText(m_texts.text(link::TxtButtonClose));
-    m_display->setTitle(m_texts.text(link::TxtLabelDisplay));
-    m_displayDock->setWindowTitle(gui::PhraseText(gui::Phrase::TesterDisplay, m_texts.language()));
+    m_displayDock->setWindowTitle(m_texts.text(link::TxtLabelDisplay));
     m_status->SetLanguage(m_texts.language());
     m_windows->ApplyTexts(m_texts);
     m_device->Configure([portNotOpen = m_texts.text(link::TxtPortNotOpen),

@@ -17,13 +17,19 @@ FrameStack::FrameStack(QWidget *parent) : QStackedWidget(parent), m_empty(new QW
     addWidget(m_empty);
 }
 
-void FrameStack::AddFrame(QWidget *frame)
+void FrameStack::AddFrame(QWidget *frame, QAbstractButton *ownClose)
 {
     auto *page = new QWidget(this);
     page->setProperty(kFrameProperty, QVariant::fromValue(frame));
     auto *layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(frame);
+    if (ownClose) {
+        connect(ownClose, &QAbstractButton::clicked, this, &FrameStack::CloseFrame);
+        layout->addStretch();
+        addWidget(page);
+        return;
+    }
     auto *bar = new QHBoxLayout;
     bar->addStretch();
     auto *close = new QPushButton(page);

@@ -3,6 +3,7 @@
 
 #include <QStackedWidget>
 
+class QAbstractButton;
 class QPushButton;
 
 namespace kalvo::gui {
@@ -12,8 +13,9 @@ class FrameStack : public QStackedWidget {
 public:
     explicit FrameStack(QWidget *parent = nullptr);
 
-    // Adds `frame` (hidden until shown) under a bar with the button that leaves it.
-    void AddFrame(QWidget *frame);
+    // Adds `frame` (hidden until shown). `ownClose` is the frame's own button that leaves it;
+    // a frame without one gets a bar below it with such a button.
+    void AddFrame(QWidget *frame, QAbstractButton *ownClose = nullptr);
     // Shows `frame` in place of the one before.
     void ShowFrame(QWidget *frame);
     // Leaves the frame shown: the area stays empty.

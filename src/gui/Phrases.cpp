@@ -19,9 +19,8 @@ const Row &RowOf(Phrase phrase)
          u"niet verbonden", u"no conectado"},
         {u"verbinde …", u"connecting …", u"connexion …", u"connessione …", u"připojování …",
          u"verbinden …", u"conectando …"},
-        {u"verbunden: %1, Firmware %2", u"connected: %1, firmware %2", u"connecté : %1, micrologiciel %2",
-         u"connesso: %1, firmware %2", u"připojeno: %1, firmware %2", u"verbonden: %1, firmware %2",
-         u"conectado: %1, firmware %2"},
+        {u"verbunden: %1, %2", u"connected: %1, %2", u"connecté : %1, %2", u"connesso: %1, %2",
+         u"připojeno: %1, %2", u"verbonden: %1, %2", u"conectado: %1, %2"},
         {u"Verbindung verloren", u"line lost", u"liaison perdue", u"connessione persa", u"spojení ztraceno",
          u"verbinding verbroken", u"conexión perdida"},
         {u"%1 …", u"%1 …", u"%1 …", u"%1 …", u"%1 …", u"%1 …", u"%1 …"},
@@ -56,11 +55,8 @@ const Row &RowOf(Phrase phrase)
          u"Le fichier %1 existe déjà. Le remplacer ?", u"Il file %1 esiste già. Sostituirlo?",
          u"Soubor %1 již existuje. Nahradit?", u"Het bestand %1 bestaat al. Vervangen?",
          u"El archivo %1 ya existe. ¿Reemplazarlo?"},
-        {u"Zurück", u"Back", u"Retour", u"Indietro", u"Zpět", u"Terug", u"Volver"},
-        {u"Prüfgeräteanzeige", u"Tester display", u"Affichage du testeur", u"Display dello strumento",
-         u"Displej přístroje", u"Display van de tester", u"Pantalla del comprobador"},
     };
-    static_assert(std::size(rows) == static_cast<size_t>(Phrase::TesterDisplay) + 1);
+    static_assert(std::size(rows) == static_cast<size_t>(Phrase::ReplaceFile) + 1);
     return rows[static_cast<int>(phrase)];
 }
 } // namespace

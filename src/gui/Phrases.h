@@ -8,7 +8,7 @@ namespace kalvo::gui {
 enum class Phrase {
     NotConnected,
     Connecting,
-    Connected,      // %1 name, %2 firmware
+    Connected,      // %1 name, %2 firmware ("Firmware V 1.52")
     LineLost,
     Running,        // %1 the operation
     Done,           // %1 the operation
@@ -23,8 +23,6 @@ enum class Phrase {
     CalibrationBackedUp,
     CalibrationRestored,
     ReplaceFile,    // %1 the file
-    Back,
-    TesterDisplay,
 };
 
 // `phrase` in `language` (the language table's names: "deutsch", "englisch", ...); German for

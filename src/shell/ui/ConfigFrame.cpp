@@ -26,12 +26,12 @@ ConfigFrame::ConfigFrame(QWidget *parent) : QGroupBox(parent)
     m_store = new QPushButton(this);
     m_store->setObjectName(QStringLiteral("configStore"));
     m_close = new QPushButton(this);
+    m_close->setObjectName(QStringLiteral("configFrameClose"));
     buttons->addStretch();
     buttons->addWidget(m_store);
     buttons->addWidget(m_close);
     layout->addLayout(buttons);
     connect(m_store, &QPushButton::clicked, this, &ConfigFrame::storeRequested);
-    connect(m_close, &QPushButton::clicked, this, &QWidget::hide);
 }
 
 static void AddRow(QTableWidget *table, const QString &name, const QByteArray &hex, const link::Flags &flags)

@@ -22,6 +22,8 @@ public:
     void ShowRegisters(const link::RegisterTable &table);
     void ApplyTexts(const link::LanguageTable &texts);
     QPushButton *storeButton() const { return m_store; }
+    // The button that leaves the frame; whoever shows the frame decides what leaving means.
+    QPushButton *closeButton() const { return m_close; }
     QTableWidget *table() const { return m_table; }
 
 signals:
