@@ -43,7 +43,8 @@ shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &t
         m_service->setAttribute(Qt::WA_DeleteOnClose);
         shell::ui::ServiceWindow *service = m_service;
         m_servicePanel = new config::ui::ServiceConfigPanel(
-            m_device, [service](const QString &text, bool clearFirst) { service->ShowInTerminal(text, clearFirst); },
+            m_device,
+            [service](const QString &text, bool clearFirst) { service->ShowInTerminal(text, clearFirst); },
             [service](const QString &command) { service->ShowCommand(command); });
         m_service->AddConfigPanel(m_servicePanel, m_servicePanel->actions());
         m_service->AddRecordReader(new records::ui::RecordReadAction(

@@ -63,24 +63,23 @@ QList<QAction *> MainMenu::deviceEntries() const
 
 void MainMenu::ApplyTexts(const link::LanguageTable &texts)
 {
-    const std::pair<QAction *, link::TextId> captions[] = {
-        {connection, link::TxtMenuConnection},
-        {config, link::TxtMenuConfig},
-        {clock, link::TxtMenuClock},
-        {name, link::TxtMenuName},
-        {service, link::TxtMenuService},
-        {records, link::TxtMenuRecords},
-        {mitBez, link::TxtMenuWithDesignation},
-        {quillbank, link::TxtMenuQuillbank},
-        {setKal, link::TxtMenuRestoreCalibration},
-        {modem, link::TxtMenuModem},
-        {kuschl, link::TxtMenuLimitShortCircuit},
-        {ubez, link::TxtMenuLimitReferenceVoltage},
-        {pzhv, link::TxtMenuLimitHighVoltageTime},
-        {helpContents, link::TxtMenuHelpContents},
-        {info, link::TxtMenuInfo},
-        {exit, link::TxtMenuExit},
-        {development, link::TxtMenuDevelopment}};
+    const std::pair<QAction *, link::TextId> captions[] = {{connection, link::TxtMenuConnection},
+                                                           {config, link::TxtMenuConfig},
+                                                           {clock, link::TxtMenuClock},
+                                                           {name, link::TxtMenuName},
+                                                           {service, link::TxtMenuService},
+                                                           {records, link::TxtMenuRecords},
+                                                           {mitBez, link::TxtMenuWithDesignation},
+                                                           {quillbank, link::TxtMenuQuillbank},
+                                                           {setKal, link::TxtMenuRestoreCalibration},
+                                                           {modem, link::TxtMenuModem},
+                                                           {kuschl, link::TxtMenuLimitShortCircuit},
+                                                           {ubez, link::TxtMenuLimitReferenceVoltage},
+                                                           {pzhv, link::TxtMenuLimitHighVoltageTime},
+                                                           {helpContents, link::TxtMenuHelpContents},
+                                                           {info, link::TxtMenuInfo},
+                                                           {exit, link::TxtMenuExit},
+                                                           {development, link::TxtMenuDevelopment}};
     for (const auto &[action, id] : captions)
         action->setText(texts.text(id));
     settings->setTitle(texts.text(link::TxtMenuSettings));

@@ -49,8 +49,7 @@ QString Caption(const QAction *entry)
 } // namespace
 
 MainWindow::MainWindow(const Startup &startup, QWidget *parent)
-    : QMainWindow(parent), m_startup(startup),
-      m_openConfigWhenConnected(startup.switches.openConfiguration)
+    : QMainWindow(parent), m_startup(startup), m_openConfigWhenConnected(startup.switches.openConfiguration)
 {
     setObjectName(QStringLiteral("IEC601"));
     setWindowTitle(kTitle);
@@ -143,14 +142,15 @@ void MainWindow::ConnectMenus()
     on(m_menu->setKal, &MainWindow::RestoreCalibrationFromFile);
     on(m_menu->modem, [this] { m_windows->OpenModem(m_texts); });
     const std::pair<QAction *, config::LimitKind> limits[] = {{m_menu->kuschl, config::LimitKind::Kuschl},
-                                                               {m_menu->ubez, config::LimitKind::Ubez},
-                                                               {m_menu->pzhv, config::LimitKind::Pzhv}};
+                                                              {m_menu->ubez, config::LimitKind::Ubez},
+                                                              {m_menu->pzhv, config::LimitKind::Pzhv}};
     for (const auto &[entry, kind] : limits)
         on(entry, [this, entry = entry, kind = kind] { m_limits->Edit(kind, Caption(entry)); });
     on(m_menu->records, [this] { m_windows->OpenRecords(m_texts.language()); });
     on(m_menu->service, [this] {
         const QByteArray &designation = m_identity.shortDesignation;
-        m_windows->OpenService(m_texts, designation.isEmpty() ? QString() : config::DefaultBackupName(designation));
+        m_windows->OpenService(m_texts,
+                               designation.isEmpty() ? QString() : config::DefaultBackupName(designation));
     });
     connect(m_menu->languages, &shell::ui::LanguageMenu::chosen, this, &MainWindow::SetLanguage);
     on(m_menu->helpContents, [this] {
@@ -170,8 +170,10 @@ void MainWindow::SetLanguage(const QString &name)
     // The same fault again at every switch would only nag: a fault is told again only once the
     // file has changed (the system's part of the message changes with Qt's language).
     const QFileInfo file(path);
-    const QString state = file.exists() ? QStringLiteral("%1 %2").arg(file.size()).arg(file.lastModified().toString(Qt::ISODateWithMs))
-                                        : QStringLiteral("missing");
+    const QString state =
+        file.exists()
+            ? QStringLiteral("%1 %2").arg(file.size()).arg(file.lastModified().toString(Qt::ISODateWithMs))
+            : QStringLiteral("missing");
     if (!error.isEmpty() && state != m_languageFileError) {
         m_languageFileError = state;
         QMessageBox::warning(this, kTitle,
@@ -255,14 +257,17 @@ void MainWindow::Connect()
     m_connected = false;
     const bool developmentTerminal = m_developmentTerminal;
     const link::IdentifyOptions options{m_startup.programDir, link::SystemDateOrder()};
-    m_device->Post(this, Caption(m_menu->connection), [this, port, developmentTerminal, options](link::Link &link, link::Prompter &) {
-        const link::ConnectionState state = link::ConnectTester(link, port, developmentTerminal);
-        const link::TesterIdentity identity = link::IdentifyTester(link, options);
-        OnWindow([this, state, identity, open = link.IsOpen()] { ShowIdentity(state, identity, open); });
-    });
+    m_device->Post(
+        this, Caption(m_menu->connection),
+        [this, port, developmentTerminal, options](link::Link &link, link::Prompter &) {
+            const link::ConnectionState state = link::ConnectTester(link, port, developmentTerminal);
+            const link::TesterIdentity identity = link::IdentifyTester(link, options);
+            OnWindow([this, state, identity, open = link.IsOpen()] { ShowIdentity(state, identity, open); });
+        });
 }
 
-void MainWindow::ShowIdentity(const link::ConnectionState &state, const link::TesterIdentity &identity, bool open)
+void MainWindow::ShowIdentity(const link::ConnectionState &state, const link::TesterIdentity &identity,
+                              bool open)
 {
     if (state.flagsRead) {
         m_connection = state;
@@ -300,11 +305,12 @@ void MainWindow::OpenConfig()
 
 void MainWindow::StoreConfig()
 {
-    PostChecked(m_menu->config, [this, done = gui::PhraseText(gui::Phrase::ConfigurationStored, m_texts.language())](
-                                    link::Link &link, link::Prompter &prompter) {
-        if (link::StoreChanges(link, prompter, link::StoreCommand::Configuration))
-            m_device->Tell(done);
-    });
+    PostChecked(m_menu->config,
+                [this, done = gui::PhraseText(gui::Phrase::ConfigurationStored, m_texts.language())](
+                    link::Link &link, link::Prompter &prompter) {
+                    if (link::StoreChanges(link, prompter, link::StoreCommand::Configuration))
+                        m_device->Tell(done);
+                });
 }
 
 void MainWindow::SetClock()
@@ -322,7 +328,8 @@ void MainWindow::NameTester()
     const link::IdentifyOptions options{m_startup.programDir, link::SystemDateOrder()};
     // The device thread gets its own copy of the texts: the window may switch language meanwhile.
     auto texts = std::make_shared<const link::LanguageTable>(m_texts);
-    PostChecked(m_menu->name, [this, options, texts, done = gui::PhraseText(gui::Phrase::NameStored, m_texts.language())](
+    PostChecked(m_menu->name, [this, options, texts,
+                               done = gui::PhraseText(gui::Phrase::NameStored, m_texts.language())](
                                   link::Link &link, link::Prompter &prompter) {
         const auto show = [this](const link::TesterIdentity &identity) {
             OnWindow([this, identity, open = true] { ShowIdentity(m_connection, identity, open); });

@@ -3,9 +3,9 @@
 
 #include "CliOptions.h"
 #include "CliPrompter.h"
+#include "link/LanguageTable.h"
 #include "link/Link.h"
 #include "link/Transport.h"
-#include "link/LanguageTable.h"
 
 #include <QTextStream>
 #include <memory>

@@ -54,8 +54,8 @@ VariableReading ReadValue(link::Link &link, const QByteArray &command)
     reading.value = ByteDigits(ValueAfterEquals(reading.answer));
     const auto number = link::WholeNumber("&H" + reading.value, 0, 255);
     if (!reading.answer.contains(".Y") || !number)
-        throw link::FormatError::ForAnswer(command, reading.answer,
-                                           QStringLiteral("einen hexadezimalen Wert hinter \"=\" und \".Y\""));
+        throw link::FormatError::ForAnswer(
+            command, reading.answer, QStringLiteral("einen hexadezimalen Wert hinter \"=\" und \".Y\""));
     reading.number = static_cast<int>(*number);
     return reading;
 }
@@ -77,8 +77,8 @@ QString ConfigurationDump::Text() const
     return text;
 }
 
-ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEntries, link::Prompter *progress,
-                                    const LineSink &onLine)
+ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEntries,
+                                    link::Prompter *progress, const LineSink &onLine)
 {
     ConfigurationDump dump;
     // One digit table for the whole dump, as the view keeps it between lines.

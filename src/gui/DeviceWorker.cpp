@@ -29,8 +29,7 @@ void DeviceWorker::Start()
     m_poll->start();
 }
 
-void DeviceWorker::RunTask(const QPointer<QWidget> &owner, const QString &title,
-                           const DeviceThread::Job &job)
+void DeviceWorker::RunTask(const QPointer<QWidget> &owner, const QString &title, const DeviceThread::Job &job)
 {
     emit jobStarted(title);
     GuiPrompter prompter(owner, title, [this](int percent) { emit progressed(percent); });

@@ -72,9 +72,8 @@ std::optional<QString> GuiPrompter::askText(const QString &dialogTitle, const QS
 {
     return OnWindowThread([&]() -> std::optional<QString> {
         bool ok = false;
-        const QString text =
-            QInputDialog::getText(m_owner, dialogTitle.isEmpty() ? title() : dialogTitle, prompt,
-                                  QLineEdit::Normal, defaultText, &ok);
+        const QString text = QInputDialog::getText(m_owner, dialogTitle.isEmpty() ? title() : dialogTitle,
+                                                   prompt, QLineEdit::Normal, defaultText, &ok);
         if (!ok)
             return std::nullopt;
         return text;

@@ -8,21 +8,21 @@ namespace kalvo::gui {
 enum class Phrase {
     NotConnected,
     Connecting,
-    Connected,      // %1 name, %2 firmware ("Firmware V 1.52")
+    Connected, // %1 name, %2 firmware ("Firmware V 1.52")
     LineLost,
-    Running,        // %1 the operation
-    Done,           // %1 the operation
-    Failed,         // %1 the operation
+    Running, // %1 the operation
+    Done,    // %1 the operation
+    Failed,  // %1 the operation
     LimitStored,
     ConfigurationStored,
     ClockSet,
     NameStored,
     ModemStored,
-    FileSaved,      // %1 the file
-    RecordsRead,    // %1 how many
+    FileSaved,   // %1 the file
+    RecordsRead, // %1 how many
     CalibrationBackedUp,
     CalibrationRestored,
-    ReplaceFile,    // %1 the file
+    ReplaceFile, // %1 the file
 };
 
 // `phrase` in `language` (the language table's names: "deutsch", "englisch", ...); German for

@@ -59,8 +59,12 @@ void StatusLine::ShowConnection(Connection state, const QString &name, const QSt
 void StatusLine::ShowConnectionText()
 {
     switch (m_state) {
-    case Connection::NotConnected: m_connectionLabel->setText(PhraseText(Phrase::NotConnected, m_language)); break;
-    case Connection::Connecting: m_connectionLabel->setText(PhraseText(Phrase::Connecting, m_language)); break;
+    case Connection::NotConnected:
+        m_connectionLabel->setText(PhraseText(Phrase::NotConnected, m_language));
+        break;
+    case Connection::Connecting:
+        m_connectionLabel->setText(PhraseText(Phrase::Connecting, m_language));
+        break;
     case Connection::Connected:
         m_connectionLabel->setText(PhraseText(Phrase::Connected, m_language).arg(m_name, m_firmware));
         break;
@@ -94,7 +98,8 @@ void StatusLine::Finished(const QString &title)
     m_progress->hide();
     // What the operation said about itself, or its failure, stays; otherwise just that it ended.
     if (!m_failed && !m_doneShown)
-        m_operationLabel->setText(title.isEmpty() ? QString() : PhraseText(Phrase::Done, m_language).arg(title));
+        m_operationLabel->setText(title.isEmpty() ? QString()
+                                                  : PhraseText(Phrase::Done, m_language).arg(title));
 }
 
 QString StatusLine::connectionText() const

@@ -19,7 +19,8 @@ void FitOnScreen(QWidget *window, const QWidget *near)
     const QSize room(area.width() - frame, area.height() - titleBar - frame);
     window->resize(window->size().boundedTo(room));
     QPoint topLeft = near ? near->frameGeometry().topLeft() + QPoint(32, 32) : window->pos();
-    topLeft.setX(std::clamp(topLeft.x(), area.left(), std::max(area.left(), area.right() - window->width() - frame)));
+    topLeft.setX(
+        std::clamp(topLeft.x(), area.left(), std::max(area.left(), area.right() - window->width() - frame)));
     topLeft.setY(std::clamp(topLeft.y(), area.top(),
                             std::max(area.top(), area.bottom() - window->height() - titleBar - frame)));
     window->move(topLeft);

@@ -52,13 +52,20 @@ QString DecodeLanguageCell(const QByteArray &cell)
 const std::array<LanguageColumn, 7> &LanguageColumns()
 {
     static const std::array<LanguageColumn, 7> kColumns = {{
-        {QStringLiteral("deutsch"), 1, QStringLiteral("Q417G.html"), QStringLiteral("deutsch"), QStringLiteral("de")},
-        {QStringLiteral("englisch"), 2, QStringLiteral("Q417GB.html"), QStringLiteral("english"), QStringLiteral("en")},
-        {QStringLiteral("französisch"), 3, QStringLiteral("Q417FR.html"), QStringLiteral("france"), QStringLiteral("fr")},
-        {QStringLiteral("italienisch"), 4, QStringLiteral("Q417IT.html"), QStringLiteral("italiano"), QStringLiteral("it")},
-        {QStringLiteral("tschechisch"), 5, QStringLiteral("Q417TS.html"), QStringLiteral("tschech"), QStringLiteral("cs")},
-        {QStringLiteral("nederlandske"), 6, QStringLiteral("Q417NL.html"), QStringLiteral("nederlandske"), QStringLiteral("nl")},
-        {QStringLiteral("spain"), 7, QStringLiteral("Q417ES.html"), QStringLiteral("spain"), QStringLiteral("es")},
+        {QStringLiteral("deutsch"), 1, QStringLiteral("Q417G.html"), QStringLiteral("deutsch"),
+         QStringLiteral("de")},
+        {QStringLiteral("englisch"), 2, QStringLiteral("Q417GB.html"), QStringLiteral("english"),
+         QStringLiteral("en")},
+        {QStringLiteral("französisch"), 3, QStringLiteral("Q417FR.html"), QStringLiteral("france"),
+         QStringLiteral("fr")},
+        {QStringLiteral("italienisch"), 4, QStringLiteral("Q417IT.html"), QStringLiteral("italiano"),
+         QStringLiteral("it")},
+        {QStringLiteral("tschechisch"), 5, QStringLiteral("Q417TS.html"), QStringLiteral("tschech"),
+         QStringLiteral("cs")},
+        {QStringLiteral("nederlandske"), 6, QStringLiteral("Q417NL.html"), QStringLiteral("nederlandske"),
+         QStringLiteral("nl")},
+        {QStringLiteral("spain"), 7, QStringLiteral("Q417ES.html"), QStringLiteral("spain"),
+         QStringLiteral("es")},
     }};
     return kColumns;
 }

@@ -1,8 +1,8 @@
 // Setting the tester's clock from the PC and giving the tester a name.
 #include "ClockAndName.h"
 
-#include "link/LanguageTable.h"
 #include "link/Errors.h"
+#include "link/LanguageTable.h"
 #include "link/Link.h"
 #include "link/ServiceSession.h"
 #include "link/TextRules.h"
@@ -16,7 +16,8 @@ TesterClock ReadTesterClock(link::Link &link)
     const qsizetype semicolon = answer.indexOf(';');
     // Eight characters each, two behind their marks: an answer without them holds no clock.
     if (equals < 0 || semicolon < 0 || answer.size() < std::max(equals, semicolon) + 10)
-        throw link::FormatError::ForAnswer("dat?", answer, QStringLiteral("\"=\" und \";\", je zwei Stellen dahinter Datum und Uhrzeit"));
+        throw link::FormatError::ForAnswer(
+            "dat?", answer, QStringLiteral("\"=\" und \";\", je zwei Stellen dahinter Datum und Uhrzeit"));
     return {answer.mid(equals + 2, 8), answer.mid(semicolon + 2, 8)};
 }
 
@@ -75,8 +76,8 @@ Naming NameTester(link::Link &link, link::Prompter &prompter, const link::Langua
         identified(naming.identity);
     std::optional<QString> name = given;
     if (!name) {
-        const QString prompt =
-            texts.text(link::TxtNamePrompt) + QStringLiteral("\n\n(") + texts.text(link::TxtNameLimit) + QLatin1Char(')');
+        const QString prompt = texts.text(link::TxtNamePrompt) + QStringLiteral("\n\n(") +
+                               texts.text(link::TxtNameLimit) + QLatin1Char(')');
         name = prompter.askText(texts.text(link::TxtMenuName), prompt, QString());
         if (!name)
             return naming;

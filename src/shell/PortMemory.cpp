@@ -10,7 +10,8 @@ const QString kLastPortKey = QStringLiteral("connection/lastPort");
 
 QSettings UserSettings()
 {
-    return QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("kalvo"), QStringLiteral("kalvo"));
+    return QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("kalvo"),
+                     QStringLiteral("kalvo"));
 }
 } // namespace
 

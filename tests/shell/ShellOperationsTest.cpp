@@ -1,8 +1,8 @@
 // Clock, name and service-terminal operations against the virtual tester.
 #include "link/Errors.h"
+#include "link/LanguageTable.h"
 #include "link/Link.h"
 #include "shell/ClockAndName.h"
-#include "link/LanguageTable.h"
 #include "shell/ServiceTerminal.h"
 #include "sim/SimTransport.h"
 #include "support/ScriptedPrompter.h"

@@ -4,11 +4,11 @@
 #include "support/TestFiles.h"
 
 #include "app/ChildWindows.h"
+#include "gui/StatusLine.h"
 #include "modem/ui/ModemWindow.h"
 #include "records/ui/RecordWindow.h"
-#include "shell/ui/ServiceWindow.h"
-#include "gui/StatusLine.h"
 #include "shell/PortMemory.h"
+#include "shell/ui/ServiceWindow.h"
 
 #include <QAction>
 #include <QApplication>
@@ -25,11 +25,6 @@ using namespace kalvo::testing;
 
 class DesktopHabitsTest : public WindowFixture {
 protected:
-    void Trigger(const char *name)
-    {
-        m_window->findChild<QAction *>(QString::fromLatin1(name))->trigger();
-        EXPECT_TRUE(Idle());
-    }
     QWidget *Frame(const char *name) { return m_window->findChild<QWidget *>(QString::fromLatin1(name)); }
     // The frames of the central area that can be seen.
     QStringList VisibleFrames()
@@ -40,7 +35,10 @@ protected:
                 shown << QString::fromLatin1(name);
         return shown;
     }
-    QString Status(const char *name) { return m_window->findChild<QLabel *>(QString::fromLatin1(name))->text(); }
+    QString Status(const char *name)
+    {
+        return m_window->findChild<QLabel *>(QString::fromLatin1(name))->text();
+    }
 };
 
 TEST_F(DesktopHabitsTest, OneFrameAtATimeAndEachCanBeLeft)
@@ -121,10 +119,12 @@ TEST_F(DesktopHabitsTest, ALostLineShowsInTheStatusBar)
     auto &window = Open();
     ASSERT_TRUE(ConnectToSimulator());
     // The line goes while the window reads the configuration.
-    window.device().RunAndWait([this](link::Link &) { m_tester.load()->faults().add(QStringLiteral("vanish")); });
+    window.device().RunAndWait(
+        [this](link::Link &) { m_tester.load()->faults().add(QStringLiteral("vanish")); });
     Trigger("config");
-    ASSERT_TRUE(WaitUntil([&] { return Status("statusConnection") == QStringLiteral("Verbindung verloren"); }))
-        << Status("statusConnection").toStdString();
+    ASSERT_TRUE(WaitUntil([&] {
+        return Status("statusConnection") == QStringLiteral("Verbindung verloren");
+    })) << Status("statusConnection").toStdString();
 }
 
 TEST_F(DesktopHabitsTest, ClosingTheMainWindowClosesEveryWindowAndThePort)

@@ -3,9 +3,9 @@
 
 #include <QObject>
 #include <QPointer>
-#include <QWidget>
 #include <QStringList>
 #include <QTimer>
+#include <QWidget>
 #include <deque>
 
 namespace kalvo::testing {

@@ -13,14 +13,7 @@
 using namespace kalvo;
 using namespace kalvo::testing;
 
-class MainWindowFlowsTest : public WindowFixture {
-protected:
-    void Trigger(const char *name)
-    {
-        m_window->findChild<QAction *>(QString::fromLatin1(name))->trigger();
-        EXPECT_TRUE(Idle());
-    }
-};
+class MainWindowFlowsTest : public WindowFixture {};
 
 TEST_F(MainWindowFlowsTest, ClockShowsTheTestersTimeAndSendsWhatIsTyped)
 {

@@ -252,7 +252,8 @@ TEST_F(RecordWindowTest, RecordsAreListedAsTheyArriveAndMakeReportWantsARecordTe
             rowsWhileBusy << List()->count();
     });
     QList<int> progress;
-    QObject::connect(&m_window->device(), &gui::DeviceThread::progressed, [&](int percent) { progress << percent; });
+    QObject::connect(&m_window->device(), &gui::DeviceThread::progressed,
+                     [&](int percent) { progress << percent; });
     m_dialogs.files.push_back(Path("alle.txt"));
     Trigger("storeall");
     ASSERT_TRUE(WaitUntil([&] { return List()->count() == 14; }));

@@ -173,7 +173,8 @@ TEST_F(ServiceWindowTest, TheCommandLineKeepsTheFocusSoTheNextCommandIsTypedStra
         ASSERT_TRUE(Idle());
         EXPECT_EQ(QApplication::focusWidget(), befehl) << command;
     }
-    EXPECT_EQ(Child<QPlainTextEdit>("Termantwort")->toPlainText(), QStringLiteral("dis? 00.Y\nvar?D3=01.Y\n"));
+    EXPECT_EQ(Child<QPlainTextEdit>("Termantwort")->toPlainText(),
+              QStringLiteral("dis? 00.Y\nvar?D3=01.Y\n"));
     Screenshot(service, QStringLiteral("service-window"));
 }
 
@@ -192,7 +193,8 @@ TEST_F(ServiceWindowTest, ACalibrationBackupAsksBeforeReplacingAFile)
     Child<QPushButton>("speichern")->click();
     ASSERT_TRUE(Idle());
     ASSERT_EQ(m_dialogs.messages.size(), 1);
-    EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("alt.cal"))) << m_dialogs.messages[0].toStdString();
+    EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("alt.cal")))
+        << m_dialogs.messages[0].toStdString();
     EXPECT_EQ(m_dialogs.seen[0].owner, &service);
     EXPECT_EQ(LineCount(), before); // nothing asked of the tester
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));

@@ -5,6 +5,7 @@
 #include "app/MainWindow.h"
 #include "sim/PortTransport.h"
 
+#include <QAction>
 #include <QDir>
 #include <QGuiApplication>
 #include <QScreen>
@@ -30,7 +31,7 @@ protected:
 
     // The window as kalvo starts it; `faults` are put into the virtual tester (e.g. "silence").
     app::MainWindow &Open(const QStringList &arguments = {QStringLiteral("--simulate")},
-                                const QStringList &faults = {})
+                          const QStringList &faults = {})
     {
         app::Startup startup;
         startup.switches = shell::ParseSwitches(arguments);
@@ -78,6 +79,12 @@ protected:
     bool Idle()
     {
         return WaitUntil([this] { return !m_window->device().busy(); });
+    }
+    // Chooses the main window's menu entry `name` and waits for what it started.
+    void Trigger(const char *name)
+    {
+        m_window->findChild<QAction *>(QString::fromLatin1(name))->trigger();
+        EXPECT_TRUE(Idle());
     }
 
     // Saves a picture of `widget` next to the test programs, for a person to look at.

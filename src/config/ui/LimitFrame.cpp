@@ -88,8 +88,8 @@ void LimitFrame::Edit(LimitKind kind, const QString &title)
                 m_readOutside = value;
             emit loaded();
             if (m_readOutside)
-                gui::GuiPrompter(window(), title).message(OutOfRangeText(m_outOfRangeText),
-                                                            link::Prompter::Icon::Warning);
+                gui::GuiPrompter(window(), title)
+                    .message(OutOfRangeText(m_outOfRangeText), link::Prompter::Icon::Warning);
         });
     });
 }

@@ -5,13 +5,13 @@
 #include "config/Calibration.h"
 #include "config/VariableFile.h"
 #include "config/Variables.h"
-#include "link/Errors.h"
-#include "link/Link.h"
-#include "link/TextRules.h"
 #include "gui/DeviceThread.h"
 #include "gui/GuiPrompter.h"
 #include "gui/Phrases.h"
+#include "link/Errors.h"
 #include "link/LanguageTable.h"
+#include "link/Link.h"
+#include "link/TextRules.h"
 
 #include <QAction>
 #include <QDir>
@@ -27,8 +27,8 @@ namespace kalvo::config::ui {
 
 ServiceConfigPanel::ServiceConfigPanel(gui::DeviceThread &device, TextSink show,
                                        std::function<void(const QString &)> command, QWidget *parent)
-    : QWidget(parent), m_device(device), m_show(std::move(show)),
-      m_command(std::move(command)), m_dir(QDir::currentPath())
+    : QWidget(parent), m_device(device), m_show(std::move(show)), m_command(std::move(command)),
+      m_dir(QDir::currentPath())
 {
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -82,8 +82,8 @@ void ServiceConfigPanel::ApplyTexts(const link::LanguageTable &texts)
     m_language = texts.language();
     m_variablesLabel->setText(texts.text(link::TxtServiceVariables));
     const link::TextId ids[] = {link::TxtServiceLoadVariables,      link::TxtServiceDumpConfiguration,
-                                 link::TxtServiceStoreConfiguration, link::TxtServiceResetD3,
-                                 link::TxtServiceBackupCalibration,  link::TxtMenuRestoreCalibration};
+                                link::TxtServiceStoreConfiguration, link::TxtServiceResetD3,
+                                link::TxtServiceBackupCalibration,  link::TxtMenuRestoreCalibration};
     for (size_t i = 0; i < std::size(ids); ++i)
         m_actions[static_cast<qsizetype>(i)]->setText(texts.text(ids[i]));
 }
@@ -151,7 +151,8 @@ void ServiceConfigPanel::DumpConfiguration()
     // The lines show as they are read.
     m_device.Post(window(), Title(1), [this, block](link::Link &link, link::Prompter &prompter) {
         if (!link.PortClosed())
-            config::DumpConfiguration(link, block, &prompter, [this](const QString &line) { ShowLine(line); });
+            config::DumpConfiguration(link, block, &prompter,
+                                      [this](const QString &line) { ShowLine(line); });
     });
 }
 
@@ -203,7 +204,8 @@ void ServiceConfigPanel::SaveBackup()
     // A backup is the one copy of the tester's calibration: another one is never replaced unasked.
     if (QFileInfo::exists(path) &&
         !gui::GuiPrompter(window(), Title(4))
-             .confirm(gui::PhraseText(gui::Phrase::ReplaceFile, m_language).arg(QDir::toNativeSeparators(path))))
+             .confirm(
+                 gui::PhraseText(gui::Phrase::ReplaceFile, m_language).arg(QDir::toNativeSeparators(path))))
         return;
     m_show(QString(), true);
     m_device.Post(window(), Title(4),
@@ -211,8 +213,8 @@ void ServiceConfigPanel::SaveBackup()
                       link::Link &link, link::Prompter &prompter) {
                       if (link.PortClosed())
                           return;
-                      const QList<QByteArray> lines =
-                          BackupCalibration(link, prompter, path, [this](const QString &line) { ShowLine(line); });
+                      const QList<QByteArray> lines = BackupCalibration(
+                          link, prompter, path, [this](const QString &line) { ShowLine(line); });
                       if (!lines.isEmpty())
                           m_device.Tell(done);
                   });
@@ -231,8 +233,9 @@ void ServiceConfigPanel::RestoreChosenFile()
                       link::Link &link, link::Prompter &prompter) {
                       if (link.PortClosed())
                           return;
-                      const RestoreResult result = RestoreCalibration(link, prompter, path, RestoreSource::ServiceForm,
-                                                                      [this](const QString &line) { ShowLine(line); });
+                      const RestoreResult result =
+                          RestoreCalibration(link, prompter, path, RestoreSource::ServiceForm,
+                                             [this](const QString &line) { ShowLine(line); });
                       if (result.stored)
                           m_device.Tell(done);
                   });

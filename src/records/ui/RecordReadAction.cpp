@@ -20,14 +20,15 @@ RecordReadAction::RecordReadAction(gui::DeviceThread &device, QWidget *owner,
 
 void RecordReadAction::ReadAll()
 {
-    m_device.Post(m_owner, text().remove(QLatin1Char('&')), [this](link::Link &link, link::Prompter &prompter) {
-        // Each record shows as it arrives; the file is written at the end.
-        ReadProtocols(link, prompter, [this](int, const QByteArray &record) {
-            QMetaObject::invokeMethod(this, [this, text = link::DecodeTesterText(record)] {
-                m_show(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
-            });
-        });
-    });
+    m_device.Post(m_owner, text().remove(QLatin1Char('&')),
+                  [this](link::Link &link, link::Prompter &prompter) {
+                      // Each record shows as it arrives; the file is written at the end.
+                      ReadProtocols(link, prompter, [this](int, const QByteArray &record) {
+                          QMetaObject::invokeMethod(this, [this, text = link::DecodeTesterText(record)] {
+                              m_show(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+                          });
+                      });
+                  });
 }
 
 } // namespace kalvo::records::ui

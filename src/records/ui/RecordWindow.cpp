@@ -167,10 +167,10 @@ void RecordWindow::ShowPrintText(const QString &text)
     ShowReport(text);
     // The tester draws its frames with line-drawing characters; without them the report shows gaps.
     if (!HasLineDrawing(m_report->font()))
-        gui::GuiPrompter(this, windowTitle()).message(
-            QStringLiteral("Um Umlaute, Ohm und andere ASCII Zeichen darstellen zu können muß die "
-                           "Schriftart MS LineDraw installiert sein"),
-            link::Prompter::Icon::Warning);
+        gui::GuiPrompter(this, windowTitle())
+            .message(QStringLiteral("Um Umlaute, Ohm und andere ASCII Zeichen darstellen zu können muß die "
+                                    "Schriftart MS LineDraw installiert sein"),
+                     link::Prompter::Icon::Warning);
 }
 
 void RecordWindow::ShowRecords(const QList<QByteArray> &records, Source source)
@@ -298,9 +298,10 @@ void RecordWindow::ReadAccessory()
 void RecordWindow::StoreAccessory()
 {
     const QString logTmp = QDir(m_programDir).filePath(kLogTmp);
-    Post(m_protStore, [logTmp, records = m_records, text = reportText()](link::Link &link, link::Prompter &prompter) {
-        StoreAccessoryRecords(link, prompter, logTmp, records, text);
-    });
+    Post(m_protStore,
+         [logTmp, records = m_records, text = reportText()](link::Link &link, link::Prompter &prompter) {
+             StoreAccessoryRecords(link, prompter, logTmp, records, text);
+         });
 }
 
 void RecordWindow::ExportCsv()

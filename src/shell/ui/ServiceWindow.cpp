@@ -5,9 +5,9 @@
 #include "gui/DeviceThread.h"
 #include "gui/GuiPrompter.h"
 #include "link/Errors.h"
+#include "link/LanguageTable.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
-#include "link/LanguageTable.h"
 
 #include <QAction>
 #include <QDir>
@@ -237,7 +237,8 @@ void ServiceWindow::ShowScriptResult()
         QString text = ReadScriptResult(FilePath(kScriptResultFileName));
         AppendToTerminal(text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     } catch (const link::KalvoError &e) {
-        gui::GuiPrompter(this, m_ablPro->text().remove(QLatin1Char('&'))).message(e.message(), link::Prompter::Icon::Warning);
+        gui::GuiPrompter(this, m_ablPro->text().remove(QLatin1Char('&')))
+            .message(e.message(), link::Prompter::Icon::Warning);
     }
 }
 

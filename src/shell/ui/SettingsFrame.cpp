@@ -1,9 +1,9 @@
 // The tester-settings frame: the port chooser, its OK button and what identification found.
 #include "SettingsFrame.h"
 
+#include "link/LanguageTable.h"
 #include "link/PortNames.h"
 #include "link/TextRules.h"
-#include "link/LanguageTable.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -16,8 +16,9 @@ namespace kalvo::shell::ui {
 
 namespace {
 const char *const kValueNames[6] = {"SystVer", "KonfigVer", "bilderver", "hilfever", "ablaufVer", "Version"};
-const link::TextId kCaptionTexts[6] = {link::TxtLabelSystem, link::TxtLabelConfiguration, link::TxtLabelPictures,
-                                 link::TxtLabelHelp,   link::TxtLabelSequences,     link::TxtLabelVersion};
+const link::TextId kCaptionTexts[6] = {link::TxtLabelSystem,    link::TxtLabelConfiguration,
+                                       link::TxtLabelPictures,  link::TxtLabelHelp,
+                                       link::TxtLabelSequences, link::TxtLabelVersion};
 } // namespace
 
 SettingsFrame::SettingsFrame(QWidget *parent) : QGroupBox(parent)
