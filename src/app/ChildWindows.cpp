@@ -27,9 +27,10 @@ ChildWindows::~ChildWindows()
 
 void ChildWindows::Present(QWidget *window)
 {
-    if (!window->isVisible())
-        gui::FitOnScreen(window, m_main);
+    const bool opening = !window->isVisible();
     window->show();
+    if (opening)
+        gui::FitOnScreen(window, m_main);
     window->raise();
     window->activateWindow();
 }

@@ -18,6 +18,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 
 using namespace kalvo;
@@ -144,6 +145,23 @@ TEST_F(DesktopHabitsTest, ClosingTheMainWindowClosesEveryWindowAndThePort)
     QApplication::processEvents();
     for (QWidget *w : QApplication::topLevelWidgets())
         EXPECT_FALSE(w->isVisible()) << w->objectName().toStdString();
+}
+
+TEST_F(DesktopHabitsTest, TheRecordAndServiceWindowsOpenWholeOnTheScreen)
+{
+    auto &window = Open();
+    const QRect screen = window.screen()->availableGeometry();
+    // A screen smaller than the windows would like: they shrink to it rather than hang over.
+    ASSERT_LT(screen.width(), 1100) << "the offscreen screen has grown; pick larger windows";
+    for (QWidget *opened :
+         {static_cast<QWidget *>(window.windows().OpenRecords(QStringLiteral("deutsch"))),
+          static_cast<QWidget *>(window.windows().OpenService(window.texts(), QString()))}) {
+        QApplication::processEvents();
+        EXPECT_TRUE(screen.contains(opened->frameGeometry()))
+            << opened->objectName().toStdString() << " at " << opened->frameGeometry().x() << ","
+            << opened->frameGeometry().y() << " " << opened->frameGeometry().width() << "x"
+            << opened->frameGeometry().height() << " on " << screen.width() << "x" << screen.height();
+    }
 }
 
 TEST_F(DesktopHabitsTest, QtsOwnDialogsSpeakTheProgramsLanguage)

@@ -198,6 +198,11 @@ void RecordWindow::ClearList(Source source)
     m_source = source;
 }
 
+void RecordWindow::TellSaved(const QString &path)
+{
+    m_device.Tell(gui::PhraseText(gui::Phrase::FileSaved, m_language).arg(QDir::toNativeSeparators(path)));
+}
+
 void RecordWindow::Unlist()
 {
     OnWindow([this] {
@@ -312,6 +317,7 @@ void RecordWindow::ExportCsv()
         return;
     try {
         ExportCsvFile(path, QString(), m_records, reportText());
+        TellSaved(path);
     } catch (const link::KalvoError &e) {
         asker.message(e.message(), link::Prompter::Icon::Critical);
     }
@@ -378,6 +384,7 @@ void RecordWindow::SaveReportAsPdf()
         return;
     try {
         SaveReportPdf(reportText(), path, windowTitle());
+        TellSaved(path);
     } catch (const link::KalvoError &e) {
         asker.message(e.message(), link::Prompter::Icon::Critical);
     }

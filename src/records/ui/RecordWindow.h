@@ -51,6 +51,8 @@ private:
     void ClearList(Source source);
     // From the device thread: a read that did not end well lists nothing of what it showed.
     void Unlist();
+    // The status bar says where a file went.
+    void TellSaved(const QString &path);
     void OnWindow(std::function<void()> call);
     void ShowReport(const QString &text);
     // A print text the tester rendered; warns once shown when the font cannot draw its frames.
