@@ -12,15 +12,18 @@ using namespace kalvo::shell;
 
 namespace {
 
-// Qt's test location stands in for the user's settings, emptied: the user's own are never touched.
+// Qt's test location below a home of this process's own, emptied: neither the user's settings
+// nor those of window tests running at the same time are touched.
 ::testing::AssertionResult FreshUserSettings()
 {
+    static const QTemporaryDir home;
+    qputenv("HOME", home.path().toLocal8Bit());
     QStandardPaths::setTestModeEnabled(true);
     QSettings user(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("kalvo"),
                    QStringLiteral("kalvo"));
-    const QString testLocation = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    if (!user.fileName().startsWith(testLocation) || !testLocation.contains(QLatin1String("qttest")))
-        return ::testing::AssertionFailure() << "not a test location: " << user.fileName().toStdString();
+    if (!home.isValid() || !user.fileName().startsWith(home.path() + QLatin1Char('/')))
+        return ::testing::AssertionFailure()
+               << "not a private test location: " << user.fileName().toStdString();
     user.clear();
     return ::testing::AssertionSuccess();
 }
