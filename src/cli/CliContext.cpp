@@ -18,7 +18,8 @@ struct CliContext::Simulator {
     sim::VirtualTester tester{link::SteadyClock::instance()};
 };
 
-CliContext::CliContext(const CliOptions &options) : m_options(options), m_prompter(options.yes), m_out(stdout)
+CliContext::CliContext(const CliOptions &options)
+    : m_options(options), m_prompter(options.yes, StderrIsTerminal()), m_out(stdout)
 {
     if (options.simulate) {
         m_simulator = std::make_unique<Simulator>();

@@ -4,14 +4,41 @@
 #include "link/Link.h"
 
 #include <cstdio>
+#ifdef Q_OS_WIN
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace kalvo::cli {
 
-CliPrompter::CliPrompter(bool yes) : m_yes(yes), m_err(stderr)
+bool StderrIsTerminal()
+{
+#ifdef Q_OS_WIN
+    return _isatty(_fileno(stderr)) != 0;
+#else
+    return isatty(fileno(stderr)) != 0;
+#endif
+}
+
+CliPrompter::CliPrompter(bool yes, bool showProgress, FILE *err)
+    : m_yes(yes), m_showProgress(showProgress), m_err(err)
 {}
+
+CliPrompter::~CliPrompter()
+{
+    EndProgress();
+}
+
+void CliPrompter::EndProgress()
+{
+    m_err << m_progress.End();
+    m_err.flush();
+}
 
 void CliPrompter::message(const QString &text, Icon icon)
 {
+    EndProgress();
     if (icon == Icon::Critical)
         m_failureShown = true;
     m_err << text << Qt::endl;
@@ -24,9 +51,12 @@ bool CliPrompter::RefusalSeen() const
 
 bool CliPrompter::confirm(const QString &text)
 {
+    EndProgress();
     if (RefusalSeen()) {
-        m_err << text << QStringLiteral(" -> Abbrechen (abgelehnt: %1)").arg(link::RefusalWatch(*m_link, 0).Describe())
-              << Qt::endl;
+        m_err
+            << text
+            << QStringLiteral(" -> Abbrechen (abgelehnt: %1)").arg(link::RefusalWatch(*m_link, 0).Describe())
+            << Qt::endl;
         return false;
     }
     m_err << text << (m_yes ? QStringLiteral(" -> OK") : QStringLiteral(" -> Abbrechen (--yes für OK)"))
@@ -65,11 +95,10 @@ QString CliPrompter::askSaveFile(const QString &)
 
 void CliPrompter::progress(int percent)
 {
-    // Whole tens only: a progress line per byte would drown the terminal.
-    if (percent / 10 != m_lastProgress / 10 || percent == 100) {
-        m_err << percent << " %" << Qt::endl;
-        m_lastProgress = percent;
-    }
+    if (!m_showProgress)
+        return;
+    m_err << m_progress.Show(percent);
+    m_err.flush();
 }
 
 void CliPrompter::busy(bool)

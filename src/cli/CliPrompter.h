@@ -1,9 +1,11 @@
 // The Prompter of kalvo-cli: messages on stderr, answers from the command line.
 #pragma once
 
+#include "ProgressLine.h"
 #include "link/Prompter.h"
 
 #include <QTextStream>
+#include <cstdio>
 #include <deque>
 
 namespace kalvo::link {
@@ -12,9 +14,14 @@ class Link;
 
 namespace kalvo::cli {
 
+// True when stderr is a terminal: progress is shown only to a person watching, never to a script.
+bool StderrIsTerminal();
+
 class CliPrompter final : public link::Prompter {
 public:
-    explicit CliPrompter(bool yes);
+    // Messages go to `err`; progress too, as one line rewritten in place, when `showProgress`.
+    CliPrompter(bool yes, bool showProgress, FILE *err = stderr);
+    ~CliPrompter() override;
 
     void message(const QString &text, Icon icon) override;
     bool confirm(const QString &text) override;
@@ -37,12 +44,15 @@ public:
     void WatchRefusals(const link::Link *link) { m_link = link; }
     // True when a question now would be answered Cancel because of a refusal.
     bool RefusalSeen() const;
+    // Ends an unfinished progress line, so that what follows starts on a line of its own.
+    void EndProgress();
 
 private:
     bool m_yes;
+    bool m_showProgress;
     const link::Link *m_link = nullptr;
     bool m_failureShown = false;
-    int m_lastProgress = -1;
+    ProgressLine m_progress;
     std::deque<std::optional<QString>> m_texts;
     std::deque<QString> m_files;
     QTextStream m_err;

@@ -32,6 +32,17 @@ void PrintHelp(QTextStream &out)
            "exit codes: 0 done, 1 refused or failed, 2 usage, 3 no answer from the tester\n";
 }
 
+// Runs `command`; an unfinished progress line is ended before anything else reaches stderr,
+// whether the command returns or throws.
+int RunCommand(const CliCommand &command, CliContext &context, const QStringList &words)
+{
+    struct ProgressLineEnd {
+        CliPrompter &prompter;
+        ~ProgressLineEnd() { prompter.EndProgress(); }
+    } end{context.prompter()};
+    return command.run(context, words);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -64,7 +75,7 @@ int main(int argc, char *argv[])
             continue;
         CliContext context(*options);
         try {
-            const int code = command.run(context, options->words.mid(1));
+            const int code = RunCommand(command, context, options->words.mid(1));
             // A refusal was reported on the way: whatever the command made of it, it was not done.
             if (code == kExitDone && context.link().refusals() > 0) {
                 err << "kalvo-cli: abgelehnt: " << link::RefusalWatch(context.link(), 0).Describe()

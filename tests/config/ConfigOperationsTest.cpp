@@ -61,6 +61,24 @@ TEST(Variables, DumpQueriesD0ToFfAndLabelsTheLinesInOrder)
     EXPECT_TRUE(dump.Text().endsWith(QStringLiteral("FF: ==00 0000 0000\r\n")));
 }
 
+TEST(Variables, TheDumpHandsOnEachLineAsSoonAsItsRegisterIsRead)
+{
+    SimBench s;
+    QStringList seen;
+    QList<qsizetype> askedBefore; // registers asked for when each line arrived
+    const config::ConfigurationDump dump =
+        config::DumpConfiguration(s.link, {"VA\t first"}, &s.prompter, [&](const QString &line) {
+            seen << line;
+            askedBefore << s.Lines().size();
+        });
+    ASSERT_EQ(seen.size(), config::ConfigurationDump::kRegisters);
+    EXPECT_EQ(seen, dump.lines);
+    for (qsizetype i = 0; i < askedBefore.size(); ++i)
+        EXPECT_EQ(askedBefore[i], i + 1) << seen[i].toStdString();
+    EXPECT_EQ(s.prompter.progressValues.size(), size_t(config::ConfigurationDump::kRegisters));
+    EXPECT_TRUE(kalvo::testing::RisesTo100(s.prompter.progressValues));
+}
+
 TEST(Variables, SwitchesAndResetSendTheirExactBytes)
 {
     const struct {

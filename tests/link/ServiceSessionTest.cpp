@@ -84,5 +84,34 @@ TEST(PortNames, TheFourStandardNamesMapToTheSystemsFirstPortsOthersStandAsTheyAr
         EXPECT_EQ(SystemPortName(QString::fromLatin1(c.name)), QString::fromLatin1(c.system)) << c.name;
 }
 
+TEST(PortNames, TheChooserListsTheFourStandardNamesThenEachOtherSystemPortOnce)
+{
+    const QStringList standard = StandardPortNames();
+    const struct {
+        const char *name;
+        QStringList systemPorts;
+        QStringList extra; // behind "COM 1".."COM 4"
+    } cases[] = {
+        {"no ports", {}, {}},
+#ifdef Q_OS_WIN
+        {"the four are covered, any case",
+         {"COM1", "com3", "COM5", "COM4", "COM5", "COM12"},
+         {"COM5", "COM12"}},
+#else
+        {"the four are covered, duplicates once",
+         {"/dev/ttyS0", "/dev/ttyUSB0", "/dev/ttyS3", "/dev/ttyUSB0", "/dev/ttyS7"},
+         {"/dev/ttyUSB0", "/dev/ttyS7"}},
+        {"the system's order is kept",
+         {"/dev/ttyUSB1", "/dev/ttyACM0", "/dev/ttyUSB0"},
+         {"/dev/ttyUSB1", "/dev/ttyACM0", "/dev/ttyUSB0"}},
+#endif
+        {"a standard name itself is not repeated",
+         {"COM 2", "/dev/serial/by-id/usb-x"},
+         {"/dev/serial/by-id/usb-x"}},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(PortChoices(c.systemPorts), standard + c.extra) << c.name;
+}
+
 } // namespace
 } // namespace kalvo::testing

@@ -14,6 +14,7 @@ using namespace kalvo;
 using namespace kalvo::records;
 using kalvo::testing::ReadBench;
 using kalvo::testing::ReadFile;
+using kalvo::testing::RisesTo100;
 using std::chrono::milliseconds;
 
 namespace {
@@ -40,16 +41,6 @@ void ReplyInChunks(kalvo::testing::ScriptedTransport::Step &step, const QByteArr
 {
     for (qsizetype at = 0, n = 0; at < bytes.size(); at += size, ++n)
         step.Reply(bytes.mid(at, size), n * kChunkSpacing);
-}
-
-bool RisesTo100(const std::vector<int> &values)
-{
-    if (values.empty() || values.back() != 100)
-        return false;
-    for (size_t i = 1; i < values.size(); ++i)
-        if (values[i] < values[i - 1] || values[i] > 100)
-            return false;
-    return true;
 }
 
 // Specifications in any case, a record number with a blank and one with leading zeros, a device
@@ -96,6 +87,62 @@ TEST(ListingStream, ReadsTheSameInAnyChunksWithProgressAndNoTimeOutWhileChunksKe
         if (size == 1) // the first test record's row has begun long before the stream ends
             EXPECT_NE(std::find(s.prompter.progressValues.begin(), s.prompter.progressValues.end(), 50),
                       s.prompter.progressValues.end());
+    }
+}
+
+TEST(ListingStream, EntriesReachTheSinkInListingOrderWhileTheListingStillComes)
+{
+    for (const qsizetype size : {qsizetype(1), qsizetype(3), qsizetype(17), qsizetype(50), kListing.size()}) {
+        SCOPED_TRACE(size);
+        StreamBench b(QStringLiteral("proto.txt"));
+        auto &s = b.s;
+        s.transport.Expect("prx?n\r").Reply("PRX?N=  2\r\n\x11");
+        ReplyInChunks(s.transport.Expect("prx?nx\r"), kListing, size);
+        QStringList entries;
+        QList<int> numbers;
+        std::vector<link::Duration> seenAt;
+        const ListingResult result =
+            ListStoreRecords(s.link, s.prompter, b.path, [&](const QString &entry, int n) {
+                entries << entry;
+                numbers << n;
+                seenAt.push_back(s.clock.now());
+            });
+        ASSERT_EQ(result.status, RetrievalStatus::Done);
+        // Test records only, no "DATABASE" row, exactly as the finished listing has them.
+        EXPECT_EQ(entries, (QStringList{QStringLiteral("Müller-4711:2"), QStringLiteral("A-7:7")}));
+        EXPECT_EQ(entries, result.listing.records);
+        EXPECT_EQ(numbers, result.listing.numbers);
+        const qsizetype chunks = (kListing.size() + size - 1) / size;
+        if (chunks > 1) { // the first entry is told before the listing's last chunk has come
+            ASSERT_FALSE(seenAt.empty());
+            EXPECT_LT(seenAt.front(), s.transport.writes().back().at + (chunks - 1) * kChunkSpacing);
+        }
+    }
+}
+
+TEST(ListingStream, AStubListingOfAnEmptyStoreTellsNoEntry)
+{
+    const struct {
+        const char *name;
+        QByteArray listing;
+    } cases[] = {
+        {"the command echoed", "prx?nx\r\n;\x11"},
+        {"a row of empty fields", ";;;;;;;;;;;;;\r\n\x11"},
+        {"a short first field with a name and a number", "Nr=1;;;LEER;;;;;;;;;;\r\n\x11"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        StreamBench b(QStringLiteral("proto.txt"));
+        auto &s = b.s;
+        s.transport.Expect("prx?n\r").Reply("PRX?N=  1\r\n\x11");
+        ReplyInChunks(s.transport.Expect("prx?nx\r"), c.listing, 3);
+        QStringList entries;
+        const ListingResult result = ListStoreRecords(s.link, s.prompter, b.path,
+                                                      [&](const QString &entry, int) { entries << entry; });
+        ASSERT_EQ(result.status, RetrievalStatus::Done);
+        EXPECT_TRUE(result.listing.records.isEmpty());
+        EXPECT_TRUE(entries.isEmpty()) << entries.join(' ').toStdString();
+        EXPECT_EQ(ReadFile(b.path), c.listing);
     }
 }
 

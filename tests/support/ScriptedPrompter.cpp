@@ -61,4 +61,17 @@ void ScriptedPrompter::busy(bool on)
     busyDepth += on ? 1 : -1;
 }
 
+::testing::AssertionResult RisesTo100(const std::vector<int> &values)
+{
+    bool rising = !values.empty() && values.back() == 100;
+    for (size_t i = 1; rising && i < values.size(); ++i)
+        rising = values[i] >= values[i - 1] && values[i] <= 100;
+    if (rising)
+        return ::testing::AssertionSuccess();
+    ::testing::AssertionResult failure = ::testing::AssertionFailure() << "progress:";
+    for (const int value : values)
+        failure << ' ' << value;
+    return failure;
+}
+
 } // namespace kalvo::testing

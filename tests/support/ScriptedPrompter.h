@@ -6,6 +6,8 @@
 #include <QString>
 #include <QStringList>
 #include <deque>
+#include <gtest/gtest.h>
+#include <vector>
 
 namespace kalvo::testing {
 
@@ -37,5 +39,8 @@ public:
     std::vector<int> progressValues;
     int busyDepth = 0;
 };
+
+// Success when the percentages only rise, stay within 100 and end at 100; otherwise shows them.
+::testing::AssertionResult RisesTo100(const std::vector<int> &values);
 
 } // namespace kalvo::testing

@@ -65,11 +65,13 @@ RunResult RunCli(const SimProcess &sim, const QStringList &arguments, const QStr
 }
 
 RunResult RunProgram(const QString &name, const QStringList &arguments, int seconds,
-                     const QString &workingDir)
+                     const QString &workingDir, const QString &stderrFile)
 {
     QProcess process;
     if (!workingDir.isEmpty())
         process.setWorkingDirectory(workingDir);
+    if (!stderrFile.isEmpty())
+        process.setStandardErrorFile(stderrFile);
     process.start(BuiltProgram(name), arguments);
     RunResult result;
     if (!process.waitForFinished(seconds * 1000)) {

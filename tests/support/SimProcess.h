@@ -42,9 +42,10 @@ struct RunResult {
     bool crashed = false; // ended by a signal
 };
 
-// Runs a built program to its end (at most `seconds`).
+// Runs a built program to its end (at most `seconds`). With `stderrFile` (a terminal, for
+// instance) its stderr goes there instead of into RunResult::err.
 RunResult RunProgram(const QString &name, const QStringList &arguments, int seconds = 60,
-                     const QString &workingDir = QString());
+                     const QString &workingDir = QString(), const QString &stderrFile = QString());
 // Runs kalvo-cli against the simulator's terminal ("--port" and its path go first), at most `seconds`.
 RunResult RunCli(const SimProcess &sim, const QStringList &arguments, const QString &workingDir = QString(),
                  int seconds = 60);
