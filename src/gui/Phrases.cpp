@@ -57,7 +57,7 @@ const Row &RowOf(Phrase phrase)
          u"Soubor %1 již existuje. Nahradit?", u"Het bestand %1 bestaat al. Vervangen?",
          u"El archivo %1 ya existe. ¿Reemplazarlo?"},
     };
-    static_assert(std::size(rows) == static_cast<size_t>(Phrase::ReplaceFile) + 1);
+    static_assert(std::size(rows) == static_cast<size_t>(kLastPhrase) + 1);
     return rows[static_cast<int>(phrase)];
 }
 } // namespace

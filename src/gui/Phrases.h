@@ -24,6 +24,7 @@ enum class Phrase {
     CalibrationRestored,
     ReplaceFile, // %1 the file
 };
+constexpr Phrase kLastPhrase = Phrase::ReplaceFile;
 
 // `phrase` in `language` (the language table's names: "deutsch", "englisch", ...); German for
 // a name it does not know.

@@ -16,7 +16,7 @@ namespace {
 QList<Phrase> AllPhrases()
 {
     QList<Phrase> phrases;
-    for (int i = 0; i <= static_cast<int>(Phrase::TesterDisplay); ++i)
+    for (int i = 0; i <= static_cast<int>(gui::kLastPhrase); ++i)
         phrases << static_cast<Phrase>(i);
     return phrases;
 }
@@ -47,13 +47,13 @@ TEST(Phrases, EveryPhraseHasATextWithTheSamePlaceholdersInEveryLanguage)
 
 TEST(Phrases, EachLanguageHasItsOwnColumn)
 {
-    // "Back" is a different word in each of the seven languages: a language reading another's
+    // "line lost" is different in each of the seven languages: a language reading another's
     // column shows up as a repeat.
     QSet<QString> words;
     for (const link::LanguageColumn &language : link::LanguageColumns())
-        words << PhraseText(Phrase::Back, language.name);
+        words << PhraseText(Phrase::LineLost, language.name);
     EXPECT_EQ(words.size(), qsizetype(link::LanguageColumns().size()));
-    EXPECT_EQ(PhraseText(Phrase::Back, QStringLiteral("englisch")), QStringLiteral("Back"));
+    EXPECT_EQ(PhraseText(Phrase::LineLost, QStringLiteral("englisch")), QStringLiteral("line lost"));
 }
 
 TEST(Phrases, AnUnknownLanguageGetsGerman)
