@@ -1,6 +1,7 @@
 // Window tests need one QApplication for the whole run.
 #include <QApplication>
-#include <QStandardPaths>
+#include <QSettings>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 int main(int argc, char **argv)
@@ -9,8 +10,10 @@ int main(int argc, char **argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    // The port the windows remember goes to a settings folder of the tests, not the user's.
-    QStandardPaths::setTestModeEnabled(true);
+    // The port the windows remember goes to a settings folder of this run: neither the user's nor
+    // one that test processes running side by side would share.
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, settings.path());
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
