@@ -62,8 +62,10 @@ void DeviceWorker::RunQuietly(const DeviceThread::LinkJob &job)
         return;
     try {
         job(*m_link);
-    } catch (const std::exception &) {
-        // Settings of the link do not talk to the tester; nothing here has anything to report.
+    } catch (const link::KalvoError &e) {
+        // A setting that cannot be applied (a trace file that cannot be opened) is told; the
+        // work goes on without it.
+        m_fallback.message(e.message(), link::Prompter::Icon::Warning);
     }
 }
 
