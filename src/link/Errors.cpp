@@ -18,6 +18,9 @@ QString KalvoError::message() const
 Timeout::Timeout() : KalvoError(kTimeoutNumber, QStringLiteral("Kein Kalvomer gefunden"))
 {}
 
+Timeout::Timeout(const QString &text) : KalvoError(kTimeoutNumber, text)
+{}
+
 PortError::PortError(Kind kind, const QString &text) : KalvoError(kPortErrorNumber, text), m_kind(kind)
 {}
 

@@ -24,6 +24,8 @@ private:
 class Timeout : public KalvoError {
 public:
     Timeout();
+    // A time-out that says more than "Kein Kalvomer gefunden", e.g. which transfer phase waited.
+    explicit Timeout(const QString &text);
 };
 
 // The tester refused or answered something unusable.

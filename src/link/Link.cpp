@@ -14,6 +14,7 @@ const QString kDefaultPortNotOpen = QStringLiteral("Die Schnittstelle ist nicht 
 const QString kDefaultProtocolText = QStringLiteral("Protokollfehler");
 constexpr qint64 kShortestSendableFile = 101;
 constexpr std::chrono::milliseconds kWaitSlice(200);
+const QString kAbandonedText = QStringLiteral("Abgebrochen: das Programm wird beendet");
 // A refusal is the echo of a command and " Protokoll .N": far shorter than this.
 constexpr qsizetype kLongestRefusal = 80;
 
@@ -76,10 +77,16 @@ void Link::SendCommand(const QByteArray &text)
     if (!m_transport.isOpen())
         return;
     m_lastCommand = text.endsWith(kCR) ? text.chopped(1) : text;
+    WriteAndDrain(text, true);
+}
+
+void Link::WriteAndDrain(const QByteArray &bytes, bool discardFirst)
+{
     bool sent = false;
     try {
-        m_transport.discardInput();
-        m_transport.write(text);
+        if (discardFirst)
+            m_transport.discardInput();
+        m_transport.write(bytes);
         sent = m_transport.drain(std::chrono::ceil<std::chrono::milliseconds>(m_timeout));
     } catch (const PortError &e) {
         Lost(e);
@@ -88,6 +95,42 @@ void Link::SendCommand(const QByteArray &text)
         // The line stopped taking bytes: as good as a tester that does not answer.
         m_transport.close();
         throw Timeout();
+    }
+}
+
+void Link::WriteRaw(const QByteArray &bytes)
+{
+    if (m_transport.isOpen())
+        WriteAndDrain(bytes, false);
+}
+
+QByteArray Link::ReadRaw(std::chrono::milliseconds wait)
+{
+    if (!m_transport.isOpen())
+        return {};
+    if (m_abandoned)
+        Lost(PortError(PortError::Kind::Lost, kAbandonedText));
+    QByteArray chunk;
+    try {
+        chunk = m_transport.read(std::min(wait, kWaitSlice));
+    } catch (const PortError &e) {
+        Lost(e);
+    }
+    for (char byte : chunk)
+        Trace(byte);
+    if (m_trace && !chunk.isEmpty())
+        m_trace->flush();
+    return chunk;
+}
+
+void Link::DiscardInput()
+{
+    if (!m_transport.isOpen())
+        return;
+    try {
+        m_transport.discardInput();
+    } catch (const PortError &e) {
+        Lost(e);
     }
 }
 
@@ -100,7 +143,7 @@ QByteArray Link::ReadBefore(Duration deadline)
             throw Timeout();
         }
         if (m_abandoned)
-            Lost(PortError(PortError::Kind::Lost, QStringLiteral("Abgebrochen: das Programm wird beendet")));
+            Lost(PortError(PortError::Kind::Lost, kAbandonedText));
         QByteArray chunk;
         try {
             // Waiting in slices lets a program that is being closed stop waiting.

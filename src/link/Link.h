@@ -61,6 +61,16 @@ public:
     QByteArray SendFileRaw(const QString &path);
     // Bytes the tester sent of its own accord (the remote display), read while no exchange runs.
     QByteArray ReadUnprompted(std::chrono::milliseconds wait);
+    // For the update loaders, which answer in reports of their own rather than one answer per
+    // command. WriteRaw writes the bytes as they stand (nothing added, nothing discarded) and
+    // waits until they have left, the time-out being the deadline as for SendCommand.
+    void WriteRaw(const QByteArray &bytes);
+    // What has arrived, waiting at most `wait` for the first byte (empty when nothing came): one
+    // read of the transport, so bounded by what the line brings in that time. A wait is cut into
+    // short slices, so that a program being closed stops waiting: callers loop to their deadline.
+    QByteArray ReadRaw(std::chrono::milliseconds wait);
+    // Forgets what has arrived and not been read.
+    void DiscardInput();
 
     Duration timeout() const { return m_timeout; }
     void setTimeout(Duration timeout) { m_timeout = timeout; }
@@ -100,6 +110,8 @@ public:
 private:
     void Trace(char byte);
     [[noreturn]] void Lost(const PortError &error);
+    // Writes and waits until sent; a stalled line closes the port and throws Timeout.
+    void WriteAndDrain(const QByteArray &bytes, bool discardFirst);
     // Waits for the next bytes until `deadline`; throws Timeout (closing the port) after it.
     QByteArray ReadBefore(Duration deadline);
     // Appends `chunk` up to and including DC1 to `answer`; true when DC1 was in it.
