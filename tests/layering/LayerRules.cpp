@@ -5,7 +5,7 @@ namespace kalvo::layering {
 
 namespace {
 
-const char *const kCore = "shell config records records/print modem";
+const char *const kCore = "shell config records records/print modem update";
 
 struct Row {
     const char *folder;
@@ -23,12 +23,14 @@ const Row kTable[] = {
     {"records",         "link core"},
     {"records/print",   "link core"},
     {"modem",           "link core"},
+    {"update",          "link core"},
     {"gui",             "link"},
     {"shell/ui",        "gui shell link"},
     {"config/ui",       "gui config link"},
     {"records/ui",      "gui records records/print link"},
     {"modem/ui",        "gui modem link"},
-    {"app",             "gui shell/ui config/ui records/ui modem/ui core link sim"},
+    {"update/ui",       "gui update link"},
+    {"app",             "gui shell/ui config/ui records/ui modem/ui update/ui core link sim"},
     {"cli",             "core link sim"},
 };
 // clang-format on

@@ -1,0 +1,57 @@
+// Moving a file into the tester's flash after its loader has been announced: firmware line by
+// line, packages as one stream, both ending with the loader's erase and programming reports.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace kalvo::link {
+class Link;
+class Prompter;
+} // namespace kalvo::link
+
+namespace kalvo::update {
+
+class HexFile;
+
+// About one second of line time at 9600 baud (10 bits a byte): a drain that returns only at an
+// adapter's next poll (up to 16 ms) then costs under 2 %, and the progress still moves each second.
+constexpr qsizetype kStreamBlockBytes = 960;
+// A package of this size or less counts as missing.
+constexpr qint64 kShortestPackageBytes = 101;
+// Far beyond the tester's flash; a larger file is refused with its size instead of being read.
+constexpr qint64 kMaxPackageFileBytes = 16 * 1024 * 1024;
+
+// Error numbers of a loader report that is missing or out of place.
+constexpr int kEraseReportMissing = 31998;
+constexpr int kProgrammingReportMisplaced = 31997;
+
+// The line transfer: each line + CR, waiting up to the time-out for the tester's "!"; then
+// "Erasing" (31998 when the report ends without it) and DC1 at or after the report's second byte.
+// Returns false, after the message path + " nicht gefunden", when the file has 10 lines or fewer.
+// Throws link::Timeout (3), link::TransferError, link::ProtocolError (a line answered without
+// "!"); each message says that the update must be repeated.
+bool SendHexFile(link::Link &link, link::Prompter &prompter, const HexFile &hex);
+
+// The character stream: exactly the file's bytes, then "rasing" (31998), "ramming" (31997 when
+// missing or first in the report) and DC1 at or after the second byte. Returns false, after
+// " nicht gefunden", for a file of 100 bytes or less. Throws as SendHexFile, and link::FormatError
+// for a file larger than kMaxPackageFileBytes.
+bool SendPackageFile(link::Link &link, link::Prompter &prompter, const QString &path);
+
+// Throws link::FormatError naming the size when `path` is larger than kMaxPackageFileBytes.
+void CheckPackageFileSize(const QString &path);
+
+// Writes `bytes` in blocks of kStreamBlockBytes, each waited for until it has left the machine,
+// with the busy pointer on and the progress (0 to 100) following the bytes gone.
+void StreamBytes(link::Link &link, link::Prompter &prompter, const QByteArray &bytes);
+
+// Sends a loader command ("kal!upd0".."kal!upd3") and collects its answer. A refusal (".N" or
+// "Protokoll") is counted and thrown as link::ProtocolError naming `path` as not sent: a tester
+// whose loader did not open would take the file's bytes as commands.
+void AnnounceLoader(link::Link &link, const QByteArray &command, const QString &path);
+
+// The message for a file not sent: its path and " nicht gefunden".
+QString NotFoundText(const QString &path);
+
+} // namespace kalvo::update
