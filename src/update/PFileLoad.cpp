@@ -1,0 +1,51 @@
+// A template's P-file made beside it, and loaded into the tester through the picture loader.
+#include "PFileLoad.h"
+
+#include "FileBytes.h"
+#include "PFile.h"
+#include "Transfers.h"
+#include "UpdateKinds.h"
+#include "link/Link.h"
+#include "link/Prompter.h"
+#include "link/ServiceSession.h"
+
+namespace kalvo::update {
+
+std::optional<MadePFile> MakePFile(link::Prompter &prompter, const QString &templatePath, int slot,
+                                   const QString &outPath)
+{
+    const PFileBuild build = BuildPFile(ReadTemplateLines(templatePath), slot);
+    if (build.bytes.isEmpty()) {
+        prompter.message(kTooLongText, link::Prompter::Icon::Warning);
+        return std::nullopt;
+    }
+    MadePFile made{outPath.isEmpty() ? PFileName(templatePath) : outPath, build.bytes};
+    SaveBytes(made.path, made.bytes);
+    return made;
+}
+
+bool LoadPFile(link::Link &link, link::Prompter &prompter, const MadePFile &pfile)
+{
+    link.SendCommand(QByteArray{} + link::kEOT + link::kCR);
+    link.Wait(kPFileWakePause);
+    link::OpenServiceSession(link);
+    AnnounceLoader(link, InfoFor(ContentKind::Pictures).announce, pfile.path);
+    const bool send = pfile.bytes.size() >= kShortestPackageBytes;
+    if (send) {
+        StreamBytes(link, prompter, pfile.bytes);
+        link.ReceiveAnswer();
+    } else {
+        prompter.message(NotFoundText(pfile.path), link::Prompter::Icon::Warning);
+    }
+    link.Wait(kPFileSettlePause);
+    link::RestartTester(link);
+    return send;
+}
+
+bool BuildAndLoadPFile(link::Link &link, link::Prompter &prompter, const QString &templatePath, int slot)
+{
+    const auto made = MakePFile(prompter, templatePath, slot);
+    return made && LoadPFile(link, prompter, *made);
+}
+
+} // namespace kalvo::update

@@ -1,0 +1,52 @@
+// The tester's five print templates: read out, kept in ".pr" files, stored back through a P-file.
+#include "Templates.h"
+
+#include "FileBytes.h"
+#include "PFileLoad.h"
+#include "link/Link.h"
+
+namespace kalvo::update {
+
+QByteArray TemplateReadCommand(int k)
+{
+    return "prn?" + QByteArray::number(k);
+}
+
+QByteArray TemplateText(const QByteArray &answer)
+{
+    const qsizetype start = answer.indexOf("\\v");
+    const QByteArray payload = start < 0 ? answer : answer.mid(start + 2);
+    QByteArray text;
+    for (char ch : payload) {
+        const auto c = static_cast<unsigned char>(ch);
+        if (c == '\n' || c == '\r' || c >= 32)
+            text += ch;
+    }
+    return text;
+}
+
+QString TemplateFileName(int k)
+{
+    return QString::number(k) + QStringLiteral(".pr");
+}
+
+bool SaveTemplateFromTester(link::Link &link, int k, const QString &path)
+{
+    if (link.PortClosed())
+        return false;
+    const link::RefusalWatch watch(link);
+    const QByteArray answer = link.Exchange(TemplateReadCommand(k));
+    if (watch.refused())
+        return false;
+    SaveBytes(path, TemplateText(answer));
+    return true;
+}
+
+bool StoreTemplate(link::Link &link, link::Prompter &prompter, const QByteArray &text, const QString &path,
+                   int slot)
+{
+    SaveBytes(path, text);
+    return BuildAndLoadPFile(link, prompter, path, slot);
+}
+
+} // namespace kalvo::update

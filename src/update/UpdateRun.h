@@ -1,0 +1,65 @@
+// Loading firmware and packages into the tester: one chosen file, a file by its exact name, or
+// the whole package of a language, each ahead of its loader command.
+#pragma once
+
+#include "CalibrationFixUp.h"
+#include "UpdateKinds.h"
+#include "UpdatePermission.h"
+#include "link/Identification.h"
+#include "link/LanguageTable.h"
+
+#include <QStringList>
+#include <optional>
+
+namespace kalvo::link {
+class Link;
+class Prompter;
+} // namespace kalvo::link
+
+namespace kalvo::update {
+
+// The package languages: ge gb fr it nl es ts pl.
+const QStringList &PackageLanguageCodes();
+
+struct UpdateContext {
+    QString directory;                                         // the download directory
+    link::LanguageTable texts;                                 // the refusal texts of the program's language
+    link::DateOrder dateOrder = link::DateOrder::DayMonthYear; // for the identity read after the run
+};
+
+struct UpdateOutcome {
+    QStringList sent;                // file names that reached the tester whole
+    QStringList missing;             // reported " nicht gefunden"
+    QList<ContentKind> notPermitted; // refused by the update-permitted flag
+    // The identity read after the run (the window shows it; the fix-up goes by its version).
+    std::optional<link::TesterIdentity> identity;
+    std::optional<FixUpResult> fixUp;
+    bool Complete() const { return missing.isEmpty() && notPermitted.isEmpty(); }
+};
+
+// Whatever goes wrong before the first command throws and sends nothing: a firmware file that is
+// not Intel HEX, a file beyond its size limit (link::FormatError). A failed transfer ends the run
+// where it failed (link::Timeout, link::TransferError, link::ProtocolError), as does a loader
+// command the tester refuses: nothing is sent to a loader that did not open. A file that is
+// missing or too short is reported " nicht gefunden" and the run goes on. Nothing is sent while
+// the port is closed (the user is told).
+
+// A file chosen in the file list of `kind`: "idn!99", "kal!ein", the loader command and the
+// file; after a package file also "rst!0" and EOT (firmware restarts the tester by itself); then
+// the identity is read again. Choosing the file permits its update.
+UpdateOutcome UpdateSingleFile(link::Link &link, link::Prompter &prompter, UpdatePermission &permission,
+                               ContentKind kind, const QString &path, const UpdateContext &context);
+
+// The start button: `fileName` is compared exactly, case included, with the language's sequence
+// and help files, "bilder.p" and "med.hex", in this order; any other name is not sent. "rst!0" and
+// EOT always follow.
+UpdateOutcome UpdateByName(link::Link &link, link::Prompter &prompter, const UpdatePermission &permission,
+                           const QString &fileName, const link::PackageFiles &languageFiles,
+                           const UpdateContext &context);
+
+// All four files of a language (a code of PackageLanguageCodes): firmware, pictures, sequences,
+// help, "rst!0" and EOT, the identity, and the calibration fix-up on firmware above 1.4.
+UpdateOutcome UpdatePackage(link::Link &link, link::Prompter &prompter, UpdatePermission &permission,
+                            const QString &languageCode, const UpdateContext &context);
+
+} // namespace kalvo::update
