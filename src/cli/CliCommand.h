@@ -27,5 +27,6 @@ QList<CliCommand> LinkCommands();
 QList<CliCommand> ShellCommands();
 QList<CliCommand> RecordCommands();
 QList<CliCommand> ConfigCommands();
+QList<CliCommand> UpdateCommands();
 
 } // namespace kalvo::cli

@@ -1,6 +1,7 @@
 // kalvo-cli records, report, kym and csv: test records from the tester, the accessory and files.
 #include "CliCommand.h"
 #include "CliContext.h"
+#include "CliWords.h"
 
 #include "records/RecordDecoding.h"
 #include "records/RecordFiles.h"
@@ -16,37 +17,6 @@
 namespace kalvo::cli {
 
 namespace {
-
-int NumberArgument(const QString &word, const QString &what)
-{
-    bool ok = false;
-    const int value = word.toInt(&ok);
-    if (!ok)
-        throw UsageError{QStringLiteral("%1 muss eine Zahl sein, nicht %2").arg(what, word)};
-    return value;
-}
-
-// The positional words and the values of `--name VALUE` options; anything else is a usage error.
-struct Words {
-    QStringList positional;
-    QMap<QString, QString> options;
-};
-
-Words SplitWords(const QStringList &words, const QStringList &valueOptions)
-{
-    Words result;
-    for (qsizetype i = 0; i < words.size(); ++i) {
-        if (!words[i].startsWith(QLatin1String("--"))) {
-            result.positional << words[i];
-        } else if (valueOptions.contains(words[i]) && i + 1 < words.size()) {
-            result.options.insert(words[i], words[i + 1]);
-            ++i;
-        } else {
-            throw UsageError{QStringLiteral("unbekanntes Argument %1").arg(words[i])};
-        }
-    }
-    return result;
-}
 
 int ExitFor(records::RetrievalStatus status)
 {

@@ -19,7 +19,7 @@ namespace {
 
 QList<CliCommand> AllCommands()
 {
-    return LinkCommands() + ShellCommands() + RecordCommands() + ConfigCommands();
+    return LinkCommands() + ShellCommands() + RecordCommands() + ConfigCommands() + UpdateCommands();
 }
 
 void PrintHelp(QTextStream &out)

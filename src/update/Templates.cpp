@@ -14,10 +14,18 @@ QByteArray TemplateReadCommand(int k)
 
 QByteArray TemplateText(const QByteArray &answer)
 {
-    const qsizetype start = answer.indexOf("\\v");
-    const QByteArray payload = start < 0 ? answer : answer.mid(start + 2);
+    // The payload: the answer without its terminator and without the success mark that closes it.
+    QByteArray payload = answer.endsWith(link::kDC1) ? answer.chopped(1) : answer;
+    qsizetype end = payload.size();
+    while (end > 0 && (payload[end - 1] == '\r' || payload[end - 1] == '\n'))
+        --end;
+    if (payload.left(end).endsWith(".Y"))
+        payload.truncate(end - 2);
+    const qsizetype start = payload.indexOf("\\v");
+    if (start >= 0)
+        payload.remove(0, start + 2);
     QByteArray text;
-    for (char ch : payload) {
+    for (char ch : std::as_const(payload)) {
         const auto c = static_cast<unsigned char>(ch);
         if (c == '\n' || c == '\r' || c >= 32)
             text += ch;

@@ -17,8 +17,9 @@ constexpr int kLastTemplate = 4;
 // "prn?" + k, the number without a blank (as "prn!1" is sent); the tester's answer may echo it
 // either way, and nothing is read from the echo.
 QByteArray TemplateReadCommand(int k);
-// The template in an answer: what follows the two characters "\v" when the answer has them,
-// otherwise the whole answer; only LF, CR and the characters 32 to 255 are kept.
+// The template in an answer: of its payload (the answer without DC1, and without the ".Y" and
+// line end that close it, when they do) what follows the two characters "\v" when it has them,
+// otherwise all of it; only LF, CR and the characters 32 to 255 are kept.
 QByteArray TemplateText(const QByteArray &answer);
 // k + ".pr", the template's file when it was read from the tester.
 QString TemplateFileName(int k);

@@ -26,6 +26,9 @@ TEST(Templates, TheTextStartsAfterBackslashVAndKeepsOnlyPrintableBytesAndLineEnd
         QByteArray text;
     } cases[] = {
         {"after \\v", "prn?1\\vKopf\r\nZeile\r\n\x11", "Kopf\r\nZeile\r\n"},
+        {"closed by .Y", "prn?1 Vorlage 1 \\vKopf\r\nZeile\r\n.Y\r\n\x11", "Kopf\r\nZeile\r\n"},
+        {".Y inside the text stays", "prn?1\\va.Y\r\nb\r\n\x11", "a.Y\r\nb\r\n"},
+        {"no \\v, closed by .Y without line end", "prn?2 .Y\x11", "prn?2 "},
         {"echo with a blank, in capitals", "PRN? 2\\v@1 @2\n\x11", "@1 @2\n"},
         {"no \\v: the whole answer", "prn?3\r\nText\r\n\x11", "prn?3\r\nText\r\n"},
         {"a second \\v belongs to the text", "prn?0\\va\\vb\x11", "a\\vb"},

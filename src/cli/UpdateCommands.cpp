@@ -1,0 +1,150 @@
+// kalvo-cli update, pfile and templates: firmware and packages into the tester, print templates.
+#include "CliCommand.h"
+#include "CliContext.h"
+#include "CliWords.h"
+
+#include "link/Identification.h"
+#include "link/PackageFiles.h"
+#include "update/PFile.h"
+#include "update/PFileLoad.h"
+#include "update/Templates.h"
+#include "update/UpdateRun.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace kalvo::cli {
+
+namespace {
+
+void PrintOutcome(QTextStream &out, const update::UpdateOutcome &outcome)
+{
+    for (const QString &name : outcome.sent)
+        out << name << ": sent\n";
+    for (const QString &name : outcome.missing)
+        out << name << ": not found\n";
+    static const char *const kKinds[] = {"firmware", "pictures", "sequences", "help"};
+    for (const update::ContentKind kind : outcome.notPermitted)
+        out << kKinds[static_cast<int>(kind)] << ": not permitted\n";
+    if (outcome.identity)
+        out << "firmware: " << QString::number(outcome.identity->firmwareVersion, 'g', 6) << '\n';
+    if (outcome.fixUp)
+        out << "calibration fix-up: 29 " << (outcome.fixUp->changed29 ? "changed" : "kept") << ", 50 "
+            << (outcome.fixUp->changed50 ? "changed" : "kept") << ", "
+            << (outcome.fixUp->stored ? "stored" : "nothing stored") << '\n';
+}
+
+int Update(CliContext &context, const QStringList &words)
+{
+    const Words w = SplitWords(words, {QStringLiteral("--lang")});
+    const QString action = w.positional.value(0);
+    update::UpdateContext setup{{}, context.texts(), link::SystemDateOrder()};
+    // A command line starts as the program does: with the update permitted.
+    update::UpdatePermission permission;
+    update::UpdateOutcome outcome;
+    if (action == QLatin1String("file") && w.positional.size() == 2 && w.options.isEmpty()) {
+        const QFileInfo file(w.positional[1]);
+        const auto kind = update::KindForFileName(file.fileName());
+        if (!kind)
+            throw UsageError{
+                QStringLiteral("%1 passt zu keiner Maske (*.hex, b*.p, a*.p, h*.p)").arg(file.fileName())};
+        setup.directory = file.absolutePath();
+        context.OpenPort();
+        outcome = update::UpdateSingleFile(context.link(), context.prompter(), permission, *kind,
+                                           file.absoluteFilePath(), setup);
+    } else if (action == QLatin1String("package") && w.positional.size() == 2 &&
+               w.options.contains(QStringLiteral("--lang"))) {
+        const QString code = w.options.value(QStringLiteral("--lang"));
+        if (!update::PackageLanguageCodes().contains(code))
+            throw UsageError{QStringLiteral("--lang muss einer von %1 sein, nicht %2")
+                                 .arg(update::PackageLanguageCodes().join(QLatin1Char(' ')), code)};
+        setup.directory = w.positional[1];
+        if (!QFileInfo(setup.directory).isDir())
+            throw UsageError{
+                QStringLiteral("%1 ist kein Verzeichnis").arg(QDir::toNativeSeparators(setup.directory))};
+        context.OpenPort();
+        outcome = update::UpdatePackage(context.link(), context.prompter(), permission, code, setup);
+    } else {
+        throw UsageError{QStringLiteral("file PATH | package DIR --lang ge|gb|fr|it|nl|es|ts|pl")};
+    }
+    PrintOutcome(context.out(), outcome);
+    return outcome.Complete() ? kExitDone : kExitFailed;
+}
+
+int SlotArgument(const Words &w)
+{
+    const int slot = NumberArgument(w.options.value(QStringLiteral("--slot")), QStringLiteral("--slot"));
+    if (!update::SlotByte(slot))
+        throw UsageError{QStringLiteral("--slot muss zwischen 1 und 4 liegen, nicht %1").arg(slot)};
+    return slot;
+}
+
+int PFile(CliContext &context, const QStringList &words)
+{
+    const Words w = SplitWords(words, {QStringLiteral("--slot"), QStringLiteral("--out")});
+    const QString action = w.positional.value(0);
+    if (w.positional.size() != 2 || !w.options.contains(QStringLiteral("--slot")) ||
+        (action == QLatin1String("load") && w.options.contains(QStringLiteral("--out"))))
+        throw UsageError{
+            QStringLiteral("build TEMPLATE.pr --slot 1-4 [--out FILE] | load TEMPLATE.pr --slot 1-4")};
+    const int slot = SlotArgument(w);
+    if (action == QLatin1String("build")) {
+        const auto made = update::MakePFile(context.prompter(), w.positional[1], slot,
+                                            w.options.value(QStringLiteral("--out")));
+        if (!made)
+            return kExitFailed;
+        context.out() << QDir::toNativeSeparators(made->path) << ": " << made->bytes.size() << " bytes, slot "
+                      << slot << '\n';
+        return kExitDone;
+    }
+    if (action == QLatin1String("load")) {
+        // Read the template before the port is opened: a bad file ends the command untouched.
+        update::ReadTemplateLines(w.positional[1]);
+        context.OpenPort();
+        if (!update::BuildAndLoadPFile(context.link(), context.prompter(), w.positional[1], slot))
+            return kExitFailed;
+        context.out() << QDir::toNativeSeparators(update::PFileName(w.positional[1])) << " -> slot " << slot
+                      << '\n';
+        return kExitDone;
+    }
+    throw UsageError{QStringLiteral("build | load")};
+}
+
+int Templates(CliContext &context, const QStringList &words)
+{
+    const Words w = SplitWords(words, {});
+    if (w.positional.value(0) != QLatin1String("read") || w.positional.size() < 2 || w.positional.size() > 3)
+        throw UsageError{QStringLiteral("read K [OUT.pr]")};
+    const int k = NumberArgument(w.positional[1], QStringLiteral("K"));
+    if (k < update::kFirstTemplate || k > update::kLastTemplate)
+        throw UsageError{QStringLiteral("K muss zwischen 0 und 4 liegen, nicht %1").arg(k)};
+    const QString path = w.positional.value(2, update::TemplateFileName(k));
+    context.OpenPort();
+    if (!update::SaveTemplateFromTester(context.link(), k, path))
+        return kExitFailed;
+    context.out() << "template " << k << " -> " << QDir::toNativeSeparators(path) << '\n';
+    return kExitDone;
+}
+
+} // namespace
+
+QList<CliCommand> UpdateCommands()
+{
+    return {
+        {QStringLiteral("update"), QStringLiteral("file PATH | package DIR --lang ge|gb|fr|it|nl|es|ts|pl"),
+         QStringLiteral(
+             "load one firmware (*.hex) or package file (b*.p, a*.p, h*.p) by its name, or all four "
+             "files of a language from DIR, into the tester"),
+         Update},
+        {QStringLiteral("pfile"),
+         QStringLiteral("build TEMPLATE.pr --slot 1-4 [--out FILE] | load TEMPLATE.pr --slot 1-4"),
+         QStringLiteral(
+             "pack a print template into its P-file (beside it, or FILE), or pack and load it into a slot"),
+         PFile},
+        {QStringLiteral("templates"), QStringLiteral("read K [OUT.pr]"),
+         QStringLiteral("read print template K (0 to 4) from the tester into OUT.pr (default K.pr)"),
+         Templates},
+    };
+}
+
+} // namespace kalvo::cli
