@@ -104,6 +104,17 @@ void Link::WriteRaw(const QByteArray &bytes)
         WriteAndDrain(bytes, false);
 }
 
+void Link::QueueRaw(const QByteArray &bytes)
+{
+    if (!m_transport.isOpen())
+        return;
+    try {
+        m_transport.write(bytes);
+    } catch (const PortError &e) {
+        Lost(e);
+    }
+}
+
 QByteArray Link::ReadRaw(std::chrono::milliseconds wait)
 {
     if (!m_transport.isOpen())

@@ -65,6 +65,10 @@ public:
     // command. WriteRaw writes the bytes as they stand (nothing added, nothing discarded) and
     // waits until they have left, the time-out being the deadline as for SendCommand.
     void WriteRaw(const QByteArray &bytes);
+    // Writes the bytes as they stand without waiting until they have left: for a line the tester
+    // acknowledges, whose acknowledgement (awaited with a deadline) shows that it arrived. A drain
+    // per line would cost a USB adapter a poll interval each time.
+    void QueueRaw(const QByteArray &bytes);
     // What has arrived, waiting at most `wait` for the first byte (empty when nothing came): one
     // read of the transport, so bounded by what the line brings in that time. A wait is cut into
     // short slices, so that a program being closed stops waiting: callers loop to their deadline.

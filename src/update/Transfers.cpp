@@ -170,11 +170,9 @@ bool SendHexFile(link::Link &link, link::Prompter &prompter, const HexFile &hex)
         for (qsizetype i = 0; i < lines; ++i) {
             const QString where = QStringLiteral("Zeile %1 von %2 aus %3").arg(i + 1).arg(lines).arg(name);
             report.Clear();
-            try {
-                link.SendCommand(hex.lines()[i] + link::kCR);
-            } catch (const link::Timeout &) {
-                StalledLine(where);
-            }
+            link.DiscardInput();
+            // The "!" shows that the line has arrived; waiting for it is waiting for the line.
+            link.QueueRaw(hex.lines()[i] + link::kCR);
             if (report.WaitFor("!", QStringLiteral("\"!\" nach %1").arg(where)) ==
                 LoaderReport::Outcome::Ended) {
                 link.NoteRefusal(hex.lines()[i]);

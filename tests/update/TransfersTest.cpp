@@ -130,7 +130,7 @@ TEST(LineTransfer, FailuresEndTheTransferAndAskForTheUpdateAgain)
              t.Expect(hex.lines()[0] + '\r').Reply("!");
              t.Expect(hex.lines()[1] + '\r').Stall();
          },
-         3, "Die Leitung nimmt keine Bytes mehr an (Zeile 2 von 12", false},
+         3, "\"!\" nach Zeile 2 von 12", false},
         {"the port vanishes", [&](ScriptedTransport &t) { t.Expect(hex.lines()[0] + '\r').Vanish(5ms); },
          kPortErrorNumber, "(med.hex)", false},
     };
