@@ -3,6 +3,7 @@
 
 #include "link/Errors.h"
 #include "link/Link.h"
+#include "link/TextRules.h"
 
 namespace kalvo::update {
 
@@ -15,6 +16,15 @@ void LoaderReport::DropThrough(const QByteArray &mark)
 {
     const qsizetype at = m_bytes.indexOf(mark);
     m_bytes.remove(0, at < 0 ? m_bytes.size() : at + mark.size());
+}
+
+QString LoaderReport::Shown() const
+{
+    constexpr qsizetype kShown = 80;
+    QString shown = link::EscapeBytes(m_bytes.left(kShown));
+    if (m_bytes.size() > kShown)
+        shown += QStringLiteral("... (%1 Bytes)").arg(m_bytes.size());
+    return shown;
 }
 
 bool LoaderReport::Ended() const

@@ -36,6 +36,8 @@ public:
     // Forgets what was collected up to and including the first `mark`, keeping what followed it.
     void DropThrough(const QByteArray &mark);
     const QByteArray &bytes() const { return m_bytes; }
+    // What came, for a message: escaped, a long report shortened.
+    QString Shown() const;
 
 private:
     bool Ended() const;

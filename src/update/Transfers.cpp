@@ -7,7 +7,6 @@
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/Prompter.h"
-#include "link/TextRules.h"
 
 #include <QDir>
 #include <QFile>
@@ -73,7 +72,7 @@ template <typename Body> void Transferring(const QString &what, Body body)
 QString ProgrammingReportText(const QString &name, const QString &fault, const LoaderReport &report)
 {
     return QStringLiteral("Der Programmierbericht des Kalvomer zu %1 %2: \"%3\". %4")
-        .arg(name, fault, link::EscapeBytes(report.bytes()), RepeatUpdateText());
+        .arg(name, fault, report.Shown(), RepeatUpdateText());
 }
 
 // The erase report; a report that ended without it is a missing erase report (31998), or, when
@@ -89,7 +88,7 @@ void AwaitErasing(LoaderReport &report, const QByteArray &mark, const QString &n
             ProgrammingReportText(name, QStringLiteral("steht ohne Löschbericht da"), report));
     throw link::TransferError(kEraseReportMissing,
                               QStringLiteral("Der Kalvomer hat nach %1 kein Löschen gemeldet: \"%2\". %3")
-                                  .arg(name, link::EscapeBytes(report.bytes()), RepeatUpdateText()));
+                                  .arg(name, report.Shown(), RepeatUpdateText()));
 }
 
 // After the erase report: the programming report, which never stands first.
@@ -179,7 +178,7 @@ bool SendHexFile(link::Link &link, link::Prompter &prompter, const HexFile &hex)
                 throw link::ProtocolError(
                     link.protocolErrorNumber(),
                     QStringLiteral("Der Kalvomer hat %1 nicht angenommen: \"%2\". %3")
-                        .arg(where, link::EscapeBytes(report.bytes()), RepeatUpdateText()));
+                        .arg(where, report.Shown(), RepeatUpdateText()));
             }
             progress.Show(100 * i / lines);
         }
