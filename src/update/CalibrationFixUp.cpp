@@ -38,6 +38,17 @@ bool Write(link::Link &link, const QByteArray &command, bool &refused)
     return ok;
 }
 
+// The value `parse` finds in the answer to `command`; a FormatError naming both when there is none.
+double ReadValue(link::Link &link, const QByteArray &command,
+                 std::optional<double> (*parse)(const QByteArray &), const QString &expected)
+{
+    const QByteArray answer = link.Exchange(command);
+    const auto value = parse(answer);
+    if (!value)
+        throw link::FormatError::ForAnswer(command, answer, expected);
+    return *value;
+}
+
 } // namespace
 
 bool FixUpNeeded(double firmwareVersion)
@@ -79,20 +90,13 @@ FixUpResult FixUpCalibration(link::Link &link, link::Prompter &prompter)
     bool refused = false;
     link::OpenServiceSession(link);
     try {
-        const QByteArray answer29 = link.Exchange("kal?29");
-        const auto b = Value29(answer29);
-        if (!b)
-            throw link::FormatError::ForAnswer("kal?29", answer29,
-                                               QStringLiteral("\":\", dann \",\" und eine Zahl dahinter"));
-        if (*b < kValue29Limit)
+        const double b =
+            ReadValue(link, "kal?29", Value29, QStringLiteral("\":\", dann \",\" und eine Zahl dahinter"));
+        if (b < kValue29Limit)
             result.changed29 =
-                Write(link, "wer!29,0", refused) && Write(link, "wer!29," + ScaledValue29(*b), refused);
-        const QByteArray answer50 = link.Exchange("kal?50");
-        const auto c = Value50(answer50);
-        if (!c)
-            throw link::FormatError::ForAnswer("kal?50", answer50,
-                                               QStringLiteral("\",\" und eine Zahl dahinter"));
-        if (*c < kValue50Limit)
+                Write(link, "wer!29,0", refused) && Write(link, "wer!29," + ScaledValue29(b), refused);
+        const double c = ReadValue(link, "kal?50", Value50, QStringLiteral("\",\" und eine Zahl dahinter"));
+        if (c < kValue50Limit)
             result.changed50 = Write(link, "wer!50,1204", refused);
     } catch (const link::FormatError &) {
         // Leave configuration mode without storing anything.

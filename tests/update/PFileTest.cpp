@@ -131,15 +131,12 @@ TEST(PFile, TheFileNameIsTheTemplatesNameUpToItsFirstDotInCapitals)
         EXPECT_EQ(PFileName(QString::fromUtf8(c.templatePath)), QString::fromUtf8(c.pfile));
 }
 
-class PFileFiles : public ::testing::Test {
+class PFileFiles : public FolderTest {
 protected:
     QString Template(const QByteArray &bytes, const QString &name = QStringLiteral("vorlage.pr"))
     {
-        const QString path = m_dir.filePath(name);
-        EXPECT_TRUE(WriteFile(path, bytes));
-        return path;
+        return Put(name, bytes);
     }
-    QTemporaryDir m_dir;
 };
 
 TEST_F(PFileFiles, TemplateLinesEndAtCrLfLfOrCrAndKeepTheirBytes)

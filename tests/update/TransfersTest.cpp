@@ -161,15 +161,9 @@ TEST(LineTransfer, TenLinesOrFewerAreNotSent)
     EXPECT_EQ(s.prompter.messages[0].text, QDir::toNativeSeparators("/pkg/med.hex") + " nicht gefunden");
 }
 
-class CharacterStream : public ::testing::Test {
+class CharacterStream : public FolderTest {
 protected:
-    QString Package(const QByteArray &bytes, const QString &name = QStringLiteral("bilder.p"))
-    {
-        const QString path = m_dir.filePath(name);
-        EXPECT_TRUE(WriteFile(path, bytes));
-        return path;
-    }
-    QTemporaryDir m_dir;
+    QString Package(const QByteArray &bytes) { return Put(QStringLiteral("bilder.p"), bytes); }
 };
 
 TEST_F(CharacterStream, ExactlyTheFilesBytesGoOutInBlocksThenTheReportIsAwaited)
@@ -313,7 +307,7 @@ TEST_F(CharacterStream, FilesOfAHundredBytesOrLessAreNotSentAndHugeOnesAreRefuse
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
         const QString path = c.size < 0 ? m_dir.filePath(QStringLiteral("none.p"))
-                                        : Package(PackageBytes(c.size), QStringLiteral("p%1.p").arg(c.size));
+                                        : Put(QStringLiteral("p%1.p").arg(c.size), PackageBytes(c.size));
         ScriptedLink s;
         EXPECT_FALSE(SendPackageFile(s.link, s.prompter, path));
         EXPECT_TRUE(s.transport.writes().empty());

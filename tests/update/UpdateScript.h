@@ -5,9 +5,13 @@
 #include "support/ScriptedTransport.h"
 #include "update/Transfers.h"
 
+#include "support/TestFiles.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
 
 namespace kalvo::testing {
 
@@ -86,6 +90,19 @@ inline void ExpectIdentity(ScriptedTransport &transport, const QByteArray &versi
     transport.Expect("idn?\r").Reply("idn?;Kalvomer 9000;0471 1203 5567;KALVO-01;Firmware V " + version +
                                      "\r\n\x11");
 }
+
+// A test with a folder of its own for the files it sends.
+class FolderTest : public ::testing::Test {
+protected:
+    // Writes `bytes` to `name` in the folder; returns its path.
+    QString Put(const QString &name, const QByteArray &bytes)
+    {
+        const QString path = m_dir.filePath(name);
+        EXPECT_TRUE(WriteFile(path, bytes));
+        return path;
+    }
+    QTemporaryDir m_dir;
+};
 
 // The loader's report after a package: erase report, programming report, DC1.
 constexpr char kPackageReport[] = "\r\nErasing\r\nProgramming\r\n\x11";
