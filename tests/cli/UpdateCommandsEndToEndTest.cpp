@@ -194,6 +194,35 @@ TEST(UpdateCommands, ARefusedLoaderGetsNoFile)
     EXPECT_EQ(sim.ReceivedBytes(), kSession + Lines({"kal!upd2\\r"}));
 }
 
+TEST(UpdateCommands, TheOddAnswerStyleChangesNothing)
+{
+    const PackageFolder package(QStringLiteral("nl"));
+    QTemporaryDir dir;
+    QStringList sent[2];
+    QByteArray templates[2];
+    const char *const styles[] = {"plain", "odd"};
+    for (int i = 0; i < 2; ++i) {
+        SCOPED_TRACE(styles[i]);
+        SimProcess sim({QStringLiteral("--baud"), QStringLiteral("0"), QStringLiteral("--style"),
+                        QString::fromLatin1(styles[i])});
+        ASSERT_TRUE(sim.started());
+        const RunResult run =
+            RunCli(sim, {QStringLiteral("update"), QStringLiteral("package"), package.dir.path(),
+                         QStringLiteral("--lang"), QStringLiteral("nl")});
+        ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+        const QString out = dir.filePath(QStringLiteral("%1.pr").arg(i));
+        const RunResult read =
+            RunCli(sim, {QStringLiteral("templates"), QStringLiteral("read"), QStringLiteral("3"), out});
+        ASSERT_EQ(read.exitCode, 0) << read.err.toStdString();
+        sent[i] = sim.ReceivedBytes();
+        templates[i] = ReadFile(out);
+    }
+    EXPECT_EQ(sent[0], sent[1]);
+    EXPECT_EQ(EscapeBytes(templates[0]), EscapeBytes(templates[1]));
+    EXPECT_GT(templates[0].count("\r\n"), 3) << EscapeBytes(templates[0]).toStdString();
+    EXPECT_FALSE(templates[0].contains("Vorlage 3 ")) << "the header before \\v is no part of the text";
+}
+
 TEST(UpdateCommands, BadWordsAreUsageErrorsAndReachNoTester)
 {
     SimProcess sim;
