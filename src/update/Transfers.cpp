@@ -63,25 +63,25 @@ template <typename Body> void Transferring(const QString &what, Body body)
     }
 }
 
-[[noreturn]] void StalledLine(const QString &what)
-{
-    throw link::Timeout(
-        QStringLiteral("Die Leitung nimmt keine Bytes mehr an (%1). %2").arg(what, RepeatUpdateText()));
-}
-
 QString ProgrammingReportText(const QString &name, const QString &fault, const LoaderReport &report)
 {
     return QStringLiteral("Der Programmierbericht des Kalvomer zu %1 %2: \"%3\". %4")
         .arg(name, fault, report.Shown(), RepeatUpdateText());
 }
 
-// The erase report; a report that ended without it is a missing erase report (31998), or, when
-// it holds the programming report, one out of place (31997).
-void AwaitErasing(LoaderReport &report, const QByteArray &mark, const QString &name)
+// The erase report; a report that ended without it is a refusal of the file when it says so, a
+// missing erase report (31998), or, when it holds the programming report, one out of place (31997).
+void AwaitErasing(link::Link &link, LoaderReport &report, const QByteArray &mark, const QString &name)
 {
     if (report.WaitFor(mark, QStringLiteral("\"%1\" nach %2").arg(QString::fromLatin1(mark), name)) ==
         LoaderReport::Outcome::Found)
         return;
+    if (report.bytes().contains("Protokoll") && report.bytes().contains(".N")) {
+        link.NoteRefusal(name.toLatin1());
+        throw link::ProtocolError(link.protocolErrorNumber(),
+                                  QStringLiteral("Der Kalvomer hat %1 abgelehnt: \"%2\". %3")
+                                      .arg(name, report.Shown(), RepeatUpdateText()));
+    }
     if (report.bytes().contains("ramming"))
         throw link::TransferError(
             kProgrammingReportMisplaced,
@@ -145,7 +145,11 @@ void StreamBytes(link::Link &link, link::Prompter &prompter, const QByteArray &b
         try {
             link.WriteRaw(bytes.mid(offset, kStreamBlockBytes));
         } catch (const link::Timeout &) {
-            StalledLine(QStringLiteral("nach %1 von %2 Bytes").arg(offset).arg(bytes.size()));
+            throw link::Timeout(
+                QStringLiteral("Die Leitung nimmt keine Bytes mehr an (nach %1 von %2 Bytes). %3")
+                    .arg(offset)
+                    .arg(bytes.size())
+                    .arg(RepeatUpdateText()));
         }
         progress.Show(std::min(offset + kStreamBlockBytes, bytes.size()) * 100 / bytes.size());
     }
@@ -175,16 +179,15 @@ bool SendHexFile(link::Link &link, link::Prompter &prompter, const HexFile &hex)
             if (report.WaitFor("!", QStringLiteral("\"!\" nach %1").arg(where)) ==
                 LoaderReport::Outcome::Ended) {
                 link.NoteRefusal(hex.lines()[i]);
-                throw link::ProtocolError(
-                    link.protocolErrorNumber(),
-                    QStringLiteral("Der Kalvomer hat %1 nicht angenommen: \"%2\". %3")
-                        .arg(where, report.Shown(), RepeatUpdateText()));
+                throw link::ProtocolError(link.protocolErrorNumber(),
+                                          QStringLiteral("Der Kalvomer hat %1 nicht angenommen: \"%2\". %3")
+                                              .arg(where, report.Shown(), RepeatUpdateText()));
             }
             progress.Show(100 * i / lines);
         }
         // What came behind the last "!" belongs to the erase report.
         report.DropThrough("!");
-        AwaitErasing(report, "Erasing", name);
+        AwaitErasing(link, report, "Erasing", name);
         progress.Show(100);
         report.WaitForEnd(QStringLiteral("das Ende (DC1) nach %1").arg(name));
     });
@@ -206,7 +209,7 @@ bool SendPackageFile(link::Link &link, link::Prompter &prompter, const QString &
     Transferring(name, [&] {
         StreamBytes(link, prompter, bytes);
         // The package loaders' erase report is matched without its first letter, as it always was.
-        AwaitErasing(report, "rasing", name);
+        AwaitErasing(link, report, "rasing", name);
         AwaitProgramming(report, name);
         report.WaitForEnd(QStringLiteral("das Ende (DC1) nach %1").arg(name));
     });

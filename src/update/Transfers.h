@@ -35,8 +35,9 @@ bool SendHexFile(link::Link &link, link::Prompter &prompter, const HexFile &hex)
 
 // The character stream: exactly the file's bytes, then "rasing" (31998), "ramming" (31997 when
 // missing or first in the report) and DC1 at or after the second byte. Returns false, after
-// " nicht gefunden", for a file of 100 bytes or less. Throws as SendHexFile, and link::FormatError
-// for a file larger than kMaxPackageFileBytes.
+// " nicht gefunden", for a file of 100 bytes or less. Throws as SendHexFile (link::ProtocolError
+// when the loader's report refuses the file), and link::FormatError for a file larger than
+// kMaxPackageFileBytes.
 bool SendPackageFile(link::Link &link, link::Prompter &prompter, const QString &path);
 
 // Throws link::FormatError naming the size when `path` is larger than kMaxPackageFileBytes.
