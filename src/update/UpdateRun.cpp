@@ -4,7 +4,6 @@
 
 #include "HexFile.h"
 #include "Transfers.h"
-#include "link/Errors.h"
 #include "link/Link.h"
 #include "link/PackageFiles.h"
 #include "link/Prompter.h"
