@@ -1,6 +1,7 @@
 // kalvo-cli update, pfile and templates against kalvo-sim over a pseudo-terminal: every command
 // and every byte that reaches the tester, the tester's loader faults, and the usage errors.
 #include "link/TextRules.h"
+#include "sim/UpdateFiles.h"
 #include "support/SimProcess.h"
 #include "support/TestFiles.h"
 #include "update/UpdateScript.h"
@@ -14,24 +15,14 @@ using kalvo::link::EscapeBytes;
 
 namespace {
 
-// A package file as the tester's loaders take one: 0x89, its size, kind byte 0, the body, the trailer.
-QByteArray PackageFile(qsizetype body, int seed)
-{
-    const QByteArray content = PackageBytes(body, seed);
-    const qsizetype size = 1 + content.size();
-    QByteArray bytes = QByteArray("\x89", 1) + char(size & 0xFF) + char((size >> 8) & 0xFF);
-    bytes += QByteArray(6, '\0') + content + QByteArray(2, '\0') + "AS 1.40r4\r\n";
-    return bytes;
-}
-
 // A package folder with all four files of `code`.
 struct PackageFolder {
     explicit PackageFolder(const QString &code)
     {
         Put(QStringLiteral("med.hex"), JoinLines(HexLines(14)));
-        Put(QStringLiteral("bilder.p"), PackageFile(900, 1));
-        Put(QStringLiteral("ab%1.p").arg(code), PackageFile(500, 2));
-        Put(QStringLiteral("hlf%1.p").arg(code), PackageFile(300, 3));
+        Put(QStringLiteral("bilder.p"), Package(PackageBytes(900, 1)));
+        Put(QStringLiteral("ab%1.p").arg(code), Package(PackageBytes(500, 2)));
+        Put(QStringLiteral("hlf%1.p").arg(code), Package(PackageBytes(300, 3)));
     }
     void Put(const QString &name, const QByteArray &bytes) { EXPECT_TRUE(WriteFile(Path(name), bytes)); }
     QString Path(const QString &name) const { return dir.filePath(name); }
