@@ -119,6 +119,10 @@ std::optional<QByteArray> Rewrite(const QByteArray &line, const QByteArray &payl
         return echo + payload + "\r\n" + kDC1;
     if (lower == "prn?")
         return echo + payload + kDC1;
+    if (lower.startsWith("prn?") && payload.contains("\\v")) {
+        // A template: another header in front of the mark, the same bytes behind it.
+        return echo + ":" + payload.mid(payload.indexOf("\\v")) + "\r\n" + kDC1;
+    }
     if (lower == "prx?n")
         return echo + "=   " + payload.mid(1).trimmed() + "\r\n" + kDC1;
     if (lower == "prx?")

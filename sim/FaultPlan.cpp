@@ -13,7 +13,7 @@ struct KindEntry {
     const char *name;
 };
 
-constexpr std::array<KindEntry, 8> kKinds{{
+constexpr std::array<KindEntry, 12> kKinds{{
     {FaultKind::Silence, "silence"},
     {FaultKind::NoTerminator, "noterminator"},
     {FaultKind::Refuse, "refuse"},
@@ -22,6 +22,10 @@ constexpr std::array<KindEntry, 8> kKinds{{
     {FaultKind::CutOff, "cutoff"},
     {FaultKind::Vanish, "vanish"},
     {FaultKind::TrailingJunk, "trailingjunk"},
+    {FaultKind::NoAck, "noack"},
+    {FaultKind::NoErase, "noerase"},
+    {FaultKind::RammingOnly, "rammingonly"},
+    {FaultKind::ResetHalfway, "resethalfway"},
 }};
 
 const QString kSyntax = QStringLiteral("KIND[:COMMAND][@N][xCOUNT]");
@@ -34,6 +38,12 @@ bool Fail(QString *error, const QString &text)
 }
 
 } // namespace
+
+bool IsLoaderFault(FaultKind kind)
+{
+    return kind == FaultKind::NoAck || kind == FaultKind::NoErase || kind == FaultKind::RammingOnly ||
+           kind == FaultKind::ResetHalfway;
+}
 
 QString FaultPlan::KindName(FaultKind kind)
 {
@@ -115,8 +125,18 @@ bool FaultPlan::add(const QString &text, QString *error)
 
 std::optional<FaultKind> FaultPlan::Take(const QByteArray &line, int exchange)
 {
+    return TakeFirst(line, exchange, false);
+}
+
+std::optional<FaultKind> FaultPlan::TakeLoader(const QByteArray &line, int exchange)
+{
+    return TakeFirst(line, exchange, true);
+}
+
+std::optional<FaultKind> FaultPlan::TakeFirst(const QByteArray &line, int exchange, bool loader)
+{
     for (Fault &fault : m_faults) {
-        if (fault.count == 0 || exchange < fault.fromExchange)
+        if (fault.count == 0 || exchange < fault.fromExchange || IsLoaderFault(fault.kind) != loader)
             continue;
         if (!fault.command.isEmpty() && !line.toLower().startsWith(fault.command.toLower()))
             continue;

@@ -18,7 +18,15 @@ enum class FaultKind {
     CutOff,       // the first half of the answer, no DC1
     Vanish,       // the line disappears for good
     TrailingJunk, // more bytes behind the DC1, in the same burst
+    // These spoil an update loader that the matching announce line ("kal!updN") starts.
+    NoAck,        // the firmware loader takes lines but never answers "!"
+    NoErase,      // no erase report; the programming report and DC1 still come
+    RammingOnly,  // the report is lost up to "ramming": it starts with "ramming"
+    ResetHalfway, // the tester restarts in the middle of the transfer
 };
+
+// Whether the kind spoils an update loader rather than the answer to a line.
+bool IsLoaderFault(FaultKind kind);
 
 struct Fault {
     FaultKind kind = FaultKind::Silence;
@@ -41,10 +49,15 @@ public:
     void clear() { m_faults.clear(); }
     bool isEmpty() const { return m_faults.empty(); }
 
-    // The fault that hits this line, the `exchange`-th one, if any; uses up one of its count.
+    // The fault that hits the answer to this line, the `exchange`-th one, if any; uses up one of
+    // its count. Loader faults are left for TakeLoader.
     std::optional<FaultKind> Take(const QByteArray &line, int exchange);
+    // The loader fault that hits the loader this announce line starts, if any; uses up one of its count.
+    std::optional<FaultKind> TakeLoader(const QByteArray &line, int exchange);
 
 private:
+    std::optional<FaultKind> TakeFirst(const QByteArray &line, int exchange, bool loader);
+
     std::vector<Fault> m_faults;
 };
 

@@ -25,6 +25,8 @@ public:
     // The virtual tester behind the simulator's name (one for the life of the transport, so that
     // what was stored in it survives a reconnect).
     VirtualTester &tester() { return m_tester; }
+    // The transport to it, for its pacing (setAdapterPoll).
+    SimTransport &simulator() { return m_simulator; }
 
 private:
     link::Clock &m_clock;

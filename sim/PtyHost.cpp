@@ -110,8 +110,9 @@ PtyHost::End PtyHost::Run(const volatile std::sig_atomic_t &stop)
             return End::Failed;
         }
         const link::Duration now = m_clock.now();
+        // The display stays quiet while a loader takes an update: its reports are all the PC reads.
         if (m_displayEvery > link::Duration::zero() && !m_tester.hasOutput() && m_pending.isEmpty() &&
-            now - m_lastActivity >= m_displayEvery) {
+            !m_tester.loader() && now - m_lastActivity >= m_displayEvery) {
             m_tester.pushDisplay(DisplayFrame(m_frames++));
             m_lastActivity = now;
             continue;
@@ -136,8 +137,8 @@ int PtyHost::PollTimeoutMs() const
 {
     const link::Duration now = m_clock.now();
     int timeout = kLongestPollMs;
-    if (m_tester.hasOutput())
-        timeout = std::min(timeout, CeilMs(m_tester.nextOutputAt() - now));
+    if (const auto event = m_tester.nextEventAt())
+        timeout = std::min(timeout, CeilMs(*event - now));
     if (m_displayEvery > link::Duration::zero())
         timeout = std::min(timeout, CeilMs(m_lastActivity + m_displayEvery - now));
     return timeout;
@@ -169,6 +170,8 @@ void PtyHost::ReadInput()
 void PtyHost::WriteOutput()
 {
     m_pending += m_tester.takeOutput(m_clock.now());
+    // A package stream is recorded when it ends, which the line's falling idle decides.
+    LogNewLines();
     while (!m_pending.isEmpty()) {
         const ssize_t n = ::write(m_master, m_pending.constData(), static_cast<size_t>(m_pending.size()));
         if (n > 0) {

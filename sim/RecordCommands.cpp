@@ -45,7 +45,7 @@ std::optional<QByteArray> RecordCommands::Stream(const QByteArray &lower) const
 
 bool RecordCommands::Handles(const QByteArray &lower) const
 {
-    return lower.startsWith("prx?") || lower.startsWith("prn!") || lower == "prn?" ||
+    return lower.startsWith("prx?") || lower.startsWith("prn!") || lower.startsWith("prn?") ||
            (lower == "esr?" && m_kymInFront);
 }
 
@@ -53,6 +53,8 @@ std::optional<QByteArray> RecordCommands::Payload(const QByteArray &lower) const
 {
     if (lower == "prn?")
         return " " + QByteArray::number(m_printTemplate) + ".Y";
+    if (lower.startsWith("prn?"))
+        return TemplateText(lower.mid(4));
     if (lower == "esr?")
         return ";" + QByteArray::number(m_store.accessoryRecords().size());
     if (lower.startsWith("prn!"))
@@ -89,7 +91,7 @@ std::optional<QByteArray> RecordCommands::Print(const QByteArray &argument) cons
     // "prn!t" renders the current record, "prn!t,i" record i of the store.
     const qsizetype comma = argument.indexOf(',');
     const auto templateNumber = Number(comma < 0 ? argument : argument.left(comma));
-    if (!templateNumber || *templateNumber >= PrintRenderer::kTemplates)
+    if (!templateNumber || *templateNumber >= kPrintTemplates)
         return std::nullopt;
     std::optional<QByteArray> record;
     if (comma < 0) {
@@ -99,7 +101,18 @@ std::optional<QByteArray> RecordCommands::Print(const QByteArray &argument) cons
     }
     if (!record)
         return std::nullopt;
-    return QByteArray("\r\n") + kENQ + PrintRenderer::Render(*templateNumber, *record) + kFormFeed;
+    return QByteArray("\r\n") + kENQ +
+           PrintRenderer::Render(m_templates[static_cast<size_t>(*templateNumber)], *record) + kFormFeed;
+}
+
+std::optional<QByteArray> RecordCommands::TemplateText(const QByteArray &argument) const
+{
+    // A blank before the number is taken, as in every command with a number.
+    const auto number = Number(argument);
+    if (!number || *number >= kPrintTemplates)
+        return std::nullopt;
+    return " Vorlage " + QByteArray::number(*number) + " \\v" + m_templates[static_cast<size_t>(*number)] +
+           ".Y";
 }
 
 } // namespace kalvo::sim

@@ -2,6 +2,9 @@
 #pragma once
 
 #include "RecordStore.h"
+#include "SampleTemplates.h"
+
+#include <array>
 
 #include <QByteArray>
 #include <optional>
@@ -10,8 +13,10 @@ namespace kalvo::sim {
 
 class RecordCommands {
 public:
-    RecordCommands(const RecordStore &store, bool kymInFront, int printTemplate)
-        : m_store(store), m_kymInFront(kymInFront), m_printTemplate(printTemplate)
+    using TemplateTexts = std::array<QByteArray, kPrintTemplates>;
+    RecordCommands(const RecordStore &store, bool kymInFront, int printTemplate,
+                   const TemplateTexts &templates)
+        : m_store(store), m_kymInFront(kymInFront), m_printTemplate(printTemplate), m_templates(templates)
     {}
 
     // The whole answer of a command that streams without an echo: the listing "prx?nx" and the
@@ -25,10 +30,13 @@ public:
 private:
     std::optional<QByteArray> RecordQuery(const QByteArray &argument) const;
     std::optional<QByteArray> Print(const QByteArray &argument) const;
+    // "prn?k": template k's text behind a header and the mark "\v".
+    std::optional<QByteArray> TemplateText(const QByteArray &argument) const;
 
     const RecordStore &m_store;
     bool m_kymInFront;
     int m_printTemplate;
+    const TemplateTexts &m_templates;
 };
 
 } // namespace kalvo::sim

@@ -3,6 +3,8 @@
 
 #include "link/Errors.h"
 
+#include <algorithm>
+
 namespace kalvo::sim {
 
 using link::PortError;
@@ -37,8 +39,12 @@ bool SimTransport::drain(std::chrono::milliseconds limit)
 {
     if (!m_open)
         return true;
-    const link::Duration sent = m_tester.inputDoneAt();
     const link::Duration now = m_clock.now();
+    link::Duration sent = std::max(m_tester.inputDoneAt(), now);
+    if (m_adapterPoll > link::Duration::zero()) {
+        const auto polls = (sent.count() + m_adapterPoll.count() - 1) / m_adapterPoll.count();
+        sent = m_adapterPoll * polls;
+    }
     if (sent - now > limit) {
         m_clock.sleepFor(limit);
         return false;
@@ -61,9 +67,9 @@ QByteArray SimTransport::read(std::chrono::milliseconds wait)
             return bytes;
         if (now >= deadline)
             return {};
-        // Nothing but the tester puts bytes on this line, so sleeping to the next one is exact.
-        const link::Duration next =
-            m_tester.hasOutput() ? std::min(m_tester.nextOutputAt(), deadline) : deadline;
+        // Nothing but the tester puts bytes on this line, so sleeping to its next event is exact.
+        const auto event = m_tester.nextEventAt();
+        const link::Duration next = event ? std::clamp(*event, now, deadline) : deadline;
         m_clock.sleepFor(next - now);
     }
 }

@@ -17,12 +17,20 @@ public:
     void close() override { m_open = false; }
     bool isOpen() const override { return m_open; }
     void write(const QByteArray &bytes) override;
-    // With pacing on, waits until the written bytes have reached the tester.
+    // With pacing on, waits until the written bytes have reached the tester; with an adapter poll,
+    // until the adapter's next poll after that.
     bool drain(std::chrono::milliseconds limit) override;
     // Bytes whose time has come; otherwise sleeps until the next one arrives or `wait` runs out.
     QByteArray read(std::chrono::milliseconds wait) override;
     // Drops what has arrived; bytes still on the wire keep coming, as on a real line.
     void discardInput() override;
+
+    // A USB serial adapter between the PC and the line: it reports that its bytes have left only
+    // when the host polls it, every `interval` of the clock (polls at 0, interval, 2 interval ...),
+    // so a drain returns at the first poll at or after the last byte has left. Zero (the
+    // default): a drain returns as soon as the bytes have left, as on a built-in port.
+    void setAdapterPoll(link::Duration interval) { m_adapterPoll = interval; }
+    link::Duration adapterPoll() const { return m_adapterPoll; }
 
 private:
     void ThrowIfVanished() const;
@@ -30,6 +38,7 @@ private:
     VirtualTester &m_tester;
     link::Clock &m_clock;
     bool m_open = false;
+    link::Duration m_adapterPoll{};
 };
 
 } // namespace kalvo::sim

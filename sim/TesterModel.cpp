@@ -102,6 +102,8 @@ TesterModel::TesterModel(link::Clock &clock)
     : m_clock(clock), m_dateBase(QDateTime::currentDateTime()), m_dateSetAt(clock.now())
 {
     m_stored = m_working;
+    for (int i = 0; i < kPrintTemplates; ++i)
+        m_printTemplateTexts[static_cast<size_t>(i)] = SampleTemplateText(i);
 }
 
 QByteArray TesterModel::Refusal(const QByteArray &line)
@@ -129,13 +131,13 @@ TesterModel::Reply TesterModel::Answer(const QByteArray &line)
     }
     m_display.clear();
     const QByteArray lower = line.toLower();
-    const RecordCommands records(m_records, m_kymInFront, m_printTemplate);
+    const RecordCommands records(m_records, m_kymInFront, m_printTemplate, m_printTemplateTexts);
     // The listing and the accessory's stream come without an echo: the PC files them as they arrive.
     if (const auto stream = records.Stream(lower)) {
         reply.answer = *stream;
         return reply;
     }
-    const auto payload = records.Handles(lower) ? records.Payload(lower) : Payload(line, reply.restartArmed);
+    const auto payload = records.Handles(lower) ? records.Payload(lower) : Payload(line, reply);
     reply.answer = payload ? line + *payload + "\r\n" + kDC1 : Refusal(line);
     reply.display = std::exchange(m_display, {});
     return reply;
@@ -146,6 +148,19 @@ void TesterModel::Restart()
     m_working = m_stored;
     m_configurationMode = false;
     m_pendingCalibrationEntry = -1;
+}
+
+void TesterModel::setPrintTemplateText(int number, const QByteArray &text)
+{
+    if (number >= 0 && number < kPrintTemplates)
+        m_printTemplateTexts[static_cast<size_t>(number)] = text;
+}
+
+void TesterModel::StampVersion(int part)
+{
+    if (part >= 0 && part < kVersionParts)
+        m_versionDates[static_cast<size_t>(part)] =
+            dateTime().toString(QStringLiteral("dd.MM.yy hh:mm")).toLatin1();
 }
 
 void TesterModel::setLanguage(int code)
@@ -172,7 +187,7 @@ QDateTime TesterModel::dateTime() const
     return m_dateBase.addMSecs(elapsed.count());
 }
 
-std::optional<QByteArray> TesterModel::Payload(const QByteArray &line, bool &restartArmed)
+std::optional<QByteArray> TesterModel::Payload(const QByteArray &line, Reply &reply)
 {
     // The tester takes mnemonics and keywords in either case ("RST!0", "kal!PGM").
     const QByteArray lower = line.toLower();
@@ -181,7 +196,7 @@ std::optional<QByteArray> TesterModel::Payload(const QByteArray &line, bool &res
     if (lower[3] == '?')
         return Query(lower, line);
     if (lower[3] == '!')
-        return Setting(lower, line, restartArmed);
+        return Setting(lower, line, reply);
     return std::nullopt;
 }
 
@@ -239,8 +254,7 @@ std::optional<QByteArray> TesterModel::Query(const QByteArray &lower, const QByt
     return std::nullopt;
 }
 
-std::optional<QByteArray> TesterModel::Setting(const QByteArray &lower, const QByteArray &line,
-                                               bool &restartArmed)
+std::optional<QByteArray> TesterModel::Setting(const QByteArray &lower, const QByteArray &line, Reply &reply)
 {
     const QByteArray mnemonic = lower.left(4);
     const QByteArray argument = line.mid(4);
@@ -264,7 +278,14 @@ std::optional<QByteArray> TesterModel::Setting(const QByteArray &lower, const QB
         return kYes;
     }
     if (lower == "rst!0") {
-        restartArmed = true;
+        reply.restartArmed = true;
+        return kYes;
+    }
+    if (lower.size() == 8 && lower.startsWith("kal!upd") && lower[7] >= '0' && lower[7] <= '3') {
+        // The loaders take flash contents: only inside a service session.
+        if (!m_configurationMode)
+            return kRefusedSetting;
+        reply.loader = lower[7] - '0';
         return kYes;
     }
     if (lower.startsWith("idn!1,")) {

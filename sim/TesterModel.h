@@ -2,6 +2,7 @@
 #pragma once
 
 #include "RecordStore.h"
+#include "SampleTemplates.h"
 #include "TesterState.h"
 #include "link/Clock.h"
 
@@ -20,6 +21,7 @@ public:
         QByteArray answer;         // echo, payload, CR LF, DC1
         bool restartArmed = false; // "rst!0": a lone EOT restarts the tester
         QByteArray display;        // what the tester's display then mirrors to the PC, if anything
+        std::optional<int> loader; // "kal!updN": the bytes that follow go to update loader N
     };
 
     explicit TesterModel(link::Clock &clock);
@@ -47,9 +49,16 @@ public:
     // The print template chosen in the tester, 0..4; "prn?" reports it.
     void setPrintTemplate(int number) { m_printTemplate = number; }
     int printTemplate() const { return m_printTemplate; }
+    // The texts of the five print templates ("prn?k"), which "prn!k" prints with; loading a P-file
+    // replaces one of 1..4. They are in flash: a restart keeps them.
+    using PrintTemplateTexts = std::array<QByteArray, kPrintTemplates>;
+    const PrintTemplateTexts &printTemplateTexts() const { return m_printTemplateTexts; }
+    void setPrintTemplateText(int number, const QByteArray &text);
     // "dd.mm.yy hh:mm" for system, configuration, pictures, help, sequences.
     void setVersionDates(const std::array<QByteArray, kVersionParts> &dates) { m_versionDates = dates; }
     const std::array<QByteArray, kVersionParts> &versionDates() const { return m_versionDates; }
+    // Version date `part` (0 system .. 4 sequences) becomes the tester's date and time now.
+    void StampVersion(int part);
     void setSerialNumber(const QByteArray &serial) { m_serial = serial; }
     void setFirmware(const QByteArray &version) { m_firmware = version; }
     // The tester's clock; it runs on with the clock it was given.
@@ -63,9 +72,9 @@ public:
 
 private:
     // The payload after the echo; nullopt for a line the tester does not understand.
-    std::optional<QByteArray> Payload(const QByteArray &line, bool &restartArmed);
+    std::optional<QByteArray> Payload(const QByteArray &line, Reply &reply);
     std::optional<QByteArray> Query(const QByteArray &lower, const QByteArray &line);
-    std::optional<QByteArray> Setting(const QByteArray &lower, const QByteArray &line, bool &restartArmed);
+    std::optional<QByteArray> Setting(const QByteArray &lower, const QByteArray &line, Reply &reply);
     QByteArray Identity() const;
     // "wer?W" + letter: c protective conductor, i insulation, e leakage, b touch current.
     std::optional<QByteArray> Reading(char quantity) const;
@@ -81,6 +90,7 @@ private:
     bool m_kymInFront = false;
     RecordStore m_records;
     int m_printTemplate = 1;
+    PrintTemplateTexts m_printTemplateTexts;
     QByteArray m_display; // set while a line is answered, handed out with its reply
     int m_helpText = 0;   // the help text picked, 0 for none
     bool m_helpShown = false;

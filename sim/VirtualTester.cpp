@@ -43,14 +43,20 @@ void VirtualTester::feed(const QByteArray &bytes)
 
 void VirtualTester::Receive(char byte, link::Duration at)
 {
+    EndIdlePackage(at);
+    if (m_loader) {
+        m_loaderByteAt = at;
+        const UpdateLoader::Step step = m_loader->Take(byte);
+        Apply(step, at);
+        if (!step.notMine)
+            return;
+    }
     if (m_restartArmed) {
         m_restartArmed = false;
         // Only the lone EOT right behind "rst!0" restarts the tester.
         if (byte == kEOT && m_line.isEmpty()) {
             m_received.append({QByteArray(1, kEOT), at});
-            m_model.Restart();
-            ++m_restarts;
-            m_busyUntil = at + m_restartDelay;
+            Restart(at);
             return;
         }
     }
@@ -89,6 +95,12 @@ void VirtualTester::HandleLine(const QByteArray &line, link::Duration at)
     // Every other fault spoils only the answer: the tester has done what the line asked.
     const TesterModel::Reply reply = m_model.Answer(line);
     m_restartArmed = reply.restartArmed;
+    if (reply.loader) {
+        // What follows the announce line is the loader's: raw bytes, no command lines.
+        m_loader.emplace(static_cast<UpdateLoader::Kind>(*reply.loader),
+                         m_faults.TakeLoader(line, m_exchanges), m_model);
+        m_loaderByteAt = at;
+    }
     QByteArray answer = m_style == AnswerStyle::Odd ? OddAnswer(line, reply.answer) : reply.answer;
     if (fault) {
         switch (*fault) {
@@ -109,6 +121,54 @@ void VirtualTester::HandleLine(const QByteArray &line, link::Duration at)
     const link::Duration end = SendAnswer(answer, earliest);
     if (!reply.display.isEmpty())
         Send(reply.display, end + kDisplayDelay);
+}
+
+void VirtualTester::EndIdlePackage(link::Duration until)
+{
+    if (!m_loader || !m_loader->EndsWhenIdle())
+        return;
+    const link::Duration end = m_loaderByteAt + UpdateLoader::kIdleEnd;
+    if (until >= end)
+        Apply(m_loader->End(), end);
+}
+
+void VirtualTester::Apply(const UpdateLoader::Step &step, link::Duration at)
+{
+    if (!step.received.isEmpty())
+        m_received.append({step.received, m_loaderByteAt});
+    link::Duration end = std::max(at, m_busyUntil);
+    for (const UpdateLoader::Piece &piece : step.send)
+        end = Send(piece.bytes, std::max(at, m_busyUntil) + piece.after);
+    if (step.ended)
+        m_loader.reset();
+    if (step.restart)
+        Restart(end);
+}
+
+void VirtualTester::Restart(link::Duration at)
+{
+    m_model.Restart();
+    ++m_restarts;
+    m_busyUntil = at + m_restartDelay;
+}
+
+std::optional<UpdateLoader::Kind> VirtualTester::loader() const
+{
+    if (!m_loader)
+        return std::nullopt;
+    return m_loader->kind();
+}
+
+std::optional<link::Duration> VirtualTester::nextEventAt() const
+{
+    std::optional<link::Duration> next;
+    if (!m_output.empty())
+        next = m_output.front().at;
+    if (m_loader && m_loader->EndsWhenIdle()) {
+        const link::Duration end = m_loaderByteAt + UpdateLoader::kIdleEnd;
+        next = next ? std::min(*next, end) : end;
+    }
+    return next;
 }
 
 link::Duration VirtualTester::Send(const QByteArray &bytes, link::Duration earliest)
@@ -137,6 +197,7 @@ link::Duration VirtualTester::SendAnswer(const QByteArray &answer, link::Duratio
 
 QByteArray VirtualTester::takeOutput(link::Duration until)
 {
+    EndIdlePackage(until);
     QByteArray bytes;
     while (!m_output.empty() && m_output.front().at <= until) {
         bytes.append(m_output.front().byte);
@@ -147,6 +208,7 @@ QByteArray VirtualTester::takeOutput(link::Duration until)
 
 void VirtualTester::dropOutput(link::Duration until)
 {
+    EndIdlePackage(until);
     while (!m_output.empty() && m_output.front().at <= until)
         m_output.pop_front();
 }

@@ -4,18 +4,22 @@
 #include "AnswerStyle.h"
 #include "FaultPlan.h"
 #include "TesterModel.h"
+#include "UpdateLoader.h"
 #include "link/Clock.h"
 
 #include <QByteArray>
 #include <QList>
 #include <deque>
+#include <optional>
 
 namespace kalvo::sim {
 
 class VirtualTester {
 public:
     struct ReceivedLine {
-        QByteArray bytes;  // as received, CR included; a lone EOT after "rst!0" is a line of its own
+        // As received, CR included; a lone EOT after "rst!0" is a line of its own, a firmware line
+        // is one with its CR or LF, a package stream one (its first UpdateLoader::kKeptBytes).
+        QByteArray bytes;
         link::Duration at; // when its last byte arrived
     };
 
@@ -30,10 +34,15 @@ public:
     // Answer bytes on their way to the host, each with the time it can be read.
     bool hasOutput() const { return !m_output.empty(); }
     link::Duration nextOutputAt() const { return m_output.front().at; }
+    // When something happens next on the tester's side: the next answer byte arrives, or a package
+    // stream ends because the line has been idle. Nothing pending: nullopt.
+    std::optional<link::Duration> nextEventAt() const;
     // Takes the bytes that have arrived by `until`.
     QByteArray takeOutput(link::Duration until);
     // Drops the bytes that have arrived by `until`; those still on the wire keep coming.
     void dropOutput(link::Duration until);
+    // The update loader that takes the line's bytes, if one is running.
+    std::optional<UpdateLoader::Kind> loader() const;
 
     // Bytes the tester sends of its own accord (the remote display), leaving from now on.
     void pushDisplay(const QByteArray &bytes);
@@ -67,6 +76,11 @@ private:
     };
 
     void Receive(char byte, link::Duration at);
+    // The package's stream ends when the line has been idle: at `until`, if that is late enough.
+    void EndIdlePackage(link::Duration until);
+    // Sends what a loader step asks for, from `at` on, and restarts or leaves the loader.
+    void Apply(const UpdateLoader::Step &step, link::Duration at);
+    void Restart(link::Duration at);
     void HandleLine(const QByteArray &line, link::Duration at);
     // Queues `bytes` to leave no earlier than `earliest`; returns when the last one arrives.
     link::Duration Send(const QByteArray &bytes, link::Duration earliest);
@@ -83,6 +97,8 @@ private:
 
     QByteArray m_line;
     bool m_restartArmed = false;
+    std::optional<UpdateLoader> m_loader;
+    link::Duration m_loaderByteAt{}; // when the loader's last byte arrived
     link::Duration m_busyUntil{};
     link::Duration m_inputFree{};
     link::Duration m_outputFree{};

@@ -47,6 +47,8 @@ void PrintUsage(std::FILE *to)
         "  --fault FAULT            spoil answers, repeatable: KIND[:COMMAND][@N][xCOUNT]\n"
         "                           KIND: %s\n"
         "                           e.g. silence:dis?  garbage@3  refuse:dis?x5\n"
+        "                           noack, noerase, rammingonly, resethalfway spoil the update\n"
+        "                           loader an announce line starts, e.g. noerase:kal!upd3\n"
         "  --style STYLE            plain (default) or odd: other echoes, blanks, widths and\n"
         "                           line ends that a tester may also answer in, in odd bursts\n"
         "  --language CODE          display language code 0..99 (default 0, deutsch)\n"

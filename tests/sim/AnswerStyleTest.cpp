@@ -145,6 +145,8 @@ TEST(AnswerStyle, OddAnswersYieldWhatThePlainOnesYieldByEveryReadingRule)
          [](const QByteArray &a) { return NumberAfter(a, "BGW", 2); }},
         {"dat?", "8 after =+2 and ;+2", dateAndTime},
         {"str?125", "after , up to .Y", [](const QByteArray &a) { return Between(a, ","); }},
+        {"prn?3", "the text behind \\v", [](const QByteArray &a) { return a.mid(Position(a, "\\v") + 2); }},
+        {"prn? 0", "the text behind \\v", [](const QByteArray &a) { return a.mid(Position(a, "\\v") + 2); }},
         {"prx?n", "the number after =, blanks trimmed",
          [](const QByteArray &a) { return NumberAfter(a, "=", 0, true); }},
         {"prx?", "contains .Y", Accepted},

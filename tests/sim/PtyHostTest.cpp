@@ -1,4 +1,6 @@
 // kalvo-sim as a program: its pseudo-terminal, its log, its faults and how it ends.
+#include "UpdateFiles.h"
+#include "link/TextRules.h"
 #include "support/SimProcess.h"
 
 #include <QDir>
@@ -41,11 +43,12 @@ public:
         ASSERT_EQ(::write(m_fd, bytes.constData(), bytes.size()), bytes.size());
     }
     // Reads until DC1, the line fails, or 5 seconds pass; a failed line adds "<lost>".
-    QByteArray ReadAnswer()
+    QByteArray ReadAnswer() { return ReadUntil("\x11"); }
+    QByteArray ReadUntil(const QByteArray &last)
     {
         QByteArray answer;
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-        while (!answer.endsWith('\x11') && std::chrono::steady_clock::now() < end) {
+        while (!answer.endsWith(last) && std::chrono::steady_clock::now() < end) {
             pollfd fd{m_fd, POLLIN, 0};
             poll(&fd, 1, 100);
             char buffer[256];
@@ -155,4 +158,39 @@ TEST(KalvoSim, RecordOptionsShapeTheStoreAndTheAccessory)
         EXPECT_EQ(sim.ReadAnswer(), c.answer)
             << c.args.join(' ').toStdString() << " " << c.line.toStdString();
     }
+}
+
+TEST(KalvoSim, TakesFirmwareAndATemplateOnItsTerminalAndLogsTheirLines)
+{
+    RunningSim sim({QStringLiteral("--baud"), QStringLiteral("0")});
+    ASSERT_TRUE(sim.ready());
+    sim.Write("kal!ein\r");
+    EXPECT_EQ(sim.ReadAnswer(), QByteArray("kal!ein.Y\r\n\x11"));
+    sim.Write("kal!upd0\r");
+    EXPECT_EQ(sim.ReadAnswer(), QByteArray("kal!upd0.Y\r\n\x11"));
+    const QList<QByteArray> lines = kalvo::testing::FirmwareLines();
+    for (const QByteArray &line : lines) {
+        sim.Write(line + '\r');
+        ASSERT_EQ(sim.ReadUntil("!"), "!") << line.constData();
+    }
+    EXPECT_EQ(sim.ReadAnswer(), QByteArray("Erasing ...\r\n... Programming\r\n\x11"));
+
+    const QByteArray text = "Eigene Vorlage #03\r\n" + QByteArray(20, '\xC4') + "\r\n";
+    const QByteArray pfile = kalvo::testing::TemplatePFile(text, 0xC8);
+    sim.Write("kal!ein\r");
+    sim.ReadAnswer();
+    sim.Write("kal!upd3\r");
+    sim.ReadAnswer();
+    sim.Write(pfile);
+    // The stream ends when the line has been idle: the report follows without another byte.
+    EXPECT_EQ(sim.ReadAnswer(), QByteArray("Erasing ...\r\n... Programming\r\n\x11"));
+    sim.Write("prn?1\r");
+    EXPECT_EQ(sim.ReadAnswer(), "prn?1 Vorlage 1 \\v" + text + ".Y\r\n\x11");
+
+    sim.process().terminate();
+    ASSERT_TRUE(sim.process().waitForFinished(5000));
+    const QStringList logged = sim.LoggedLines();
+    ASSERT_EQ(logged.size(), 2 + lines.size() + 3 + 1);
+    EXPECT_EQ(logged[2], kalvo::link::EscapeBytes(lines.first() + '\r'));
+    EXPECT_EQ(logged[2 + lines.size() + 2], kalvo::link::EscapeBytes(pfile));
 }

@@ -227,6 +227,21 @@ TEST(FaultPlan, HitsTheMatchingExchangesForItsCount)
     }
 }
 
+TEST(FaultPlan, LoaderFaultsAreTakenOnlyForTheLoaderTheyMatch)
+{
+    FaultPlan plan;
+    ASSERT_TRUE(plan.add(QStringLiteral("noerase:kal!upd3x1")));
+    ASSERT_TRUE(plan.add(QStringLiteral("silence:kal!upd")));
+    ASSERT_TRUE(plan.add(QStringLiteral("noack")));
+    EXPECT_EQ(plan.Take("kal!upd3", 1), FaultKind::Silence) << "the answer's fault, not the loader's";
+    EXPECT_EQ(plan.TakeLoader("kal!upd3", 1), FaultKind::NoErase);
+    EXPECT_EQ(plan.TakeLoader("kal!upd3", 2), FaultKind::NoAck) << "noerase was used up";
+    EXPECT_EQ(plan.TakeLoader("kal!upd0", 3), FaultKind::NoAck);
+    EXPECT_EQ(plan.Take("dis?", 4), std::nullopt) << "loader faults never spoil an answer";
+    EXPECT_TRUE(sim::IsLoaderFault(FaultKind::ResetHalfway));
+    EXPECT_FALSE(sim::IsLoaderFault(FaultKind::Vanish));
+}
+
 TEST(FaultPlan, ParsesFaultTextAndExplainsMistakes)
 {
     struct Good {
@@ -245,6 +260,10 @@ TEST(FaultPlan, ParsesFaultTextAndExplainsMistakes)
         {"cutoff", FaultKind::CutOff, "", 1, -1},
         {"refusestore:cfg!pgm", FaultKind::RefuseStore, "cfg!pgm", 1, -1},
         {"vanish:var?E3", FaultKind::Vanish, "var?E3", 1, -1},
+        {"noack", FaultKind::NoAck, "", 1, -1},
+        {"no-erase:kal!upd3", FaultKind::NoErase, "kal!upd3", 1, -1},
+        {"RammingOnly@4", FaultKind::RammingOnly, "", 4, -1},
+        {"reset_halfway:kal!upd0x1", FaultKind::ResetHalfway, "kal!upd0", 1, 1},
     };
     for (const Good &g : good) {
         QString error;
