@@ -22,6 +22,9 @@
 #include "shell/ui/RemoteDisplay.h"
 #include "shell/ui/ServiceWindow.h"
 #include "shell/ui/SettingsFrame.h"
+#include "update/ui/FileChoiceFrame.h"
+#include "update/ui/UpdateFrame.h"
+#include "update/ui/UpdatePanel.h"
 
 #include <QAction>
 #include <QApplication>
@@ -62,6 +65,7 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
     setStatusBar(m_status);
     BuildFrames();
     m_menu = new MainMenu(menuBar());
+    menuBar()->insertMenu(m_menu->languages->menuAction(), m_update->menu());
     ConnectMenus();
 
     // Start-up: ports, settings file, language, switches; the port stays closed until OK.
@@ -112,6 +116,11 @@ void MainWindow::BuildFrames()
     m_frames->AddFrame(m_settings);
     m_frames->AddFrame(m_config, m_config->closeButton());
     m_frames->AddFrame(m_limits);
+    m_update = new update::ui::UpdatePanel(*m_device, this, m_startup.programDir);
+    m_update->SetUpoc(m_startup.settings.updateWithoutVersionCheck);
+    m_frames->AddFrame(m_update->fileChoice());
+    // The update frame has its own cancel button, disabled while a transfer runs.
+    m_frames->AddFrame(m_update->updateFrame(), m_update->updateFrame()->cancelButton());
     m_frames->ShowFrame(m_settings);
     setCentralWidget(m_frames);
 
@@ -128,6 +137,10 @@ void MainWindow::BuildFrames()
     connect(m_settings, &shell::ui::SettingsFrame::portChanged, m_status, &gui::StatusLine::ShowPort);
     connect(m_config, &shell::ui::ConfigFrame::storeRequested, this, &MainWindow::StoreConfig);
     connect(m_limits, &config::ui::LimitFrame::loaded, this, [this] { m_frames->ShowFrame(m_limits); });
+    connect(m_update, &update::ui::UpdatePanel::showFrame, m_frames, &gui::FrameStack::ShowFrame);
+    connect(m_update, &update::ui::UpdatePanel::leave, this, [this] { m_frames->ShowFrame(m_settings); });
+    connect(m_update, &update::ui::UpdatePanel::identityRead, this,
+            [this](const link::TesterIdentity &identity) { ShowIdentity(m_connection, identity, true); });
 }
 
 void MainWindow::ConnectMenus()
@@ -191,6 +204,7 @@ void MainWindow::ApplyTexts()
     m_settings->ApplyTexts(m_texts);
     m_config->ApplyTexts(m_texts);
     m_limits->ApplyTexts(m_texts);
+    m_update->ApplyTexts(m_texts);
     m_frames->SetCloseText(m_texts.text(link::TxtButtonClose));
     m_displayDock->setWindowTitle(m_texts.text(link::TxtLabelDisplay));
     m_status->SetLanguage(m_texts.language());
@@ -210,6 +224,7 @@ void MainWindow::SetBusy(bool busy)
         w->setEnabled(!busy);
     m_windows->SetBusy(busy);
     m_limits->SetBusy(busy);
+    m_update->SetBusy(busy);
     // The accessory switch is offered only when the tester reported the accessory.
     m_menu->quillbank->setEnabled(!busy && m_connection.quillbankPresent);
     if (busy)

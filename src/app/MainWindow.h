@@ -25,6 +25,9 @@ class SettingsFrame;
 namespace kalvo::config::ui {
 class LimitFrame;
 }
+namespace kalvo::update::ui {
+class UpdatePanel;
+}
 
 namespace kalvo::app {
 
@@ -101,6 +104,7 @@ private:
     QDockWidget *m_displayDock;
     gui::StatusLine *m_status;
     ChildWindows *m_windows;
+    update::ui::UpdatePanel *m_update;
 
     MainMenu *m_menu;
     // Buttons that start device work: disabled while an operation runs, as the menu's entries are.

@@ -10,7 +10,7 @@ namespace kalvo::gui {
 namespace {
 // Columns in the order of link::LanguageColumns(): deutsch, englisch, französisch, italienisch,
 // tschechisch, nederlandske, spain.
-using Row = std::array<const char16_t *, 7>;
+using Row = LanguageTexts;
 
 const Row &RowOf(Phrase phrase)
 {
@@ -64,9 +64,13 @@ const Row &RowOf(Phrase phrase)
 
 QString PhraseText(Phrase phrase, const QString &language)
 {
+    return InLanguage(RowOf(phrase), language);
+}
+
+QString InLanguage(const LanguageTexts &texts, const QString &language)
+{
     const std::optional<link::LanguageColumn> column = link::FindLanguage(language);
-    const size_t index = column ? static_cast<size_t>(column->column - 1) : 0;
-    return QString::fromUtf16(RowOf(phrase)[index]);
+    return QString::fromUtf16(texts[column ? static_cast<size_t>(column->column - 1) : 0]);
 }
 
 } // namespace kalvo::gui

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <array>
 
 namespace kalvo::gui {
 
@@ -25,6 +26,12 @@ enum class Phrase {
     ReplaceFile, // %1 the file
 };
 constexpr Phrase kLastPhrase = Phrase::ReplaceFile;
+
+// One text in the seven languages, in the order of link::LanguageColumns().
+using LanguageTexts = std::array<const char16_t *, 7>;
+// The text of `language` (the language table's names: "deutsch", "englisch", ...); German for a
+// name it does not know.
+QString InLanguage(const LanguageTexts &texts, const QString &language);
 
 // `phrase` in `language` (the language table's names: "deutsch", "englisch", ...); German for
 // a name it does not know.

@@ -1,0 +1,109 @@
+// The update frames of the main window offscreen: a package run and a single file from the file
+// choice, while the window stays alive.
+#include "WindowFixture.h"
+#include "sim/UpdateFiles.h"
+#include "support/TestFiles.h"
+
+#include "update/ui/FileChoiceFrame.h"
+
+#include <QListWidget>
+#include <QProgressBar>
+#include <QPushButton>
+
+using namespace kalvo;
+using namespace kalvo::testing;
+
+class UpdateWindowTest : public WindowFixture {
+protected:
+    // A package of the German language in the test's folder, and the file choice pointed at it.
+    void WritePackage()
+    {
+        WriteFile(m_dir.filePath(QStringLiteral("med.hex")), FirmwareLines(12).join("\r\n") + "\r\n");
+        WriteFile(m_dir.filePath(QStringLiteral("bilder.p")), Package(PictureBody(3000)));
+        WriteFile(m_dir.filePath(QStringLiteral("abge.p")), Package(PictureBody(2000)));
+        WriteFile(m_dir.filePath(QStringLiteral("hlfge.p")), Package(PictureBody(2000)));
+        m_window->findChild<update::ui::FileChoiceFrame *>(QStringLiteral("SPdownfiles"))
+            ->SetDirectory(m_dir.path());
+    }
+    QList<QByteArray> CommandsSince(qsizetype from)
+    {
+        QList<QByteArray> commands;
+        for (const QByteArray &line : LinesSince(from))
+            if (line.size() < 20) // the package streams and HEX lines are not commands
+                commands << line;
+        return commands;
+    }
+    template <typename T> T *Child(const char *name)
+    {
+        return m_window->findChild<T *>(QString::fromLatin1(name));
+    }
+};
+
+TEST_F(UpdateWindowTest, APackageRunKeepsTheWindowServedMovesTheBarAndLocksCancel)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    WritePackage();
+    const qsizetype before = LinesSince(0).size();
+
+    // Watched from the window's own event loop: it must keep turning during the transfer.
+    int ticksWhileBusy = 0;
+    bool cancelEnabledWhileBusy = false;
+    QList<int> bar;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (!window.device().busy())
+            return;
+        ++ticksWhileBusy;
+        cancelEnabledWhileBusy |= Child<QPushButton>("updatecancel")->isEnabled();
+        const int value = Child<QProgressBar>("ProgressBar1")->value();
+        if (bar.isEmpty() || bar.last() != value)
+            bar << value;
+    });
+    watch.start(5);
+    Trigger("paket_ge");
+    ASSERT_TRUE(WaitUntil([&] { return !window.device().busy(); }, 60000));
+    watch.stop();
+
+    EXPECT_GT(ticksWhileBusy, 20);
+    EXPECT_FALSE(cancelEnabledWhileBusy);
+    EXPECT_TRUE(std::any_of(bar.begin(), bar.end(), [](int v) { return v > 0 && v < 100; }))
+        << "the bar never showed a value between 0 and 100";
+    const QList<QByteArray> commands = CommandsSince(before);
+    const QList<QByteArray> announces = [&] {
+        QList<QByteArray> found;
+        for (const QByteArray &c : commands)
+            if (c.startsWith("kal!upd") || c.startsWith("rst!0"))
+                found << c;
+        return found;
+    }();
+    EXPECT_EQ(announces,
+              (QList<QByteArray>{"kal!upd0\r", "kal!upd3\r", "kal!upd1\r", "kal!upd2\r", "rst!0\r"}))
+        << QByteArrayList(commands).join(' ').toStdString();
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
+    // Over: the settings frame is back, with the identity read after the run.
+    EXPECT_TRUE(Child<QWidget>("settingsFrame")->isVisible());
+    EXPECT_FALSE(Child<QWidget>("updateframe")->isVisible());
+}
+
+TEST_F(UpdateWindowTest, ChoosingAFileInTheListSendsItAtOnceByTheListsMask)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    WritePackage();
+    Trigger("bilder");
+    auto *files = Child<QListWidget>("File1");
+    ASSERT_TRUE(Child<QWidget>("SPdownfiles")->isVisible());
+    ASSERT_EQ(files->count(), 1); // "b*.p": bilder.p only
+    EXPECT_EQ(files->item(0)->text(), QStringLiteral("bilder.p"));
+    Screenshot(window, QStringLiteral("main-update-file-choice"));
+    const qsizetype before = LinesSince(0).size();
+    emit files->itemActivated(files->item(0));
+    ASSERT_TRUE(Idle());
+    ASSERT_TRUE(WaitUntil([&] { return !window.device().busy(); }, 30000));
+    const QList<QByteArray> commands = CommandsSince(before);
+    EXPECT_EQ(commands.mid(0, 3), (QList<QByteArray>{"idn!99\r", "kal!ein\r", "kal!upd3\r"}))
+        << QByteArrayList(commands).join(' ').toStdString();
+    EXPECT_TRUE(commands.contains("rst!0\r"));
+    EXPECT_TRUE(Child<QPushButton>("okupdate")->isEnabled()); // the chosen file can be sent again
+}
