@@ -11,6 +11,10 @@
 #include "records/ui/RecordWindow.h"
 #include "shell/ui/HelpWindow.h"
 #include "shell/ui/ServiceWindow.h"
+#include "update/ui/TemplateTools.h"
+
+#include <QLabel>
+#include <QLineEdit>
 
 #include <QWidget>
 
@@ -67,6 +71,11 @@ records::ui::RecordWindow *ChildWindows::OpenRecords(const QString &language)
     if (!m_records) {
         m_records = new records::ui::RecordWindow(m_device, m_programDir);
         m_records->setAttribute(Qt::WA_DeleteOnClose);
+        m_templates = new update::ui::TemplateTools(m_device, m_records->reportBox(), m_records);
+        m_records->AddTemplateTools(m_templates->menu(), m_templates->fileLabel(),
+                                    m_templates->numberEntry());
+        connect(m_templates, &update::ui::TemplateTools::templateShown, m_records,
+                &records::ui::RecordWindow::ShowingTemplate);
         m_records->SetBusy(m_device.busy());
     }
     m_records->SetLanguage(language);
@@ -112,8 +121,10 @@ void ChildWindows::SetBusy(bool busy)
         m_service->SetBusy(busy);
         m_servicePanel->SetBusy(busy);
     }
-    if (m_records)
+    if (m_records) {
         m_records->SetBusy(busy);
+        m_templates->SetBusy(busy);
+    }
     if (m_modem)
         m_modem->SetBusy(busy);
 }

@@ -26,6 +26,9 @@ class RecordWindow;
 namespace kalvo::modem::ui {
 class ModemWindow;
 }
+namespace kalvo::update::ui {
+class TemplateTools;
+}
 
 namespace kalvo::app {
 
@@ -62,6 +65,7 @@ private:
     QPointer<shell::ui::ServiceWindow> m_service;
     QPointer<config::ui::ServiceConfigPanel> m_servicePanel;
     QPointer<records::ui::RecordWindow> m_records;
+    QPointer<update::ui::TemplateTools> m_templates; // a child of the record window
     QPointer<modem::ui::ModemWindow> m_modem;
     QPointer<shell::ui::HelpWindow> m_help;
 };

@@ -1,6 +1,7 @@
 // The record window offscreen against the virtual tester: the store, files, reports, PDF and CSV.
 #include "WindowFixture.h"
 #include "gui/DeviceThread.h"
+#include "link/Link.h"
 #include "records/RecordSamples.h"
 #include "support/TestFiles.h"
 
@@ -9,10 +10,13 @@
 #include <QApplication>
 #include <QFile>
 #include <QFileDialog>
+#include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProcess>
+#include <QTest>
 #include <QTimer>
 
 using namespace kalvo;
@@ -262,4 +266,47 @@ TEST_F(RecordWindowTest, RecordsAreListedAsTheyArriveAndMakeReportWantsARecordTe
     ASSERT_FALSE(progress.isEmpty());
     EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
     EXPECT_TRUE(makeReport->isEnabled());
+}
+
+TEST_F(RecordWindowTest, ATemplateGoesFromTheTesterIntoTheEditorIntoAFileAndBack)
+{
+    OpenRecords();
+    Trigger("protvor");
+    auto *number = m_records->findChild<QLineEdit *>(QStringLiteral("VorTExt"));
+    ASSERT_TRUE(number->isVisible());
+    // Digits only, four at the most.
+    QTest::keyClick(number, Qt::Key_A);
+    QTest::keyClicks(number, QStringLiteral("2"));
+    ASSERT_TRUE(WaitUntil([&] { return !m_dialogs.messages.isEmpty(); }));
+    EXPECT_EQ(m_dialogs.messages.value(0), QStringLiteral("Nur maximal 4 Zahlen möglich"));
+    EXPECT_EQ(number->text(), QStringLiteral("2"));
+    QTest::keyClick(number, Qt::Key_Return);
+    ASSERT_TRUE(Idle());
+    ASSERT_TRUE(WaitUntil([&] { return !Report().isEmpty(); }));
+    EXPECT_EQ(m_records->findChild<QLabel *>(QStringLiteral("ProtLabel"))->text(), QStringLiteral("2.pr"));
+    EXPECT_TRUE(m_records->findChild<QAction *>(QStringLiteral("speichern"))->isEnabled());
+    EXPECT_FALSE(m_records->findChild<QAction *>(QStringLiteral("drucken"))->isEnabled());
+    const QString fromTester = Report();
+    EXPECT_TRUE(fromTester.contains(QChar(0x2500)) || fromTester.contains(QChar(0x2502)))
+        << "the line-drawing characters should show as such: " << fromTester.left(120).toStdString();
+
+    // Edited, kept in its file with CR LF lines and the tester's bytes, and stored into slot 3.
+    auto *box = m_records->findChild<QPlainTextEdit *>(QStringLiteral("Protokol"));
+    EXPECT_FALSE(box->isReadOnly());
+    box->moveCursor(QTextCursor::End);
+    box->insertPlainText(QStringLiteral("\nGeändert"));
+    m_records->findChild<QAction *>(QStringLiteral("vor3"))->trigger();
+    const qsizetype before = LinesSince(0).size();
+    Trigger("Command2");
+    ASSERT_TRUE(Idle());
+    const QByteArray file = ReadFile(m_dir.filePath(QStringLiteral("2.pr")));
+    EXPECT_TRUE(file.endsWith("\r\nGe\x84ndert\r\n") || file.endsWith("\r\nGe\x84ndert"))
+        << file.right(40).toHex().constData();
+    EXPECT_TRUE(QFile::exists(m_dir.filePath(QStringLiteral("2.P"))));
+    const QList<QByteArray> lines = LinesSince(before);
+    ASSERT_FALSE(lines.isEmpty());
+    EXPECT_TRUE(lines.contains("kal!upd3\r")) << QByteArrayList(lines).join(' ').left(300).toStdString();
+    QByteArray slot3;
+    m_window->device().RunAndWait([&](link::Link &link) { slot3 = link.Exchange("prn?3"); });
+    EXPECT_TRUE(slot3.contains("Ge\x84ndert")) << slot3.right(60).toHex().constData();
 }

@@ -23,6 +23,7 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QSplitter>
+#include <QVBoxLayout>
 
 namespace kalvo::records::ui {
 
@@ -58,7 +59,13 @@ RecordWindow::RecordWindow(gui::DeviceThread &device, const QString &programDir,
     m_report->setLineWrapMode(QPlainTextEdit::NoWrap);
     m_report->setTabStopDistance(QFontMetricsF(m_report->font()).horizontalAdvance(QLatin1Char(' ')) * 8);
     splitter->setStretchFactor(1, 3);
-    setCentralWidget(splitter);
+    auto *central = new QWidget(this);
+    auto *layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_templateBar = new QHBoxLayout;
+    layout->addLayout(m_templateBar);
+    layout->addWidget(splitter, 1);
+    setCentralWidget(central);
     BuildMenus();
     EnableOutput(false);
     connect(m_list, &QListWidget::currentRowChanged, this, &RecordWindow::RecordSelected);
@@ -110,6 +117,18 @@ void RecordWindow::BuildMenus()
         group->addAction(a);
         connect(a, &QAction::triggered, this, [this, number = number] { m_template = number; });
     }
+}
+
+void RecordWindow::AddTemplateTools(QMenu *menu, QWidget *fileLabel, QWidget *numberEntry)
+{
+    menuBar()->addMenu(menu);
+    m_templateBar->addWidget(fileLabel, 1);
+    m_templateBar->addWidget(numberEntry);
+}
+
+void RecordWindow::ShowingTemplate()
+{
+    EnableOutput(false);
 }
 
 void RecordWindow::SetBusy(bool busy)

@@ -6,7 +6,9 @@
 
 class QAction;
 class QActionGroup;
+class QHBoxLayout;
 class QListWidget;
+class QMenu;
 class QPlainTextEdit;
 
 namespace kalvo::link {
@@ -28,6 +30,13 @@ public:
     RecordWindow(gui::DeviceThread &device, const QString &programDir, QWidget *parent = nullptr);
 
     void SetBusy(bool busy);
+    // The report box, where print templates are edited too.
+    QPlainTextEdit *reportBox() const { return m_report; }
+    // The template entries another part of the program brings: their menu, the label with the
+    // template's file and the template number entry, placed above the report box.
+    void AddTemplateTools(QMenu *menu, QWidget *fileLabel, QWidget *numberEntry);
+    // A template, not a record, stands in the report box: nothing to print or store as a record.
+    void ShowingTemplate();
     // The language of the status texts ("deutsch", ...); the window's captions are its own.
     void SetLanguage(const QString &language) { m_language = language; }
     QString reportText() const;
@@ -82,6 +91,7 @@ private:
     QList<int> m_numbers;        // the store's record numbers when it came from the tester
     int m_template = 1;
 
+    QHBoxLayout *m_templateBar;
     QListWidget *m_list;      // lb1
     QPlainTextEdit *m_report; // Protokol
     QAction *m_drucken, *m_pdf, *m_protStore, *m_fexcel, *m_printProt;
