@@ -2,10 +2,13 @@
 // choice, while the window stays alive.
 #include "WindowFixture.h"
 #include "sim/UpdateFiles.h"
+#include "support/SimProcess.h"
 #include "support/TestFiles.h"
 
 #include "update/ui/FileChoiceFrame.h"
 
+#include <QComboBox>
+#include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
@@ -91,19 +94,57 @@ TEST_F(UpdateWindowTest, ChoosingAFileInTheListSendsItAtOnceByTheListsMask)
     auto &window = Open();
     ASSERT_TRUE(ConnectToSimulator());
     WritePackage();
-    Trigger("bilder");
-    auto *files = Child<QListWidget>("File1");
-    ASSERT_TRUE(Child<QWidget>("SPdownfiles")->isVisible());
-    ASSERT_EQ(files->count(), 1); // "b*.p": bilder.p only
-    EXPECT_EQ(files->item(0)->text(), QStringLiteral("bilder.p"));
-    Screenshot(window, QStringLiteral("main-update-file-choice"));
-    const qsizetype before = LinesSince(0).size();
-    emit files->itemActivated(files->item(0));
-    ASSERT_TRUE(Idle());
-    ASSERT_TRUE(WaitUntil([&] { return !window.device().busy(); }, 30000));
-    const QList<QByteArray> commands = CommandsSince(before);
-    EXPECT_EQ(commands.mid(0, 3), (QList<QByteArray>{"idn!99\r", "kal!ein\r", "kal!upd3\r"}))
-        << QByteArrayList(commands).join(' ').toStdString();
-    EXPECT_TRUE(commands.contains("rst!0\r"));
-    EXPECT_TRUE(Child<QPushButton>("okupdate")->isEnabled()); // the chosen file can be sent again
+    struct Case {
+        const char *entry, *file;
+        QByteArray announce;
+        bool restart; // "rst!0" follows a package; firmware restarts the tester by itself
+    };
+    const Case cases[] = {{"bilder", "bilder.p", "kal!upd3\r", true},
+                          {"ablauf", "abge.p", "kal!upd1\r", true},
+                          {"hilfe", "hlfge.p", "kal!upd2\r", true},
+                          {"syst", "med.hex", "kal!upd0\r", false}};
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.entry);
+        Trigger(c.entry);
+        auto *files = Child<QListWidget>("File1");
+        ASSERT_TRUE(Child<QWidget>("SPdownfiles")->isVisible());
+        ASSERT_EQ(files->count(), 1); // the list's mask lets one file of the package through
+        EXPECT_EQ(files->item(0)->text(), QString::fromLatin1(c.file));
+        if (QByteArray(c.entry) == "bilder")
+            Screenshot(window, QStringLiteral("main-update-file-choice"));
+        const qsizetype before = LinesSince(0).size();
+        emit files->itemActivated(files->item(0));
+        ASSERT_TRUE(WaitUntil([&] { return !window.device().busy(); }, 30000));
+        const QList<QByteArray> commands = CommandsSince(before);
+        EXPECT_EQ(commands.mid(0, 3), (QList<QByteArray>{"idn!99\r", "kal!ein\r", c.announce}))
+            << QByteArrayList(commands).join(' ').toStdString();
+        EXPECT_EQ(commands.contains("rst!0\r"), c.restart);
+        EXPECT_TRUE(Child<QPushButton>("okupdate")->isEnabled()); // the chosen file can be sent again
+    }
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
+}
+
+TEST_F(UpdateWindowTest, APackageRunFromTheWindowReachesKalvoSimOverAPseudoTerminal)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    auto &window = Open({});
+    window.findChild<QComboBox *>(QStringLiteral("COM"))->setEditText(sim.pty());
+    ASSERT_TRUE(ConnectToSimulator());
+    const QString picturesBefore = window.findChild<QLabel *>(QStringLiteral("bilderver"))->text();
+    WritePackage();
+    // The run takes the line's time: longer than a menu entry is waited for.
+    window.findChild<QAction *>(QStringLiteral("paket_ge"))->trigger();
+    ASSERT_TRUE(WaitUntil([&] { return !window.device().busy(); }, 120000));
+    QStringList announces;
+    for (const QString &line : sim.ReceivedBytes())
+        if (line.startsWith(QLatin1String("kal!upd")) || line.startsWith(QLatin1String("rst!0")))
+            announces << line;
+    EXPECT_EQ(announces, (QStringList{QStringLiteral("kal!upd0\\r"), QStringLiteral("kal!upd3\\r"),
+                                      QStringLiteral("kal!upd1\\r"), QStringLiteral("kal!upd2\\r"),
+                                      QStringLiteral("rst!0\\r")}))
+        << sim.ReceivedBytes().join(' ').left(400).toStdString();
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
+    // The identity read after the run shows the pictures' new date.
+    EXPECT_NE(window.findChild<QLabel *>(QStringLiteral("bilderver"))->text(), picturesBefore);
 }
