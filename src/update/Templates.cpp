@@ -38,15 +38,23 @@ QString TemplateFileName(int k)
     return QString::number(k) + QStringLiteral(".pr");
 }
 
-bool SaveTemplateFromTester(link::Link &link, int k, const QString &path)
+std::optional<QByteArray> ReadTemplate(link::Link &link, int k)
 {
     if (link.PortClosed())
-        return false;
+        return std::nullopt;
     const link::RefusalWatch watch(link);
     const QByteArray answer = link.Exchange(TemplateReadCommand(k));
     if (watch.refused())
+        return std::nullopt;
+    return TemplateText(answer);
+}
+
+bool SaveTemplateFromTester(link::Link &link, int k, const QString &path)
+{
+    const std::optional<QByteArray> text = ReadTemplate(link, k);
+    if (!text)
         return false;
-    SaveBytes(path, TemplateText(answer));
+    SaveBytes(path, *text);
     return true;
 }
 

@@ -3,6 +3,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <optional>
 
 namespace kalvo::link {
 class Link;
@@ -24,6 +25,9 @@ QByteArray TemplateText(const QByteArray &answer);
 // k + ".pr", the template's file when it was read from the tester.
 QString TemplateFileName(int k);
 
+// The text of template k (0..4) as the tester holds it; nullopt when the port is closed (the user
+// has been told) or the tester refused the read.
+std::optional<QByteArray> ReadTemplate(link::Link &link, int k);
 // Reads template k (0..4) and saves its text to `path` through a QSaveFile. When the tester
 // refuses the read, or the port is closed, no file is written (an old one stays) and false is returned.
 // Throws link::FormatError when the file cannot be written.

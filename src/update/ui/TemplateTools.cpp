@@ -166,15 +166,10 @@ void TemplateTools::ReadTemplate(int number)
         return;
     m_device.Post(m_owner, QStringLiteral("Vorlage aus Kalvomer"),
                   [this, number](link::Link &link, link::Prompter &) {
-                      if (link.PortClosed())
-                          return;
-                      const link::RefusalWatch watch(link);
-                      const QByteArray answer = link.Exchange(TemplateReadCommand(number));
-                      if (watch.refused())
-                          return;
-                      QMetaObject::invokeMethod(this, [this, text = TemplateText(answer), number] {
-                          ShowTemplate(text, TemplateFileName(number));
-                      });
+                      if (const std::optional<QByteArray> text = update::ReadTemplate(link, number))
+                          QMetaObject::invokeMethod(this, [this, text = *text, number] {
+                              ShowTemplate(text, TemplateFileName(number));
+                          });
                   });
 }
 
