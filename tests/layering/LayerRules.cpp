@@ -5,7 +5,7 @@ namespace kalvo::layering {
 
 namespace {
 
-const char *const kCore = "shell config records records/print modem update";
+const char *const kCore = "shell config records records/print modem update specdb archive";
 
 struct Row {
     const char *folder;
@@ -24,13 +24,17 @@ const Row kTable[] = {
     {"records/print",   "link core"},
     {"modem",           "link core"},
     {"update",          "link core"},
+    {"specdb",          "link core"},
+    {"archive",         "link core"},
     {"gui",             "link"},
     {"shell/ui",        "gui shell link"},
     {"config/ui",       "gui config link"},
     {"records/ui",      "gui records records/print link"},
     {"modem/ui",        "gui modem link"},
     {"update/ui",       "gui update link"},
-    {"app",             "gui shell/ui config/ui records/ui modem/ui update/ui core link sim"},
+    {"specdb/ui",       "gui specdb link"},
+    {"archive/ui",      "gui archive records records/print link"},
+    {"app",             "gui shell/ui config/ui records/ui modem/ui update/ui specdb/ui archive/ui core link sim"},
     {"cli",             "core link sim"},
 };
 // clang-format on

@@ -1,0 +1,22 @@
+// The generator of default limits: what the regulations ask of a device of a given protection class
+// and applied-part type, written into the code elements and the limit boxes of a specification.
+#pragma once
+
+#include "specdb/SpecRecord.h"
+
+#include <QList>
+
+namespace kalvo::specdb {
+
+// Runs the generator for the regulation list entry (0..11, in the editor's order) and the switch
+// position code ("00", "05", "01", "02", "20" or "Menue"). Reads the protection class (element 14) and
+// the applied-part type (element 15); writes elements 1, 6, 17, 18, 19 and every limit box 1..22 (a box
+// the combination does not use is emptied); clears the extras. Other elements are left as they are.
+void ApplyDefaults(SpecRecord &record, int regulationEntry, const QByteArray &switchCode);
+
+// The boxes (1..22, ascending) whose limit in `record` is looser than the generator's default for the
+// same regulation, class, type and switch position: a higher "<" limit, a lower ">" limit, or an empty
+// box that the default fills.
+QList<int> LooserLimits(const SpecRecord &record, int regulationEntry, const QByteArray &switchCode);
+
+} // namespace kalvo::specdb
