@@ -195,7 +195,8 @@ void PtyHost::LogNewLines()
             continue;
         const auto &line = lines[m_logged];
         const double ms = link::ToSeconds(line.at - m_start) * 1000.0;
-        std::fprintf(m_log, "%.1f\t%s\n", ms, link::EscapeBytes(line.bytes).toLatin1().constData());
+        std::fprintf(m_log, "%.1f\t%s%s\n", ms, link::EscapeBytes(line.bytes).toLatin1().constData(),
+                     line.exchange ? "" : "\t-");
         std::fflush(m_log);
     }
 }

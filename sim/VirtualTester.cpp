@@ -55,7 +55,7 @@ void VirtualTester::Receive(char byte, link::Duration at)
         m_restartArmed = false;
         // Only the lone EOT right behind "rst!0" restarts the tester.
         if (byte == kEOT && m_line.isEmpty()) {
-            m_received.append({QByteArray(1, kEOT), at});
+            m_received.append({QByteArray(1, kEOT), at, false});
             Restart(at);
             return;
         }
@@ -135,7 +135,7 @@ void VirtualTester::EndIdlePackage(link::Duration until)
 void VirtualTester::Apply(const UpdateLoader::Step &step, link::Duration at)
 {
     if (!step.received.isEmpty())
-        m_received.append({step.received, m_loaderByteAt});
+        m_received.append({step.received, m_loaderByteAt, false});
     link::Duration end = std::max(at, m_busyUntil);
     for (const UpdateLoader::Piece &piece : step.send)
         end = Send(piece.bytes, std::max(at, m_busyUntil) + piece.after);

@@ -20,7 +20,8 @@ public:
         // As received, CR included; a lone EOT after "rst!0" is a line of its own, a firmware line
         // is one with its CR or LF, a package stream one (its first UpdateLoader::kKeptBytes).
         QByteArray bytes;
-        link::Duration at; // when its last byte arrived
+        link::Duration at;    // when its last byte arrived
+        bool exchange = true; // a command line with its answer; not what a loader or a restart took
     };
 
     explicit VirtualTester(link::Clock &clock);

@@ -57,7 +57,8 @@ void PrintUsage(std::FILE *to)
         "  --records N              keep only the first N test records of the store (0: empty)\n"
         "  --kym-records N          keep only the first N records of the accessory (0: empty)\n"
         "  --no-current             no current record (no test made since switching on)\n"
-        "  --log FILE               one line per received command line: ms since start, TAB, bytes\n"
+        "  --log FILE               one line per received command line: ms since start, TAB, bytes;\n"
+        "                           TAB \"-\" behind what a loader or a restart took (no exchange)\n"
         "  --display-every SECONDS  send a remote-display frame whenever the line is idle that long\n"
         "  --restart-delay SECONDS  how long a restart keeps the tester from answering (default 0)\n"
         "  --help                   this text\n",

@@ -19,7 +19,9 @@ struct CliContext::Simulator {
 };
 
 CliContext::CliContext(const CliOptions &options)
-    : m_options(options), m_prompter(options.yes, StderrIsTerminal()), m_out(stdout)
+    : m_options(options),
+      m_prompter(options.yes, StderrIsTerminal() ? ProgressStyle::Bar : ProgressStyle::Percentages),
+      m_out(stdout)
 {
     if (options.simulate) {
         m_simulator = std::make_unique<Simulator>();

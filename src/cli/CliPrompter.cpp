@@ -21,8 +21,7 @@ bool StderrIsTerminal()
 #endif
 }
 
-CliPrompter::CliPrompter(bool yes, bool showProgress, FILE *err)
-    : m_yes(yes), m_showProgress(showProgress), m_err(err)
+CliPrompter::CliPrompter(bool yes, ProgressStyle style, FILE *err) : m_yes(yes), m_progress(style), m_err(err)
 {}
 
 CliPrompter::~CliPrompter()
@@ -95,8 +94,6 @@ QString CliPrompter::askSaveFile(const QString &)
 
 void CliPrompter::progress(int percent)
 {
-    if (!m_showProgress)
-        return;
     m_err << m_progress.Show(percent);
     m_err.flush();
 }

@@ -14,13 +14,13 @@ class Link;
 
 namespace kalvo::cli {
 
-// True when stderr is a terminal: progress is shown only to a person watching, never to a script.
+// True when stderr is a terminal: a person watching gets a bar, a log gets percentage lines.
 bool StderrIsTerminal();
 
 class CliPrompter final : public link::Prompter {
 public:
-    // Messages go to `err`; progress too, as one line rewritten in place, when `showProgress`.
-    CliPrompter(bool yes, bool showProgress, FILE *err = stderr);
+    // Messages and progress go to `err`, the progress in `style`.
+    CliPrompter(bool yes, ProgressStyle style, FILE *err = stderr);
     ~CliPrompter() override;
 
     void message(const QString &text, Icon icon) override;
@@ -49,7 +49,6 @@ public:
 
 private:
     bool m_yes;
-    bool m_showProgress;
     const link::Link *m_link = nullptr;
     bool m_failureShown = false;
     ProgressLine m_progress;

@@ -1,22 +1,32 @@
-// The progress of kalvo-cli on a terminal: one line, rewritten in place as the percentage changes.
+// The progress of kalvo-cli on stderr: a bar rewritten in place for a person at a terminal, plain
+// percentage lines for a log or a script.
 #pragma once
 
 #include <QString>
 
 namespace kalvo::cli {
 
+enum class ProgressStyle {
+    Bar,         // "\r[########            ]  40 %", one line rewritten as the percentage changes
+    Percentages, // "40 %" on a line of its own at every tenth reached, so a log stays short
+};
+
 class ProgressLine {
 public:
-    // What to write for `percent`: "\r 40 %" while the operation runs, "\r100 %\n" when it is
-    // complete; nothing when the percentage has not changed. A percentage below the one shown
-    // starts a new operation, and so a new line.
+    explicit ProgressLine(ProgressStyle style = ProgressStyle::Bar) : m_style(style) {}
+
+    // What to write for `percent`; nothing when there is nothing new to show. A percentage below the
+    // one shown starts a new operation, and so a new line. 100 always ends the line.
     QString Show(int percent);
-    // The line end an unfinished line still needs (the operation ended early, or something else
-    // is about to be written); empty when no line is open.
+    // The line end an unfinished bar still needs (the operation ended early, or something else is
+    // about to be written); empty when no bar is open. The next percentage starts afresh.
     QString End();
 
 private:
-    int m_shown = -1;
+    QString Bar(int percent) const;
+
+    ProgressStyle m_style;
+    int m_shown = -1; // the last percentage (bar) or tenth (percentages) written
     bool m_open = false;
 };
 

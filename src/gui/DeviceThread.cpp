@@ -3,7 +3,16 @@
 
 #include "DeviceWorker.h"
 
+#include <QCoreApplication>
+#include <QSemaphore>
+
 namespace kalvo::gui {
+
+namespace {
+
+constexpr int kServeMs = 10; // how often a stopping window looks for a call from the worker
+
+} // namespace
 
 DeviceThread::DeviceThread(TransportFactory factory, QWidget *fallbackOwner)
     : QObject(nullptr), m_worker(new DeviceWorker(std::move(factory), fallbackOwner))
@@ -38,8 +47,15 @@ void DeviceThread::Stop()
         return;
     // Closing the program ends at once, even while an operation waits for the tester.
     m_worker->Abandon();
-    QMetaObject::invokeMethod(
-        m_worker, [w = m_worker] { w->Stop(); }, Qt::BlockingQueuedConnection);
+    // The worker may itself be waiting for this thread, for a message it shows: while it stops,
+    // calls it makes to the window's thread are served, or neither could go on.
+    QSemaphore stopped;
+    QMetaObject::invokeMethod(m_worker, [w = m_worker, &stopped] {
+        w->Stop();
+        stopped.release();
+    });
+    while (!stopped.tryAcquire(1, kServeMs))
+        QCoreApplication::sendPostedEvents(QCoreApplication::instance(), QEvent::MetaCall);
     m_portOpen = false; // the worker's word on it is still on its way
 }
 

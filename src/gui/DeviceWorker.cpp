@@ -89,13 +89,16 @@ void DeviceWorker::PollDisplay()
         if (!bytes.isEmpty())
             emit displayBytes(bytes);
     } catch (const link::KalvoError &e) {
-        m_fallback.message(e.message(), link::Prompter::Icon::Critical);
+        // A line lost while the program closes is no news to anyone.
+        if (!m_closing)
+            m_fallback.message(e.message(), link::Prompter::Icon::Critical);
     }
     NotePortState();
 }
 
 void DeviceWorker::Abandon()
 {
+    m_closing = true;
     if (link::Link *link = m_linkForAbandon.load())
         link->Abandon();
 }

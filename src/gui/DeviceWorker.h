@@ -73,6 +73,7 @@ private:
     QTimer *m_poll = nullptr;
     bool m_portOpen = false;
     std::atomic<link::Link *> m_linkForAbandon{nullptr}; // read from the window's thread
+    std::atomic<bool> m_closing{false};                  // set from the window's thread
 };
 
 } // namespace kalvo::gui

@@ -26,10 +26,11 @@ std::optional<MadePFile> MakePFile(link::Prompter &prompter, const QString &temp
 
 bool LoadPFile(link::Link &link, link::Prompter &prompter, const MadePFile &pfile)
 {
+    const link::RefusalWatch session(link);
     link.SendCommand(QByteArray{} + link::kEOT + link::kCR);
     link.Wait(kPFileWakePause);
     link::OpenServiceSession(link);
-    AnnounceLoader(link, InfoFor(ContentKind::Pictures).announce, pfile.path);
+    AnnounceLoader(link, session, InfoFor(ContentKind::Pictures).announce, pfile.path);
     const bool send = pfile.bytes.size() >= kShortestPackageBytes;
     if (send) {
         StreamBytes(link, prompter, pfile.bytes);

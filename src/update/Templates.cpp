@@ -3,6 +3,7 @@
 
 #include "FileBytes.h"
 #include "PFileLoad.h"
+#include "link/Errors.h"
 #include "link/Link.h"
 
 namespace kalvo::update {
@@ -12,14 +13,29 @@ QByteArray TemplateReadCommand(int k)
     return "prn?" + QByteArray::number(k);
 }
 
-QByteArray TemplateText(const QByteArray &answer)
+namespace {
+
+QByteArray WithoutTerminator(const QByteArray &answer)
 {
-    // The payload: the answer without its terminator and without the success mark that closes it.
-    QByteArray payload = answer.endsWith(link::kDC1) ? answer.chopped(1) : answer;
+    return answer.endsWith(link::kDC1) ? answer.chopped(1) : answer;
+}
+
+// Where the success mark that closes an answer ends (line ends may follow it); 0 when there is none.
+qsizetype SuccessMarkEnd(const QByteArray &payload)
+{
     qsizetype end = payload.size();
     while (end > 0 && (payload[end - 1] == '\r' || payload[end - 1] == '\n'))
         --end;
-    if (payload.left(end).endsWith(".Y"))
+    return payload.left(end).endsWith(".Y") ? end : 0;
+}
+
+} // namespace
+
+QByteArray TemplateText(const QByteArray &answer)
+{
+    // Without the success mark that closes it.
+    QByteArray payload = WithoutTerminator(answer);
+    if (const qsizetype end = SuccessMarkEnd(payload))
         payload.truncate(end - 2);
     const qsizetype start = payload.indexOf("\\v");
     if (start >= 0)
@@ -43,9 +59,15 @@ std::optional<QByteArray> ReadTemplate(link::Link &link, int k)
     if (link.PortClosed())
         return std::nullopt;
     const link::RefusalWatch watch(link);
-    const QByteArray answer = link.Exchange(TemplateReadCommand(k));
+    const QByteArray command = TemplateReadCommand(k);
+    const QByteArray answer = link.Exchange(command);
     if (watch.refused())
         return std::nullopt;
+    // A template begins behind its marker, or, where a tester sends none, is closed by the success
+    // mark; an answer with neither (garbled, or refused with ".Nx") holds no template.
+    if (!answer.contains("\\v") && SuccessMarkEnd(WithoutTerminator(answer)) == 0)
+        throw link::FormatError::ForAnswer(
+            command, answer, QStringLiteral("eine Vorlage hinter \"\\v\" oder mit \".Y\" am Ende"));
     return TemplateText(answer);
 }
 

@@ -26,7 +26,8 @@ QByteArray TemplateText(const QByteArray &answer);
 QString TemplateFileName(int k);
 
 // The text of template k (0..4) as the tester holds it; nullopt when the port is closed (the user
-// has been told) or the tester refused the read.
+// has been told) or the tester refused the read. Throws link::FormatError for an answer that holds
+// no template: neither the "\v" marker nor the closing ".Y".
 std::optional<QByteArray> ReadTemplate(link::Link &link, int k);
 // Reads template k (0..4) and saves its text to `path` through a QSaveFile. When the tester
 // refuses the read, or the port is closed, no file is written (an old one stays) and false is returned.

@@ -7,6 +7,7 @@
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/Prompter.h"
+#include "link/ServiceSession.h"
 
 #include <QDir>
 #include <QFile>
@@ -111,17 +112,16 @@ QString NotFoundText(const QString &path)
     return QDir::toNativeSeparators(path) + QStringLiteral(" nicht gefunden");
 }
 
-void AnnounceLoader(link::Link &link, const QByteArray &command, const QString &path)
+void AnnounceLoader(link::Link &link, const link::RefusalWatch &session, const QByteArray &command,
+                    const QString &path)
 {
-    const link::RefusalWatch watch(link);
-    const QByteArray answer = link.Exchange(command);
-    if (!answer.contains(".N") && !answer.contains("Protokoll"))
+    if (!session.refused())
+        link::SendSetting(link, command);
+    if (!session.refused())
         return;
-    if (!watch.refused())
-        link.NoteRefusal(command);
     throw link::ProtocolError(link.protocolErrorNumber(),
-                              QStringLiteral("Der Kalvomer hat \"%1\" abgelehnt; %2 wurde nicht gesendet.")
-                                  .arg(QString::fromLatin1(command), QDir::toNativeSeparators(path)));
+                              QStringLiteral("Der Kalvomer hat %1 abgelehnt; %2 wurde nicht gesendet.")
+                                  .arg(session.Describe(), QDir::toNativeSeparators(path)));
 }
 
 void CheckPackageFileSize(const QString &path)

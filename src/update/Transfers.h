@@ -8,6 +8,7 @@
 namespace kalvo::link {
 class Link;
 class Prompter;
+class RefusalWatch;
 } // namespace kalvo::link
 
 namespace kalvo::update {
@@ -47,10 +48,13 @@ void CheckPackageFileSize(const QString &path);
 // with the busy pointer on and the progress (0 to 100) following the bytes gone.
 void StreamBytes(link::Link &link, link::Prompter &prompter, const QByteArray &bytes);
 
-// Sends a loader command ("kal!upd0".."kal!upd3") and collects its answer. A refusal (".N" or
-// "Protokoll") is counted and thrown as link::ProtocolError naming `path` as not sent: a tester
-// whose loader did not open would take the file's bytes as commands.
-void AnnounceLoader(link::Link &link, const QByteArray &command, const QString &path);
+// Sends a loader command ("kal!upd0".."kal!upd3") and collects its answer, which must hold ".Y"
+// without ".N". Flash contents go only to a loader known to listen, in a session that went well:
+// when `session` has seen a refusal or a bad answer (the announce is then not sent), or the
+// announce's answer is anything else, link::ProtocolError names the refused commands and `path`
+// as not sent. A tester whose loader did not open would take the file's bytes as commands.
+void AnnounceLoader(link::Link &link, const link::RefusalWatch &session, const QByteArray &command,
+                    const QString &path);
 
 // The message for a file not sent: its path and " nicht gefunden".
 QString NotFoundText(const QString &path);

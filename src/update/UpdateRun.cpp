@@ -21,7 +21,7 @@ class Steps {
 public:
     Steps(link::Link &link, link::Prompter &prompter, const UpdatePermission &permission,
           const UpdateContext &context)
-        : m_link(link), m_prompter(prompter), m_permission(permission), m_context(context)
+        : m_link(link), m_prompter(prompter), m_permission(permission), m_context(context), m_session(link)
     {}
 
     QString PathOf(const QString &fileName) const { return QDir(m_context.directory).filePath(fileName); }
@@ -49,7 +49,8 @@ public:
         }
         if (!m_hex || m_hex->path() != path)
             CheckBeforeSending(ContentKind::System, path);
-        AnnounceLoader(m_link, InfoFor(ContentKind::System).announce, path);
+        TellFile(path);
+        AnnounceLoader(m_link, m_session, InfoFor(ContentKind::System).announce, path);
         Count(SendHexFile(m_link, m_prompter, *m_hex), path);
     }
 
@@ -60,7 +61,8 @@ public:
             Refuse(kind);
             return;
         }
-        AnnounceLoader(m_link, InfoFor(kind).announce, path);
+        TellFile(path);
+        AnnounceLoader(m_link, m_session, InfoFor(kind).announce, path);
         Count(SendPackageFile(m_link, m_prompter, path), path);
     }
 
@@ -80,6 +82,12 @@ public:
     UpdateOutcome &outcome() { return m_outcome; }
 
 private:
+    void TellFile(const QString &path) const
+    {
+        if (m_context.fileStarting)
+            m_context.fileStarting(path);
+    }
+
     void Refuse(ContentKind kind)
     {
         m_prompter.message(m_context.texts.text(InfoFor(kind).refusal), link::Prompter::Icon::Warning);
@@ -95,6 +103,7 @@ private:
     link::Prompter &m_prompter;
     const UpdatePermission &m_permission;
     const UpdateContext &m_context;
+    const link::RefusalWatch m_session; // from the start of the run: no loader opens after a refusal
     std::optional<HexFile> m_hex;
     UpdateOutcome m_outcome;
 };

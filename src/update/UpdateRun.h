@@ -9,6 +9,7 @@
 #include "link/LanguageTable.h"
 
 #include <QStringList>
+#include <functional>
 #include <optional>
 
 namespace kalvo::link {
@@ -25,6 +26,9 @@ struct UpdateContext {
     QString directory;                                         // the download directory
     link::LanguageTable texts;                                 // the refusal texts of the program's language
     link::DateOrder dateOrder = link::DateOrder::DayMonthYear; // for the identity read after the run
+    // Told the path of each file before its loader is announced, so the person watching sees which
+    // of a package's files is going; called on the thread that runs the update.
+    std::function<void(const QString &path)> fileStarting;
 };
 
 struct UpdateOutcome {

@@ -40,7 +40,8 @@ const QList<MatrixCommand> &MatrixCommands();
 // What one run did.
 struct Outcome {
     RunResult run;
-    QStringList sent; // the lines the tester received, escaped as kalvo-sim logs them ("dis?\\r")
+    QStringList sent;      // the lines the tester received, escaped as kalvo-sim logs them ("dis?\\r")
+    QList<bool> exchanges; // per line of `sent`: a command line that was answered (not loader bytes)
     QMap<QString, QByteArray> files;
     double seconds = 0;
     QString port;          // the pseudo-terminal the tester was on
@@ -55,13 +56,18 @@ Outcome RunMatrixCommand(const MatrixCommand &command, const QStringList &simExt
 // An exchange of the command's sequence that a fault is put on.
 struct Position {
     QString label; // first, middle, last, store
-    int exchange;  // the "@N" of the fault: the line's number in the tester's log, from 1
+    int exchange;  // the "@N" of the fault: the line's number among the tester's exchanges, from 1
+    int index;     // the line's place in the tester's log, from 0 (loader bytes are logged too)
     QString line;  // as logged, e.g. "kal? 3\\r"
 };
 
-// First, middle and last command line of a clean run's log (the wake-up lines are not commands),
-// and the store line where it is none of those.
-QList<Position> FaultPositions(const QStringList &cleanLines);
+// First, middle and last command line of a clean run's log (the wake-up lines are not commands, and
+// what a loader takes is no exchange), and the store line and the line that opens the first loader
+// where they are none of those.
+QList<Position> FaultPositions(const Outcome &clean);
+
+// The log index of the first bytes an update loader took, from log index `from` on; -1 for none.
+int FirstLoaderBytes(const Outcome &outcome, int from = 0);
 
 // Every fault kind of kalvo-sim, each run at every position.
 const QStringList &FaultKinds();

@@ -1,5 +1,7 @@
 // The commands of the fault matrix: what each is run with, which files it keeps or reads, what it finds.
 #include "cli/FaultMatrix.h"
+#include "sim/UpdateFiles.h"
+#include "update/UpdateScript.h"
 
 #include <QRegularExpression>
 
@@ -19,6 +21,24 @@ QByteArray CalibrationBackup()
     return text;
 }
 
+// The files of a German package, read by the update commands and never written.
+QList<KeptFile> PackageFiles()
+{
+    return {{QStringLiteral("med.hex"), JoinLines(HexLines(12))},
+            {QStringLiteral("bilder.p"), Package(PackageBytes(400, 1))},
+            {QStringLiteral("abge.p"), Package(PackageBytes(300, 2))},
+            {QStringLiteral("hlfge.p"), Package(PackageBytes(200, 3))}};
+}
+
+// A print template with placeholders, long enough for its P-file to go (over 100 bytes).
+QByteArray Template()
+{
+    QByteArray text;
+    for (int i = 1; i <= 8; ++i)
+        text += "#" + QByteArray::number(10 + i) + "        Messwert " + QByteArray::number(i) + "\r\n";
+    return text;
+}
+
 QString Unchanged(const QString &out)
 {
     return out;
@@ -28,7 +48,8 @@ QString Unchanged(const QString &out)
 // counts (the identity answer with its echo, and a version date as the tester wrote it, do not).
 QString IdentifyResults(const QString &out)
 {
-    static const QRegularExpression version(QStringLiteral(R"(^(\w+): .* (\(\d{4}-\d\d-\d\d(T\d\d:\d\d:\d\d)?\))$)"));
+    static const QRegularExpression version(
+        QStringLiteral(R"(^(\w+): .* (\(\d{4}-\d\d-\d\d(T\d\d:\d\d:\d\d)?\))$)"));
     QStringList results;
     for (const QString &line : out.split(QLatin1Char('\n'))) {
         if (line.startsWith(QLatin1String("identity:")))
@@ -67,6 +88,11 @@ QList<MatrixCommand> BuildCommands()
         {"vars_read", "vars|read|VMITBEZ", "", false},
         {"vars_dump", "vars|dump", "", false},
         {"vars_store", "vars|store", "", true},
+        {"update_hex", "update|file|med.hex", "", true},
+        {"update_p", "update|file|abge.p", "", true},
+        {"update_package", "update|package|.|--lang|ge", "", true},
+        {"pfile_load", "pfile|load|vorlage.pr|--slot|1", "", true},
+        {"templates_read", "templates|read|1|vorlage1.pr", "vorlage1.pr", false},
     };
     QList<MatrixCommand> commands;
     for (const auto &row : table) {
@@ -87,6 +113,11 @@ QList<MatrixCommand> BuildCommands()
         }
         if (command.id == QLatin1String("cal_restore"))
             command.files = {{QStringLiteral("werte.cal"), CalibrationBackup()}}; // read, never written
+        if (command.id.startsWith(QLatin1String("update_")))
+            command.files = PackageFiles();
+        // The P-file is made before the first command and stays whatever the tester answers.
+        if (command.id == QLatin1String("pfile_load"))
+            command.files = {{QStringLiteral("vorlage.pr"), Template()}};
         commands << command;
     }
     return commands;

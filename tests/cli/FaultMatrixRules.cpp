@@ -24,7 +24,8 @@ QString CommandLine(const QString &logged)
 LineKind KindOf(const QString &logged)
 {
     const QString line = CommandLine(logged).toLower();
-    if (line == QLatin1String("mes!0") || line == QLatin1String("kal!aus"))
+    // "rst!0" only asks for a restart: whatever a restarting tester answers changes nothing.
+    if (line == QLatin1String("mes!0") || line == QLatin1String("kal!aus") || line == QLatin1String("rst!0"))
         return LineKind::Unexamined;
     if (line == QLatin1String("dis?"))
         return LineKind::Retried;
@@ -46,15 +47,15 @@ QString CommandName(const QString &logged)
 
 struct Expectation {
     QList<int> exitCodes;
-    QStringList messages;   // unless the run exits 0, stderr holds one of these
-    bool sameLines = false; // the tester receives what it received in the clean run
+    QStringList messages;    // unless the run exits 0, stderr holds one of these
+    bool sameLines = false;  // the tester receives what it received in the clean run
     bool otherFiles = false; // a run that exits 0 may write other files than the clean run
 };
 
 // Whether the line comes before the clean run's store line.
 bool BeforeStore(const Position &position, const QStringList &cleanLines)
 {
-    for (int i = position.exchange; i < cleanLines.size(); ++i) {
+    for (int i = position.index + 1; i < cleanLines.size(); ++i) {
         if (IsStoreLine(cleanLines[i]))
             return true;
     }
@@ -127,7 +128,7 @@ bool AfterCompletion(const KeptFile &file, const Position *position, const Outco
     if (!position || file.completeAfter.isEmpty())
         return false;
     const qsizetype completed = clean.sent.indexOf(file.completeAfter);
-    return completed >= 0 && completed < position->exchange - 1;
+    return completed >= 0 && completed < position->index;
 }
 
 QStringList Check(const MatrixCommand &command, const Expectation &expected, const Outcome &clean,
@@ -189,10 +190,13 @@ QStringList Judge(const MatrixCommand &command, const QString &fault, const Posi
     // identification before a naming is no part of its session, and "dis?" is asked again anyway.
     if (command.changesTester && fault != QLatin1String("trailingjunk") &&
         KindOf(position.line) != LineKind::Retried) {
-        for (int i = position.exchange; i < run.sent.size(); ++i) {
+        for (int i = position.index + 1; i < run.sent.size(); ++i) {
             if (IsStoreLine(run.sent[i]))
                 broken << QStringLiteral("sent %1 after the spoiled answer").arg(CommandLine(run.sent[i]));
         }
+        // Nor does a loader get flash contents after it.
+        if (FirstLoaderBytes(run, position.index + 1) >= 0)
+            broken << QStringLiteral("a loader got bytes after the spoiled answer");
     }
     return broken;
 }

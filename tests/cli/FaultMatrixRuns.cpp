@@ -22,6 +22,16 @@ bool IsWakeUpLine(const QString &logged)
 
 } // namespace
 
+int FirstLoaderBytes(const Outcome &outcome, int from)
+{
+    for (int i = std::max(from, 0); i < outcome.sent.size(); ++i) {
+        // The lone EOT behind "rst!0" restarts the tester; it is no loader's.
+        if (!outcome.exchanges.value(i, true) && outcome.sent[i] != QLatin1String("\\x04"))
+            return i;
+    }
+    return -1;
+}
+
 Outcome RunMatrixCommand(const MatrixCommand &command, const QStringList &simExtra,
                          const QString &programFolder)
 {
@@ -47,17 +57,25 @@ Outcome RunMatrixCommand(const MatrixCommand &command, const QStringList &simExt
         RunCli(sim, QStringList{QStringLiteral("--timeout"), QStringLiteral("1")} + command.arguments,
                work.path(), kGuardSeconds);
     outcome.seconds = static_cast<double>(timer.elapsed()) / 1000.0;
-    outcome.sent = sim.ReceivedBytes();
+    for (const ReceivedLine &line : sim.ReceivedLines()) {
+        outcome.sent << line.bytes;
+        outcome.exchanges << line.exchange;
+    }
     for (const KeptFile &file : command.files)
         outcome.files.insert(file.name, ReadFile(pathOf(file.name)));
     return outcome;
 }
 
-QList<Position> FaultPositions(const QStringList &cleanLines)
+QList<Position> FaultPositions(const Outcome &clean)
 {
-    QList<int> commands;
+    const QStringList &cleanLines = clean.sent;
+    QList<int> commands;   // log indexes of the command lines
+    QList<int> exchangeAt; // per log index: its exchange number, 0 for none
+    int exchange = 0;
     for (int i = 0; i < cleanLines.size(); ++i) {
-        if (!IsWakeUpLine(cleanLines[i]))
+        const bool answered = clean.exchanges.value(i, true);
+        exchangeAt << (answered ? ++exchange : 0);
+        if (answered && !IsWakeUpLine(cleanLines[i]))
             commands << i;
     }
     if (commands.isEmpty())
@@ -69,13 +87,16 @@ QList<Position> FaultPositions(const QStringList &cleanLines)
         std::find_if(commands.begin(), commands.end(), [&](int i) { return IsStoreLine(cleanLines[i]); });
     if (store != commands.end())
         picks.append({QStringLiteral("store"), *store});
+    // The line that opens the first loader: the last command before the bytes a loader took.
+    const int loaderBytes = FirstLoaderBytes(clean);
+    if (loaderBytes > 0 && exchangeAt[loaderBytes - 1] > 0)
+        picks.append({QStringLiteral("announce"), loaderBytes - 1});
     QList<Position> positions;
     for (const auto &[label, index] : picks) {
-        const bool taken =
-            std::any_of(positions.begin(), positions.end(),
-                        [index = index](const Position &p) { return p.exchange == index + 1; });
+        const bool taken = std::any_of(positions.begin(), positions.end(),
+                                       [index = index](const Position &p) { return p.index == index; });
         if (!taken)
-            positions.append({label, index + 1, cleanLines[index]});
+            positions.append({label, exchangeAt[index], index, cleanLines[index]});
     }
     std::sort(positions.begin(), positions.end(),
               [](const Position &a, const Position &b) { return a.exchange < b.exchange; });

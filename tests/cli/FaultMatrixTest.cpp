@@ -92,7 +92,7 @@ class OddStyle : public FaultMatrixBase {};
 TEST_P(FaultMatrix, EveryFaultAtEveryPositionKeepsTheRules)
 {
     const MatrixCommand &command = GetParam();
-    const QList<Position> positions = FaultPositions(m_clean.sent);
+    const QList<Position> positions = FaultPositions(m_clean);
     ASSERT_FALSE(positions.isEmpty()) << "the clean run sent no command";
     Table table(QStringLiteral("fault matrix, ") + command.id);
     for (const QString &fault : FaultKinds()) {

@@ -8,6 +8,7 @@
 #include "update/ui/FileChoiceFrame.h"
 
 #include <QComboBox>
+#include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
@@ -53,6 +54,8 @@ TEST_F(UpdateWindowTest, APackageRunKeepsTheWindowServedMovesTheBarAndLocksCance
     int ticksWhileBusy = 0;
     bool cancelEnabledWhileBusy = false;
     QList<int> bar;
+    QStringList files; // what dlFile names, in order
+    bool pictureTaken = false;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {
         if (!window.device().busy())
@@ -62,6 +65,14 @@ TEST_F(UpdateWindowTest, APackageRunKeepsTheWindowServedMovesTheBarAndLocksCance
         const int value = Child<QProgressBar>("ProgressBar1")->value();
         if (bar.isEmpty() || bar.last() != value)
             bar << value;
+        const QString file = QFileInfo(Child<QLabel>("dlFile")->text()).fileName();
+        if (files.isEmpty() || files.last() != file)
+            files << file;
+        // One picture of the frame during a package's transfer: the file, the bar, the buttons.
+        if (!pictureTaken && file == QLatin1String("bilder.p")) {
+            pictureTaken = true;
+            Screenshot(window, QStringLiteral("main-update-transfer"));
+        }
     });
     watch.start(5);
     Trigger("paket_ge");
@@ -69,6 +80,10 @@ TEST_F(UpdateWindowTest, APackageRunKeepsTheWindowServedMovesTheBarAndLocksCance
     watch.stop();
 
     EXPECT_GT(ticksWhileBusy, 20);
+    // Each file of the package is named as it goes (the folder first, before the run begins).
+    files.removeAll(QFileInfo(m_dir.path()).fileName());
+    EXPECT_EQ(files, (QStringList{QStringLiteral("med.hex"), QStringLiteral("bilder.p"),
+                                  QStringLiteral("abge.p"), QStringLiteral("hlfge.p")}));
     EXPECT_FALSE(cancelEnabledWhileBusy);
     EXPECT_TRUE(std::any_of(bar.begin(), bar.end(), [](int v) { return v > 0 && v < 100; }))
         << "the bar never showed a value between 0 and 100";

@@ -45,7 +45,8 @@ QList<ReceivedLine> SimProcess::ReceivedLines() const
         const qsizetype tab = line.indexOf('\t');
         if (tab < 0)
             continue;
-        lines.append({line.left(tab).toDouble(), QString::fromLatin1(line.mid(tab + 1))});
+        const QList<QByteArray> columns = line.split('\t');
+        lines.append({columns[0].toDouble(), QString::fromLatin1(columns[1]), columns.size() < 3});
     }
     return lines;
 }

@@ -9,7 +9,8 @@ namespace kalvo::testing {
 
 struct ReceivedLine {
     double ms;
-    QString bytes; // escaped as kalvo-sim logs them, e.g. "dis?\r"
+    QString bytes;        // escaped as kalvo-sim logs them, e.g. "dis?\r"
+    bool exchange = true; // a command line that was answered, not bytes a loader or a restart took
 };
 
 class SimProcess {

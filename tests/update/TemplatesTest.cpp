@@ -43,7 +43,7 @@ TEST(Templates, TheTextStartsAfterBackslashVAndKeepsOnlyPrintableBytesAndLineEnd
     EXPECT_EQ(TemplateFileName(3), QStringLiteral("3.pr"));
 }
 
-TEST(Templates, AReadTheTesterRefusesWritesNoFile)
+TEST(Templates, AReadTheTesterRefusesOrGarblesWritesNoFile)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(TemplateFileName(2));
@@ -60,12 +60,27 @@ TEST(Templates, AReadTheTesterRefusesWritesNoFile)
         EXPECT_TRUE(SaveTemplateFromTester(s.link, 2, path));
         EXPECT_EQ(ReadFile(path), QByteArray("Neu\r\n"));
     }
+    // Without the marker an answer must be closed by ".Y" to hold a template.
+    for (const QByteArray answer : {QByteArray("prn?2.Nx\r\n\x11"), QByteArray("\x8f#q\x03z\x11"),
+                                    QByteArray("prn?2\r\nKopf\r\n\x11")}) {
+        ScriptedLink s;
+        s.transport.Expect("prn?2\r").Reply(answer);
+        EXPECT_THROW(SaveTemplateFromTester(s.link, 2, path), FormatError)
+            << EscapeBytes(answer).toStdString();
+        EXPECT_EQ(ReadFile(path), QByteArray("Neu\r\n"));
+    }
+    {
+        ScriptedLink s;
+        s.transport.Expect("prn?2\r").Reply("PRN?2\r\nKopf\r\n.Y\r\n\x11");
+        EXPECT_TRUE(SaveTemplateFromTester(s.link, 2, path));
+        EXPECT_EQ(ReadFile(path), QByteArray("PRN?2\r\nKopf\r\n"));
+    }
     {
         ScriptedLink s;
         s.transport.close();
         EXPECT_FALSE(SaveTemplateFromTester(s.link, 2, path));
         EXPECT_EQ(s.prompter.messages.size(), 1u); // the port is not open
-        EXPECT_EQ(ReadFile(path), QByteArray("Neu\r\n"));
+        EXPECT_EQ(ReadFile(path), QByteArray("PRN?2\r\nKopf\r\n"));
     }
 }
 

@@ -185,18 +185,58 @@ TEST(SingleFileUpdate, ABrokenFirmwareFileSendsNothingAtAll)
     EXPECT_TRUE(s.transport.writes().empty());
 }
 
-TEST(SingleFileUpdate, ALoaderTheTesterRefusesGetsNoFileAndTheRunStops)
+TEST(SingleFileUpdate, NoLoaderOpensAfterARefusalOrABadAnswerAndTheRunStops)
+{
+    const struct {
+        const char *name;
+        const char *idn; // the answers to "idn!99", "kal!ein" and "kal!upd1"
+        const char *ein;
+        const char *announce; // nullptr: the announce must not be sent
+        const char *refused;  // what the message names
+    } cases[] = {
+        {"the loader refuses", "idn!99.Y", "kal!ein.Y", "kal!upd1 .N", "kal!upd1"},
+        {"the loader's answer is garbled", "idn!99.Y", "kal!ein.Y", "kal!u#\x7f", "kal!upd1"},
+        {"the loader answers without a mark", "idn!99.Y", "kal!ein.Y", "kal!upd1", "kal!upd1"},
+        {"the session is refused", "idn!99.Y", "kal!ein Protokoll .N", nullptr, "kal!ein"},
+        {"the identification is garbled", "@@", "kal!ein.Y", nullptr, "idn!99"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        Package package;
+        ScriptedLink s;
+        s.transport.Expect("idn!99\r").Reply(QByteArray(c.idn) + "\r\n\x11");
+        s.transport.Expect("kal!ein\r").Reply(QByteArray(c.ein) + "\r\n\x11");
+        if (c.announce)
+            s.transport.Expect("kal!upd1\r").Reply(QByteArray(c.announce) + "\r\n\x11");
+        UpdatePermission permission;
+        try {
+            UpdateSingleFile(s.link, s.prompter, permission, ContentKind::Sequences,
+                             package.Path(package.files.sequences), package.context);
+            ADD_FAILURE() << "the file went";
+        } catch (const ProtocolError &e) {
+            EXPECT_TRUE(e.message().contains(QLatin1String(c.refused))) << e.message().toStdString();
+            EXPECT_TRUE(e.message().contains(QStringLiteral("abge.p wurde nicht gesendet")))
+                << e.message().toStdString();
+        }
+        EXPECT_TRUE(s.transport.allExpectationsMet()); // and nothing beyond them: no stream
+        EXPECT_EQ(s.link.refusedCommands().value(0), QByteArray(c.refused));
+    }
+}
+
+TEST(SingleFileUpdate, ALoaderAnsweringInUpperCaseIsListening)
 {
     Package package;
     ScriptedLink s;
     ExpectSession(s.transport);
-    s.transport.Expect("kal!upd1\r").Reply("kal!upd1 .N\r\n\x11");
+    s.transport.Expect("kal!upd1\r").Reply("KAL!UPD1 .Y\r\n\x11");
+    ExpectStream(s.transport, package.Bytes(package.files.sequences)).Reply(kPackageReport, 30ms);
+    ExpectRestart(s.transport);
+    ExpectIdentity(s.transport);
     UpdatePermission permission;
-    EXPECT_THROW(UpdateSingleFile(s.link, s.prompter, permission, ContentKind::Sequences,
-                                  package.Path(package.files.sequences), package.context),
-                 ProtocolError);
+    const UpdateOutcome outcome = UpdateSingleFile(s.link, s.prompter, permission, ContentKind::Sequences,
+                                                   package.Path(package.files.sequences), package.context);
+    EXPECT_EQ(outcome.sent, QStringList{package.files.sequences});
     EXPECT_TRUE(s.transport.allExpectationsMet());
-    EXPECT_EQ(s.link.refusedCommands(), QList<QByteArray>{"kal!upd1"});
 }
 
 TEST(UpdateByName, OnlyTheExactNamesOfTheLanguageAreSentAndARestartAlwaysFollows)

@@ -11,8 +11,10 @@
 #include "update/UpdateRun.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QDir>
 #include <QMenu>
+#include <QPointer>
 #include <QPushButton>
 
 namespace kalvo::update::ui {
@@ -146,7 +148,14 @@ void UpdatePanel::UpdatePackageOf(const QString &code)
 
 UpdateContext UpdatePanel::Context() const
 {
-    return UpdateContext{m_fileChoice->directory(), m_texts, link::SystemDateOrder()};
+    // The frame names each file of a package as it starts; the call comes from the device thread.
+    const auto showFile = [frame = QPointer<UpdateFrame>(m_updateFrame)](const QString &path) {
+        QMetaObject::invokeMethod(QCoreApplication::instance(), [frame, path] {
+            if (frame)
+                frame->ShowFile(path);
+        });
+    };
+    return UpdateContext{m_fileChoice->directory(), m_texts, link::SystemDateOrder(), showFile};
 }
 
 void UpdatePanel::Start(const QString &title, const QString &shownFile, Run run)
