@@ -5,6 +5,7 @@
 #include "specdb/SpecRecord.h"
 
 #include <QList>
+#include <QString>
 
 namespace kalvo::specdb {
 
@@ -13,6 +14,19 @@ namespace kalvo::specdb {
 // the applied-part type (element 15); writes elements 1, 6, 17, 18, 19 and every limit box 1..22 (a box
 // the combination does not use is emptied); clears the extras. Other elements are left as they are.
 void ApplyDefaults(SpecRecord &record, int regulationEntry, const QByteArray &switchCode);
+
+// One box of the generator's defaults for a regulation, class and type, and where it comes from.
+struct BoxDefault {
+    int box;         // 1..22
+    QByteArray text; // empty: the regulation sets nothing there
+    QString source;  // the regulation's clause or table; empty with an empty text
+};
+// The 22 boxes the generator fills for the regulation list entry, protection class (element 14)
+// and applied-part type (element 15).
+QList<BoxDefault> DefaultsFor(int regulationEntry, const QByteArray &protectionClass,
+                              const QByteArray &appliedPart);
+// What box 1..22 measures, in a few German words ("Schutzleiterwiderstand").
+QString BoxMeaning(int box);
 
 // The boxes (1..22, ascending) whose limit in `record` is looser than the generator's default for the
 // same regulation, class, type and switch position: a higher "<" limit, a lower ">" limit, or an empty
