@@ -7,7 +7,7 @@
 
 namespace kalvo::specdb {
 
-inline constexpr int kCodeCount = 26;  // code elements 0..25; only 0..19 travel in the record
+inline constexpr int kCodeCount = 26; // code elements 0..25; only 0..19 travel in the record
 inline constexpr int kSentCodes = 20;
 inline constexpr int kLimitSlots = 27; // slots 1..22 are the limit boxes GWert 1..22
 inline constexpr int kLimitBoxes = 22;
