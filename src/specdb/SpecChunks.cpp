@@ -1,6 +1,10 @@
 // A test specification cut into the three chunks that "prx!add " carries, and the commands for them.
 #include "SpecChunks.h"
 
+#include "link/TextRules.h"
+
+#include <QRegularExpression>
+
 namespace kalvo::specdb {
 
 namespace {
@@ -91,6 +95,19 @@ bool LimitFits(int box, const QByteArray &text)
     case 7: return width == 5 || width == 8;
     default: return box >= 1 && box <= kLimitBoxes && width == 8;
     }
+}
+
+QByteArray LimitFromText(const QString &text)
+{
+    static const QRegularExpression ohm(QStringLiteral("Ohm|\u03A9|\u2126"));
+    QByteArray bytes;
+    qsizetype at = 0;
+    for (auto match = ohm.globalMatch(text); match.hasNext();) {
+        const QRegularExpressionMatch found = match.next();
+        bytes += link::EncodeTesterText(text.mid(at, found.capturedStart() - at)) + '\xEA';
+        at = found.capturedEnd();
+    }
+    return bytes + link::EncodeTesterText(text.mid(at));
 }
 
 QList<int> MisfitLimits(const SpecRecord &record)

@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QList>
+#include <QString>
 #include <array>
 
 namespace kalvo::specdb {
@@ -39,6 +40,10 @@ bool UsableName(const QByteArray &name);
 // box 22, 8 for the others, and the narrower texts the boxes of resistance and voltage take:
 // "<0.300" + ohm, "0120V"), without a ";" or control character.
 bool LimitFits(int box, const QByteArray &text);
+// A limit typed on the PC in the tester's bytes: "Ohm" and the ohm sign (either Unicode form) become
+// the tester's ohm byte 234, the rest goes through the tester's character set. The way back for
+// showing it is the display conversion, which writes 234 as "Ohm".
+QByteArray LimitFromText(const QString &text);
 // The boxes 1..22 whose text does not fit, ascending.
 QList<int> MisfitLimits(const SpecRecord &record);
 
