@@ -20,17 +20,11 @@ namespace kalvo::cli {
 
 namespace {
 
-// What the regulations ask of a specification: the default limits the editor fills in, and the
-// limits of a record that are looser than those. Both stay empty until the generator is linked in.
-struct RegulationRules {
-    specdb::SpecEditor::Generator defaults;
-    std::function<QList<int>(const specdb::SpecRecord &, int regulation, const QByteArray &switchCode)>
-        looser;
-};
-
-const RegulationRules &Rules()
+// The regulations' default limits and the looser-limit check: the generator of the default limits
+// is handed in here.
+const specdb::RegulationRules &Rules()
 {
-    static const RegulationRules rules;
+    static const specdb::RegulationRules rules;
     return rules;
 }
 
@@ -176,9 +170,7 @@ int Add(CliContext &context, QStringList words)
     const auto store = ReadStore(context);
     if (!store)
         return kExitFailed;
-    const QList<int> looser =
-        Rules().looser ? Rules().looser(editor.record(), editor.regulationEntry(), editor.switchCode())
-                       : QList<int>{};
+    const QList<int> looser = editor.LooserBoxes(Rules());
     context.prompter().PresetText(w.positional[0]);
     const specdb::UploadResult result = specdb::StoreEditorRecord(
         context.link(), context.prompter(), context.texts(), editor.record(),

@@ -119,4 +119,15 @@ void DecodeSpecRecord(const QList<QByteArray> &fields, int number, SpecRecord &r
     }
 }
 
+QList<QByteArray> StoredFields(const SpecRecord &record, const QByteArray &label)
+{
+    QByteArray codes;
+    for (int k = 0; k < kSentCodes; ++k)
+        codes += record.codes[static_cast<size_t>(k)];
+    QList<QByteArray> fields{"DATABASE", codes, label, {}, {}};
+    for (int box = 1; box <= kLimitBoxes; ++box)
+        fields << record.extras[static_cast<size_t>(box)] << record.limits[static_cast<size_t>(box)];
+    return fields;
+}
+
 } // namespace kalvo::specdb

@@ -47,4 +47,9 @@ constexpr int LimitField(int box)
 // naming the record when field 1 is no code string.
 void DecodeSpecRecord(const QList<QByteArray> &fields, int number, SpecRecord &record);
 
+// The fields a specification just stored as `label` will read back with, so that a list entry
+// added for it decodes like one read from the store: the marker, codes 0..19, the label, an empty
+// date and time, and each box's extra field and limit.
+QList<QByteArray> StoredFields(const SpecRecord &record, const QByteArray &label);
+
 } // namespace kalvo::specdb

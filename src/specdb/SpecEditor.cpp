@@ -111,6 +111,13 @@ std::array<bool, 4> SpecEditor::singleFaults() const
     return SingleFaultBoxes(m_record.codes[kElementSingleFaults]);
 }
 
+QList<int> SpecEditor::LooserBoxes(const RegulationRules &rules) const
+{
+    if (!rules.looser || m_regulation < 0)
+        return {};
+    return rules.looser(m_record, m_regulation, m_switch);
+}
+
 void SpecEditor::RunGenerator()
 {
     if (m_generator && m_regulation >= 0)

@@ -15,11 +15,19 @@ namespace kalvo::specdb {
 // The switch positions the editor offers, by entry; "Menue" is the tester's menu.
 const QList<QByteArray> &SwitchCodes();
 
+// What the regulations ask of a specification, for the editor's front ends: the default limits
+// filled in after each choice that changes what the regulation asks, and the boxes whose limit is
+// looser than the regulation's default (asked about before storing). Empty members do nothing.
+struct RegulationRules {
+    std::function<void(SpecRecord &, int regulationEntry, const QByteArray &switchCode)> defaults;
+    std::function<QList<int>(const SpecRecord &, int regulationEntry, const QByteArray &switchCode)> looser;
+};
+
 class SpecEditor {
 public:
     // Fills the defaults for a regulation entry and a switch code; runs after each choice that
     // changes what the regulation asks (regulation, class, type, switch position).
-    using Generator = std::function<void(SpecRecord &, int regulationEntry, const QByteArray &switchCode)>;
+    using Generator = decltype(RegulationRules::defaults);
 
     explicit SpecEditor(Generator generator = {});
 
@@ -52,6 +60,9 @@ public:
     const QByteArray &switchCode() const { return m_switch; }
     bool insulatedParts() const { return m_insulated; }
     bool insulatedPartsEnabled() const { return m_insulatedEnabled; }
+    // The boxes whose limit is looser than the regulation asks, by `looser` (none without it or
+    // without a regulation).
+    QList<int> LooserBoxes(const RegulationRules &rules) const;
 
 private:
     QByteArray &Code(int index) { return m_record.codes[static_cast<size_t>(index)]; }

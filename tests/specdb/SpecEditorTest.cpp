@@ -200,3 +200,20 @@ TEST(Editor, ABrokenCodeStringChangesNothing)
         EXPECT_EQ(editor.regulationEntry(), 1);
     }
 }
+
+TEST(Editor, AStoredRecordDecodesAsItWasSent)
+{
+    SpecEditor editor;
+    editor.ChooseRegulation(2);
+    editor.ChooseType(3);
+    editor.SetLimit(12, "<0.100mA");
+    const QList<QByteArray> fields = StoredFields(editor.record(), "07 Neu");
+    EXPECT_EQ(fields.size(), LimitField(kLimitBoxes) + 1);
+    EXPECT_EQ(fields[2], "07 Neu");
+    SpecEditor other;
+    other.Decode(fields, 7);
+    for (int k = 0; k < kSentCodes; ++k)
+        EXPECT_EQ(other.record().codes[static_cast<size_t>(k)],
+                  editor.record().codes[static_cast<size_t>(k)]);
+    EXPECT_EQ(other.record().limits, editor.record().limits);
+}
