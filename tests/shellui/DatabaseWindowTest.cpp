@@ -1,0 +1,211 @@
+// The database window FRMDB over the built-in virtual tester: the store listed, a specification
+// read into the editor, composed, checked, stored and deleted.
+#include "DialogAnswerer.h"
+
+#include "gui/DeviceThread.h"
+#include "link/LanguageTable.h"
+#include "link/Link.h"
+#include "link/PortNames.h"
+#include "sim/PortTransport.h"
+#include "sim/SampleRecords.h"
+#include "specdb/ui/DatabaseWindow.h"
+#include "specdb/ui/EditorPanel.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace kalvo;
+using kalvo::testing::DialogAnswerer;
+using kalvo::testing::WaitUntil;
+
+namespace {
+
+class DatabaseWindowTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        m_previousDir = QDir::currentPath();
+        QDir::setCurrent(m_dir.path());
+        m_device = std::make_unique<gui::DeviceThread>([this] {
+            auto transport = std::make_unique<sim::PortTransport>();
+            m_tester = &transport->tester();
+            return transport;
+        });
+        m_device->RunAndWait([](link::Link &link) { link.OpenPort(link::kSimulatorPortName); });
+        m_window = std::make_unique<specdb::ui::DatabaseWindow>(*m_device, m_texts);
+        m_window->show();
+        // Focus goes back to a limit box that does not fit: the window must be the active one.
+        m_window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
+    }
+    void TearDown() override
+    {
+        m_window.reset();
+        m_device.reset();
+        QDir::setCurrent(m_previousDir);
+    }
+    // The store of the tester: `testRecords` test records behind the two sample specifications.
+    void Store(int testRecords)
+    {
+        m_device->RunAndWait([this, testRecords](link::Link &) {
+            sim::RecordStore &store = m_tester.load()->model().records();
+            store.KeepFirst(testRecords);
+            store.setSpecifications(sim::SampleSpecifications());
+        });
+    }
+    template <typename T> T *Find(const char *name)
+    {
+        return m_window->findChild<T *>(QString::fromLatin1(name));
+    }
+    // Clicks `button` and waits until the list has been filled again.
+    bool ClickAndList(const char *button)
+    {
+        QSignalSpy listed(m_window.get(), &specdb::ui::DatabaseWindow::listed);
+        Find<QPushButton>(button)->click();
+        return WaitUntil([&] { return listed.count() > 0 && !m_device->busy(); });
+    }
+    QStringList Entries()
+    {
+        QStringList entries;
+        for (int i = 0; i < List()->count(); ++i)
+            entries << List()->item(i)->text();
+        return entries;
+    }
+    QListWidget *List() { return Find<QListWidget>("IdNr"); }
+    QList<QByteArray> LinesSince(qsizetype from)
+    {
+        QList<QByteArray> lines;
+        m_device->RunAndWait([&](link::Link &) {
+            const auto &received = m_tester.load()->receivedLines();
+            for (qsizetype i = from; i < received.size(); ++i)
+                lines << received[i].bytes;
+        });
+        return lines;
+    }
+    qsizetype LineCount() { return LinesSince(0).size(); }
+    void Choose(const char *list, int entry)
+    {
+        auto *box = Find<QComboBox>(list);
+        box->setCurrentIndex(entry);
+        emit box->activated(entry);
+    }
+    // Types into limit box `box` and leaves it for the next one with Tab, as a user does.
+    void TypeLimit(int box, const QString &text)
+    {
+        auto *edit = Find<QLineEdit>(QStringLiteral("GWert%1").arg(box).toLatin1().constData());
+        edit->setFocus();
+        edit->selectAll();
+        QTest::keyClicks(edit, text);
+        QTest::keyClick(edit, Qt::Key_Tab);
+    }
+
+    QTemporaryDir m_dir;
+    QString m_previousDir;
+    link::LanguageTable m_texts;
+    std::atomic<sim::VirtualTester *> m_tester{nullptr};
+    std::unique_ptr<gui::DeviceThread> m_device;
+    std::unique_ptr<specdb::ui::DatabaseWindow> m_window;
+    DialogAnswerer m_answerer;
+};
+
+} // namespace
+
+TEST_F(DatabaseWindowTest, ASpecificationComposedInTheWindowIsStoredAndReadsBack)
+{
+    Store(0);
+    ASSERT_TRUE(ClickAndList("readDB"));
+    EXPECT_EQ(Entries(), (QStringList{QStringLiteral("1: 01 Elektrowerkzeuge SK II"),
+                                      QStringLiteral("2: 02 Medizin SK I Typ CF")}));
+
+    // A click on a specification takes it into the editor.
+    List()->itemClicked(List()->item(1));
+    EXPECT_EQ(Find<QComboBox>("Vorschrift")->currentText(), QStringLiteral("VDE 0751"));
+    EXPECT_EQ(Find<QComboBox>("Typ")->currentText(), QStringLiteral("CF"));
+    EXPECT_EQ(Find<QLineEdit>("GWert22")->text(), QStringLiteral(">1.50kV"));
+
+    Choose("Vorschrift", 6);
+    Choose("Schutzklasse", 3);
+    Choose("AnzahlAWT", 4);
+    TypeLimit(3, QStringLiteral(">7.000MOhm"));
+    TypeLimit(12, QStringLiteral("<0.100mA"));
+    TypeLimit(4, QStringLiteral(">500V"));
+    ASSERT_TRUE(WaitUntil([&] { return !m_answerer.messages.isEmpty(); }));
+    EXPECT_EQ(m_answerer.messages.last(), QStringLiteral("falsches Zahlenformat"));
+    EXPECT_TRUE(WaitUntil([&] { return m_window->focusWidget() == Find<QLineEdit>("GWert4"); }));
+    TypeLimit(4, QString());
+
+    const qsizetype before = LineCount();
+    m_answerer.inputs.push_back(QStringLiteral("Labor"));
+    QSignalSpy listed(m_window.get(), &specdb::ui::DatabaseWindow::listed);
+    Find<QPushButton>("MP")->click();
+    ASSERT_TRUE(WaitUntil([&] { return listed.count() > 0 && !m_device->busy(); }));
+    EXPECT_EQ(m_answerer.prompts.last(), QStringLiteral("Name der Prüfvorschrift:"));
+    const QList<QByteArray> sent = LinesSince(before);
+    ASSERT_EQ(sent.size(), 3);
+    EXPECT_TRUE(sent[0].startsWith("prx!add 03 Labor; ;")) << sent[0].constData();
+    EXPECT_EQ(sent[0].mid(19, 40).mid(28, 6), "070204");
+    EXPECT_TRUE(sent[0].contains(";;;;>7.000M\xEA;;;;")) << sent[0].constData();
+    EXPECT_EQ(sent[1], "prx!add &9;;;;;;;;<0.100mA;;;;;;;;\r");
+    EXPECT_EQ(sent[2], "prx!add &17" + QByteArray(12, ';') + '\r');
+    EXPECT_EQ(Entries().last(), QStringLiteral("3: 03 Labor"));
+
+    // Read back from the tester, the new entry fills the editor as it was composed.
+    ASSERT_TRUE(ClickAndList("readDB"));
+    Choose("Vorschrift", 0);
+    List()->itemClicked(List()->item(2));
+    EXPECT_EQ(Find<QComboBox>("Vorschrift")->currentIndex(), -1) << "no generator has set element 6 yet";
+    EXPECT_EQ(Find<QComboBox>("Schutzklasse")->currentText(), QStringLiteral("SK III"));
+    EXPECT_EQ(Find<QComboBox>("AnzahlAWT")->currentIndex(), 4);
+    EXPECT_EQ(Find<QLineEdit>("GWert3")->text(), QStringLiteral(">7.000MOhm"));
+    EXPECT_EQ(Find<QLineEdit>("GWert12")->text(), QStringLiteral("<0.100mA"));
+    EXPECT_TRUE(Find<QLineEdit>("GWert4")->text().isEmpty());
+}
+
+TEST_F(DatabaseWindowTest, AStoreWithTestRecordsIsClearedOnlyAfterBothQuestions)
+{
+    Store(2);
+    ASSERT_TRUE(ClickAndList("readDB"));
+    EXPECT_EQ(List()->count(), 4);
+    EXPECT_TRUE(Entries()[2].startsWith(QStringLiteral("3:measured: ")));
+    QSignalSpy chosen(m_window.get(), &specdb::ui::DatabaseWindow::testRecordChosen);
+    List()->itemClicked(List()->item(3));
+    ASSERT_EQ(chosen.count(), 1);
+    EXPECT_EQ(chosen[0][0].toInt(), 4);
+
+    // The guard, then Cancel on the deletion's own question: nothing sent.
+    qsizetype before = LineCount();
+    m_answerer.confirmations = {true, false};
+    Find<QPushButton>("MP")->click();
+    ASSERT_TRUE(WaitUntil([&] { return m_answerer.messages.size() >= 2 && !m_device->busy(); }));
+    EXPECT_TRUE(m_answerer.messages[0].contains(QStringLiteral("enthält auch Prüfprotokolle")));
+    EXPECT_EQ(m_answerer.messages[1], QStringLiteral("Alle Protokolle und Abläufe löschen?"));
+    EXPECT_TRUE(LinesSince(before).isEmpty());
+
+    // One record by the right mouse button: the records behind it move up.
+    before = LineCount();
+    m_answerer.confirmations = {true};
+    QSignalSpy listed(m_window.get(), &specdb::ui::DatabaseWindow::listed);
+    emit List()->customContextMenuRequested(List()->visualItemRect(List()->item(0)).center());
+    ASSERT_TRUE(WaitUntil([&] { return listed.count() > 0 && !m_device->busy(); }));
+    EXPECT_EQ(m_answerer.messages.last(), QStringLiteral("Datensatz 1 löschen?"));
+    EXPECT_EQ(LinesSince(before).first(), "prx!del 1\r");
+    EXPECT_EQ(Entries().first(), QStringLiteral("1: 02 Medizin SK I Typ CF"));
+
+    // All of them, from the top; the window then takes specifications again.
+    before = LineCount();
+    m_answerer.confirmations = {true};
+    ASSERT_TRUE(ClickAndList("ClearDB"));
+    const QList<QByteArray> deletions = LinesSince(before).mid(0, 3);
+    EXPECT_EQ(deletions, (QList<QByteArray>{"prx!del 3\r", "prx!del 2\r", "prx!del 1\r"}));
+    EXPECT_TRUE(Entries().isEmpty());
+    EXPECT_FALSE(Find<QLabel>("Msg1")->isVisible());
+    EXPECT_FALSE(m_window->store().holdsTestRecords);
+}
