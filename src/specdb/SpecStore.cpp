@@ -5,10 +5,8 @@
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
+#include "records/RecordFiles.h"
 #include "records/RecordSteps.h"
-
-#include <QDir>
-#include <QSaveFile>
 
 namespace kalvo::specdb {
 
@@ -108,11 +106,12 @@ std::optional<SpecStore> ReadSpecStore(link::Link &link, link::Prompter &prompte
         records::TellNothingWritten(prompter, watch, tracePath);
         return std::nullopt;
     }
-    QSaveFile file(tracePath);
-    if (!file.open(QIODevice::WriteOnly) || file.write(trace) != trace.size() || !file.commit())
-        prompter.message(QStringLiteral("%1 konnte nicht geschrieben werden: %2")
-                             .arg(QDir::toNativeSeparators(tracePath), file.errorString()),
-                         link::Prompter::Icon::Warning);
+    // The trace is for looking into afterwards: a folder that takes no file costs the list nothing.
+    try {
+        records::WriteBytesFile(tracePath, trace);
+    } catch (const link::FormatError &error) {
+        prompter.message(error.message(), link::Prompter::Icon::Warning);
+    }
     return store;
 }
 

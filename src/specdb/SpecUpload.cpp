@@ -9,9 +9,9 @@
 #include "link/Link.h"
 #include "link/TextIds.h"
 #include "link/TextRules.h"
+#include "records/RecordFiles.h"
 
 #include <QDir>
-#include <QSaveFile>
 
 namespace kalvo::specdb {
 
@@ -117,13 +117,7 @@ std::optional<SetUploadResult> SaveAndStoreSetText(link::Link &link, link::Promp
         prompter.message(kSetTextTooLongText, link::Prompter::Icon::Warning);
         return std::nullopt;
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit()) {
-        prompter.message(QStringLiteral("%1 konnte nicht geschrieben werden: %2")
-                             .arg(QDir::toNativeSeparators(path), file.errorString()),
-                         link::Prompter::Icon::Warning);
-        return std::nullopt;
-    }
+    records::WriteBytesFile(path, text);
     return StoreSetGroups(link, ParseSetText(text, QDir::toNativeSeparators(path)));
 }
 

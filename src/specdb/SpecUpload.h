@@ -73,8 +73,9 @@ struct SetUploadResult {
 // here: the store read afterwards shows what arrived.
 SetUploadResult StoreSetGroups(link::Link &link, const QList<SetGroup> &groups);
 // The set text of the window: written to `path` first (replacing it, atomically), then every
-// record stored. A text beyond kMaxSetText is refused before anything is written or sent; nullopt
-// when nothing was sent. Throws FormatError when the text is no whole set of three-line records.
+// record stored. A text beyond kMaxSetText is refused (nullopt) before anything is written or
+// sent. Throws FormatError, having sent nothing, when the file cannot be written or the text is no
+// whole set of three-line records (the file then holds the text as typed).
 std::optional<SetUploadResult> SaveAndStoreSetText(link::Link &link, link::Prompter &prompter,
                                                    const QString &path, const QByteArray &text);
 // The first record of each chosen set file, in list order. Every file is read first: one that

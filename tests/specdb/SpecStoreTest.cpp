@@ -175,3 +175,16 @@ TEST(StoreReading, TheFilterKeepsWhatLimitsAndNamesAreMadeOf)
     expected += '\xEA';
     EXPECT_EQ(kept, expected);
 }
+
+TEST(StoreReading, ATraceThatCannotBeWrittenStillGivesTheList)
+{
+    StoreBench b;
+    b.trace = b.dir.filePath(QStringLiteral("fehlt/test.txt"));
+    b.Step("prx?n", "prx?n= 1\r\n\x11");
+    ScriptSpecification(b, 1);
+    const auto store = ReadSpecStore(b.s.link, b.s.prompter, b.trace);
+    ASSERT_TRUE(store);
+    EXPECT_EQ(store->count(), 1);
+    ASSERT_EQ(b.s.prompter.messages.size(), 1u);
+    EXPECT_TRUE(b.s.prompter.messages[0].text.contains(QStringLiteral("test.txt")));
+}

@@ -277,3 +277,12 @@ TEST(SetUpload, ChosenFilesGiveTheirFirstRecordAndABadOneStopsAllOfThem)
         EXPECT_EQ(s.prompter.messages.size(), 1u);
     }
 }
+
+TEST(SetUpload, ASetFileThatCannotBeWrittenSendsNothing)
+{
+    QTemporaryDir dir;
+    ScriptedLink s;
+    const QString path = dir.filePath(QStringLiteral("fehlt/ablauf.set"));
+    EXPECT_THROW(SaveAndStoreSetText(s.link, s.prompter, path, "01 A\r\n;a\r\n;b\r\n"), link::FormatError);
+    EXPECT_TRUE(s.transport.writes().empty());
+}
