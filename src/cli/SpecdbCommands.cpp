@@ -99,11 +99,19 @@ void ApplyLimit(specdb::SpecEditor &editor, const QString &word)
     editor.SetLimit(box, specdb::LimitFromText(word.mid(equals + 1)));
 }
 
-// The store as the window lists it; nullopt when the tester refused (it has been said).
+// The store as the window lists it; nullopt when the tester refused (it has been said) or did not
+// answer as a store does, which the window passes over with an empty list and a script must hear of.
 std::optional<specdb::SpecStore> ReadStore(CliContext &context)
 {
     context.OpenPort();
-    return specdb::ReadSpecStore(context.link(), context.prompter(), specdb::kStoreTraceFileName);
+    auto store = specdb::ReadSpecStore(context.link(), context.prompter(), specdb::kStoreTraceFileName);
+    if (store && store->unanswered) {
+        context.prompter().message(
+            QStringLiteral("Die Antwort auf \"prx?n\" nennt keinen Speicher (kein \"PRX\")."),
+            link::Prompter::Icon::Warning);
+        return std::nullopt;
+    }
+    return store;
 }
 
 int List(CliContext &context, const QStringList &words)
@@ -207,9 +215,14 @@ int StoreSet(CliContext &context, const QStringList &files)
         groups += specdb::ParseSetText(*text, QDir::toNativeSeparators(file));
     }
     context.OpenPort();
+    const link::RefusalWatch watch(context.link());
     const specdb::SetUploadResult result = specdb::StoreSetGroups(context.link(), groups);
     context.out() << result.stored << " of " << result.records << " stored\n";
-    return result.complete() ? kExitDone : kExitFailed;
+    if (result.complete())
+        return kExitDone;
+    context.prompter().message(specdb::NotTakenText(specdb::kNotLoadedText, watch),
+                               link::Prompter::Icon::Warning);
+    return kExitFailed;
 }
 
 int Delete(CliContext &context, QStringList words)

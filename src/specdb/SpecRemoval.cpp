@@ -4,6 +4,7 @@
 #include "SpecUpload.h"
 
 #include "link/LanguageTable.h"
+#include "link/Link.h"
 #include "link/Prompter.h"
 #include "link/TextIds.h"
 
@@ -11,11 +12,12 @@ namespace kalvo::specdb {
 
 namespace {
 
-RemovalStatus Outcome(link::Prompter &prompter, const link::LanguageTable &texts, bool allTaken)
+RemovalStatus Outcome(link::Prompter &prompter, const link::LanguageTable &texts,
+                      const link::RefusalWatch &watch, bool allTaken)
 {
     if (allTaken)
         return RemovalStatus::Deleted;
-    prompter.message(texts.text(link::TxtDeleteError), link::Prompter::Icon::Critical);
+    prompter.message(NotTakenText(texts.text(link::TxtDeleteError), watch), link::Prompter::Icon::Critical);
     return RemovalStatus::Failed;
 }
 
@@ -36,13 +38,14 @@ RemovalStatus DeleteAllRecords(link::Link &link, link::Prompter &prompter, const
 {
     if (!prompter.confirm(kDeleteAllQuestion))
         return RemovalStatus::Cancelled;
+    const link::RefusalWatch watch(link);
     bool allTaken = true;
     for (int number = entries; number >= 1; --number) {
         // Bitwise, not logical: every deletion is sent even after one that was not taken.
         allTaken &= SendStoreLine(link, DeleteCommand(number));
         prompter.progress((entries - number + 1) * 100 / entries);
     }
-    return Outcome(prompter, texts, allTaken);
+    return Outcome(prompter, texts, watch, allTaken);
 }
 
 RemovalStatus DeleteRecord(link::Link &link, link::Prompter &prompter, const link::LanguageTable &texts,
@@ -50,7 +53,8 @@ RemovalStatus DeleteRecord(link::Link &link, link::Prompter &prompter, const lin
 {
     if (!prompter.confirm(DeleteOneQuestion(number)))
         return RemovalStatus::Cancelled;
-    return Outcome(prompter, texts, SendStoreLine(link, DeleteCommand(number)));
+    const link::RefusalWatch watch(link);
+    return Outcome(prompter, texts, watch, SendStoreLine(link, DeleteCommand(number)));
 }
 
 } // namespace kalvo::specdb

@@ -79,19 +79,23 @@ std::optional<SpecStore> ReadSpecStore(link::Link &link, link::Prompter &prompte
         records::TellNothingWritten(prompter, watch, tracePath);
         return std::nullopt;
     }
-    if (!countAnswer.toUpper().contains("PRX"))
+    if (!countAnswer.toUpper().contains("PRX")) {
+        store.unanswered = true;
         return store;
+    }
     const int count = records::ReadCount(countCommand, countAnswer, "=");
     QByteArray trace;
     for (int i = 1; i <= count; ++i) {
         QList<QByteArray> fields;
         for (const char letter : kPartLetters) {
             const QByteArray command = "prx?" + QByteArray::number(i) + letter;
-            const QByteArray answer = link.Exchange(command);
-            // The first part says what the record is; without its ";" nothing of it can be read.
-            if (letter == 'x' && !answer.contains(';') && !watch.refused())
-                throw link::FormatError::ForAnswer(command, answer, QStringLiteral("Felder hinter \";\""));
-            const QByteArray text = AppendRecordPart(fields, answer);
+            const std::optional<QByteArray> answer = records::Ask(link, command);
+            if (!answer)
+                continue; // refused: said so, and nothing is written or listed at the end
+            // Every part carries its fields behind a ";"; an answer without one holds none.
+            if (!answer->contains(';'))
+                throw link::FormatError::ForAnswer(command, *answer, QStringLiteral("Felder hinter \";\""));
+            const QByteArray text = AppendRecordPart(fields, *answer);
             // As much of the text as a record can hold in its kept fields: the trace stays bounded.
             trace += QByteArray::number(i) + ' ' + char(letter - 'a' + 'A') + ' ' +
                      text.left(kKeptFields * kKeptFieldBytes) + "\r\n";

@@ -31,6 +31,8 @@ struct SpecStore {
     QStringList entries;
     // Set when any record is a test record: specifications may then not be stored.
     bool holdsTestRecords = false;
+    // The answer to "prx?n" held no "PRX": nothing was read (the window shows an empty list).
+    bool unanswered = false;
 
     int count() const { return static_cast<int>(records.size()); }
     // Record `number` (1-based) is a specification: its field 0 holds "DATABASE".
@@ -48,8 +50,8 @@ QByteArray AppendRecordPart(QList<QByteArray> &fields, const QByteArray &answer)
 
 // Reads the store: "prx?n", then "prx?" + i + "x", "y", "z" for every record, the trace written
 // to `tracePath` once everything is read. An answer to "prx?n" without "PRX" (any case) is an
-// empty store, without a message. nullopt, with nothing written and the user told, when the
-// tester refused a command; FormatError when the count or a record's first part cannot be read.
+// empty store marked `unanswered`, without a message. nullopt, with nothing written and the user
+// told, when the tester refused a command; FormatError when the count or a part cannot be read.
 std::optional<SpecStore> ReadSpecStore(link::Link &link, link::Prompter &prompter, const QString &tracePath);
 
 } // namespace kalvo::specdb

@@ -49,6 +49,11 @@ bool SendRecordCommands(link::Link &link, const std::array<QByteArray, 3> &comma
     return true;
 }
 
+QString NotTakenText(const QString &text, const link::RefusalWatch &watch)
+{
+    return QStringLiteral("%1\r\nNicht bestätigt: %2").arg(text, watch.Describe());
+}
+
 QString LooserLimitsQuestion(const QList<int> &boxes)
 {
     return QStringLiteral("Die Grenzwerte in den Feldern %1 sind schwächer, als die Vorschrift verlangt.\r\n"
@@ -90,10 +95,11 @@ UploadResult StoreEditorRecord(link::Link &link, link::Prompter &prompter, const
     const RecordChunks chunks = BuildRecord(record, now);
     result.replacedCodes = chunks.replacedCodes;
     result.label = RunningLabel(store.entries, name);
+    const link::RefusalWatch watch(link);
     if (SendRecordCommands(link, EditorCommands(result.label, chunks))) {
         result.status = UploadStatus::Stored;
     } else {
-        prompter.message(kNotLoadedText, link::Prompter::Icon::Information);
+        prompter.message(NotTakenText(kNotLoadedText, watch), link::Prompter::Icon::Information);
         result.status = UploadStatus::NotStored;
     }
     return result;

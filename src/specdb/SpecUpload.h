@@ -16,6 +16,7 @@ namespace kalvo::link {
 class LanguageTable;
 class Link;
 class Prompter;
+class RefusalWatch;
 } // namespace kalvo::link
 
 namespace kalvo::specdb {
@@ -31,6 +32,8 @@ bool SendStoreLine(link::Link &link, const QByteArray &command);
 // The three commands of one record, in order; stops at the first that is not taken, so that no
 // continuation reaches a tester that did not take its beginning. True when all three were taken.
 bool SendRecordCommands(link::Link &link, const std::array<QByteArray, 3> &commands);
+// `text`, and on a line of its own the commands the tester did not take since `watch` began.
+QString NotTakenText(const QString &text, const link::RefusalWatch &watch);
 
 enum class UploadStatus {
     Stored,           // all three chunks taken

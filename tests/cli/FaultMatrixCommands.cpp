@@ -28,7 +28,8 @@ QString Unchanged(const QString &out)
 // counts (the identity answer with its echo, and a version date as the tester wrote it, do not).
 QString IdentifyResults(const QString &out)
 {
-    static const QRegularExpression version(QStringLiteral(R"(^(\w+): .* (\(\d{4}-\d\d-\d\d(T\d\d:\d\d:\d\d)?\))$)"));
+    static const QRegularExpression version(
+        QStringLiteral(R"(^(\w+): .* (\(\d{4}-\d\d-\d\d(T\d\d:\d\d:\d\d)?\))$)"));
     QStringList results;
     for (const QString &line : out.split(QLatin1Char('\n'))) {
         if (line.startsWith(QLatin1String("identity:")))
@@ -67,6 +68,10 @@ QList<MatrixCommand> BuildCommands()
         {"vars_read", "vars|read|VMITBEZ", "", false},
         {"vars_dump", "vars|dump", "", false},
         {"vars_store", "vars|store", "", true},
+        {"specdb_list", "specdb|list", "test.txt", false},
+        {"specdb_add", "specdb|add|Neu|--regulation|EN 60601|--limit|1=<0.300Ohm|--limit|22=>1.50kV",
+         "test.txt", true},
+        {"specdb_delete", "--yes|specdb|delete|--all", "test.txt", true},
     };
     QList<MatrixCommand> commands;
     for (const auto &row : table) {
@@ -85,6 +90,19 @@ QList<MatrixCommand> BuildCommands()
             command.simArguments = {QStringLiteral("--kym")};
             command.files[1].completeAfter = QStringLiteral("wer?\\r");
         }
+        // A store of both kinds for the listing; specifications only where one is added.
+        if (command.id.startsWith(QLatin1String("specdb")))
+            command.simArguments = {QStringLiteral("--records"),
+                                    command.id == QLatin1String("specdb_add") ? QStringLiteral("0")
+                                                                              : QStringLiteral("1"),
+                                    QStringLiteral("--specifications")};
+        if (command.id == QLatin1String("specdb_add"))
+            command.repeatable = false; // the record carries the PC's date and time
+        // The trace is complete once the store has been read, before anything is changed.
+        if (command.id == QLatin1String("specdb_add"))
+            command.files[0].completeAfter = QStringLiteral("prx?2z\\r");
+        if (command.id == QLatin1String("specdb_delete"))
+            command.files[0].completeAfter = QStringLiteral("prx?3z\\r");
         if (command.id == QLatin1String("cal_restore"))
             command.files = {{QStringLiteral("werte.cal"), CalibrationBackup()}}; // read, never written
         commands << command;

@@ -48,7 +48,9 @@ TEST(Removal, ADeletionNotTakenIsReportedAfterTheRestHaveBeenSent)
         EXPECT_EQ(DeleteAllRecords(s.link, s.prompter, texts, 3), RemovalStatus::Failed);
         EXPECT_TRUE(s.transport.allExpectationsMet());
         ASSERT_FALSE(s.prompter.messages.empty());
-        EXPECT_EQ(s.prompter.messages.back().text, texts.text(link::TxtDeleteError));
+        EXPECT_TRUE(s.prompter.messages.back().text.startsWith(texts.text(link::TxtDeleteError)));
+        EXPECT_TRUE(s.prompter.messages.back().text.contains(QStringLiteral("\"prx!del 2\"")));
+        EXPECT_FALSE(s.prompter.messages.back().text.contains(QStringLiteral("prx!del 3")));
         EXPECT_EQ(s.prompter.messages.back().icon, link::Prompter::Icon::Critical);
     }
 }

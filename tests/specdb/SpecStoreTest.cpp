@@ -100,6 +100,7 @@ TEST(StoreReading, AnAnswerWithoutPrxIsAnEmptyStoreWithoutAMessage)
         const auto store = ReadSpecStore(b.s.link, b.s.prompter, b.trace);
         ASSERT_TRUE(store);
         EXPECT_TRUE(store->entries.isEmpty());
+        EXPECT_TRUE(store->unanswered);
         EXPECT_FALSE(store->holdsTestRecords);
         EXPECT_TRUE(b.s.prompter.messages.empty());
         EXPECT_TRUE(b.s.transport.allExpectationsMet());
@@ -135,10 +136,13 @@ TEST(StoreReading, AnswersThatCannotBeTakenApartAreFormatErrors)
         const char *name;
         QByteArray count;
         QByteArray first;
+        QByteArray second;
     } cases[] = {
         {"no count", "prx?n=\r\n\x11", {}},
         {"count beyond the store", "prx?n= 5000\r\n\x11", {}},
         {"first part without fields", "prx?n= 1\r\n\x11", "prx?1x:\x01\x02garbage\x11"},
+        {"second part without fields", "prx?n= 1\r\n\x11", "prx?1x:;DATABASE;.\r\n\x11",
+         "prx?1y:XXXXXXXX\x11"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -146,6 +150,8 @@ TEST(StoreReading, AnswersThatCannotBeTakenApartAreFormatErrors)
         b.Step("prx?n", c.count);
         if (!c.first.isEmpty())
             b.Step("prx?1x", c.first);
+        if (!c.second.isEmpty())
+            b.Step("prx?1y", c.second);
         EXPECT_THROW(ReadSpecStore(b.s.link, b.s.prompter, b.trace), link::FormatError);
         EXPECT_EQ(ReadFile(b.trace), kOldTrace);
     }

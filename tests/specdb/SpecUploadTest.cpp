@@ -126,7 +126,10 @@ TEST(EditorUpload, ARefusalAtAnyChunkStopsTheRecordAndSaysSo)
             EXPECT_EQ(b.s.transport.writes().size(), static_cast<size_t>(refusedAt + 1))
                 << "nothing after the refusal";
             ASSERT_FALSE(b.s.prompter.messages.empty());
-            EXPECT_EQ(b.s.prompter.messages.back().text, kNotLoadedText);
+            const QString said = b.s.prompter.messages.back().text;
+            EXPECT_TRUE(said.startsWith(kNotLoadedText + QStringLiteral("\r\n"))) << said.toStdString();
+            EXPECT_TRUE(said.contains(QString::fromLatin1(commands[refusedAt].left(20))))
+                << said.toStdString();
             EXPECT_GE(b.s.link.refusals(), 1);
         }
     }
