@@ -10,11 +10,13 @@
 #include "sim/SampleRecords.h"
 #include "specdb/ui/DatabaseWindow.h"
 #include "specdb/ui/EditorPanel.h"
+#include "support/TestFiles.h"
 
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -208,4 +210,47 @@ TEST_F(DatabaseWindowTest, AStoreWithTestRecordsIsClearedOnlyAfterBothQuestions)
     EXPECT_TRUE(Entries().isEmpty());
     EXPECT_FALSE(Find<QLabel>("Msg1")->isVisible());
     EXPECT_FALSE(m_window->store().holdsTestRecords);
+}
+
+TEST_F(DatabaseWindowTest, SetFilesAreSavedStoredAndChosenFromTheList)
+{
+    Store(0);
+    ASSERT_TRUE(ClickAndList("readDB"));
+    const QString path = QDir::current().filePath(QStringLiteral("werkstatt.set"));
+    const QString head = QStringLiteral("; ;") + QString(40, u'0') + QStringLiteral(";01.01.09;8:0:0\n");
+    const QString items =
+        QString(24, u';') + QStringLiteral("\n") + QString(18, u';') + QStringLiteral(";;>1.00kV\n");
+    Find<QLineEdit>("Text2")->setText(path);
+    Find<QPlainTextEdit>("Text1")->setPlainText(QStringLiteral("03 Eins") + head + items +
+                                                QStringLiteral("04 Zwei") + head + items);
+    qsizetype before = LineCount();
+    ASSERT_TRUE(ClickAndList("speichern"));
+    EXPECT_EQ(kalvo::testing::ReadFile(path).count("\r\n"), 6);
+    const QList<QByteArray> sent = LinesSince(before);
+    ASSERT_GE(sent.size(), 6);
+    EXPECT_EQ(sent[3], "prx!add 04 Zwei; ;" + QByteArray(40, '0') + ";01.01.09;8:0:0\r");
+    EXPECT_EQ(sent[5], "prx!add &13" + QByteArray(18, ';') + ";;>1.00kV\r");
+    EXPECT_EQ(Entries().mid(2), (QStringList{QStringLiteral("3: 03 Eins"), QStringLiteral("4: 04 Zwei")}));
+    EXPECT_EQ(kalvo::testing::ReadFile(QStringLiteral("prfname.txt")).trimmed(), path.toLocal8Bit());
+
+    // From the file list only the first record of a file goes.
+    Find<QPushButton>("laden")->click();
+    auto *files = Find<QListWidget>("File1");
+    ASSERT_EQ(files->count(), 1);
+    emit files->itemDoubleClicked(files->item(0));
+    EXPECT_EQ(Find<QListWidget>("List2")->count(), 1);
+    before = LineCount();
+    ASSERT_TRUE(ClickAndList("MP"));
+    const QList<QByteArray> stored = LinesSince(before);
+    EXPECT_EQ(stored.mid(0, 3),
+              (QList<QByteArray>{"prx!add 03 Eins; ;" + QByteArray(40, '0') + ";01.01.09;8:0:0\r",
+                                 "prx!add &1" + QByteArray(24, ';') + '\r',
+                                 "prx!add &13" + QByteArray(18, ';') + ";;>1.00kV\r"}));
+    EXPECT_FALSE(Find<QListWidget>("List2")->isVisible());
+    EXPECT_EQ(Entries().last(), QStringLiteral("5: 03 Eins"));
+
+    // Opened again, the set file fills the text box as it was saved.
+    Find<QPlainTextEdit>("Text1")->clear();
+    Find<QPushButton>("oeffnen")->click();
+    EXPECT_TRUE(Find<QPlainTextEdit>("Text1")->toPlainText().startsWith(QStringLiteral("03 Eins; ;")));
 }
