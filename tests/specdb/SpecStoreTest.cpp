@@ -138,9 +138,9 @@ TEST(StoreReading, AnswersThatCannotBeTakenApartAreFormatErrors)
         QByteArray first;
         QByteArray second;
     } cases[] = {
-        {"no count", "prx?n=\r\n\x11", {}},
-        {"count beyond the store", "prx?n= 5000\r\n\x11", {}},
-        {"first part without fields", "prx?n= 1\r\n\x11", "prx?1x:\x01\x02garbage\x11"},
+        {"no count", "prx?n=\r\n\x11", {}, {}},
+        {"count beyond the store", "prx?n= 5000\r\n\x11", {}, {}},
+        {"first part without fields", "prx?n= 1\r\n\x11", "prx?1x:\x01\x02garbage\x11", {}},
         {"second part without fields", "prx?n= 1\r\n\x11", "prx?1x:;DATABASE;.\r\n\x11",
          "prx?1y:XXXXXXXX\x11"},
     };

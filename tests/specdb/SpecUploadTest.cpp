@@ -183,9 +183,10 @@ TEST(EditorUpload, NothingIsSentWhenTheRecordMayNotOrCannotGo)
         c.setUp(b);
         EXPECT_EQ(b.Store(c.store, c.looser).status, c.status);
         EXPECT_TRUE(b.s.transport.writes().empty());
-        if (!c.said.isEmpty())
+        if (!c.said.isEmpty()) {
             EXPECT_TRUE(b.s.prompter.calls.join(u'|').contains(c.said))
                 << b.s.prompter.calls.join(u'|').toStdString();
+        }
     }
 }
 
