@@ -10,6 +10,7 @@
 #include "sim/SampleRecords.h"
 #include "specdb/ui/DatabaseWindow.h"
 #include "specdb/ui/EditorPanel.h"
+#include "support/SimProcess.h"
 #include "support/TestFiles.h"
 
 #include <QComboBox>
@@ -18,6 +19,7 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -26,6 +28,7 @@
 
 using namespace kalvo;
 using kalvo::testing::DialogAnswerer;
+using kalvo::testing::SimProcess;
 using kalvo::testing::WaitUntil;
 
 namespace {
@@ -253,4 +256,50 @@ TEST_F(DatabaseWindowTest, SetFilesAreSavedStoredAndChosenFromTheList)
     Find<QPlainTextEdit>("Text1")->clear();
     Find<QPushButton>("oeffnen")->click();
     EXPECT_TRUE(Find<QPlainTextEdit>("Text1")->toPlainText().startsWith(QStringLiteral("03 Eins; ;")));
+}
+
+TEST_F(DatabaseWindowTest, ASpecificationComposedInTheWindowReachesKalvoSimOverAPseudoTerminal)
+{
+    SimProcess sim(
+        QStringList{QStringLiteral("--records"), QStringLiteral("0"), QStringLiteral("--specifications")});
+    ASSERT_TRUE(sim.started());
+    m_device->RunAndWait([&](link::Link &link) { link.OpenPort(sim.pty()); });
+    ASSERT_TRUE(ClickAndList("readDB"));
+    ASSERT_EQ(List()->count(), 2);
+
+    Choose("Vorschrift", 4);
+    Choose("Typ", 1);
+    Choose("AnzahlAWT", 10);
+    TypeLimit(1, QStringLiteral("<0.300Ohm"));
+    TypeLimit(8, QStringLiteral("<3.500mA"));
+    TypeLimit(17, QStringLiteral("<0.050mA"));
+    TypeLimit(22, QStringLiteral(">3.50kV"));
+    m_answerer.inputs.push_back(QStringLiteral("Pty"));
+    QSignalSpy listed(m_window.get(), &specdb::ui::DatabaseWindow::listed);
+    Find<QPushButton>("MP")->click();
+    ASSERT_TRUE(WaitUntil([&] { return listed.count() > 0 && !m_device->busy(); }, 30000));
+
+    const QStringList adds = sim.ReceivedBytes().filter(QRegularExpression(QStringLiteral("^prx!add")));
+    ASSERT_EQ(adds.size(), 3) << sim.ReceivedBytes().join(' ').toStdString();
+    // Every element "00" but class "05" (and its second coding "01"), type "01", single faults "20"
+    // and ten applied parts.
+    const QString codes = QStringLiteral("0001000000000000200000000000050110000000");
+    const QRegularExpression first(
+        QStringLiteral("^prx!add 03 Pty; ;%1;\\d\\d\\.\\d\\d\\.\\d\\d;\\d{1,2}:\\d{1,2}:\\d{1,2}"
+                       ";;<0\\.300\\\\xea;;;;;;;;;;;;;;<3\\.500mA\\\\r$")
+            .arg(codes));
+    EXPECT_TRUE(first.match(adds[0]).hasMatch()) << adds[0].toStdString();
+    EXPECT_EQ(adds[1], QStringLiteral("prx!add &9") + QString(16, u';') + QStringLiteral("\\r"));
+    EXPECT_EQ(adds[2], QStringLiteral("prx!add &17;;<0.050mA;;;;;;;;;;>3.50kV\\r"));
+
+    // Back from the tester, the record fills the editor as it was composed.
+    ASSERT_TRUE(ClickAndList("readDB"));
+    Choose("Vorschrift", 0);
+    List()->itemClicked(List()->item(2));
+    EXPECT_EQ(Find<QComboBox>("Typ")->currentIndex(), 1);
+    EXPECT_EQ(Find<QComboBox>("AnzahlAWT")->currentIndex(), 10);
+    EXPECT_EQ(Find<QLineEdit>("GWert1")->text(), QStringLiteral("<0.300Ohm"));
+    EXPECT_EQ(Find<QLineEdit>("GWert17")->text(), QStringLiteral("<0.050mA"));
+    EXPECT_EQ(Find<QLineEdit>("GWert22")->text(), QStringLiteral(">3.50kV"));
+    EXPECT_TRUE(m_answerer.messages.isEmpty()) << m_answerer.messages.join('|').toStdString();
 }
