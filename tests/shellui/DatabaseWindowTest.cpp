@@ -106,8 +106,12 @@ protected:
     void TypeLimit(int box, const QString &text)
     {
         auto *edit = Find<QLineEdit>(QStringLiteral("GWert%1").arg(box).toLatin1().constData());
+        // A message box may have taken the activation: the box only loses the focus in an active window.
+        m_window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
         edit->setFocus();
         edit->selectAll();
+        QTest::keyClick(edit, Qt::Key_Backspace);
         QTest::keyClicks(edit, text);
         QTest::keyClick(edit, Qt::Key_Tab);
     }
@@ -145,13 +149,21 @@ TEST_F(DatabaseWindowTest, ASpecificationComposedInTheWindowIsStoredAndReadsBack
     ASSERT_TRUE(WaitUntil([&] { return !m_answerer.messages.isEmpty(); }));
     EXPECT_EQ(m_answerer.messages.last(), QStringLiteral("falsches Zahlenformat"));
     EXPECT_TRUE(WaitUntil([&] { return m_window->focusWidget() == Find<QLineEdit>("GWert4"); }));
+    // Stored as it stands, it is refused again and nothing goes.
+    qsizetype before = LineCount();
+    Find<QPushButton>("MP")->click();
+    ASSERT_TRUE(WaitUntil([&] { return m_answerer.messages.size() == 2 && !m_device->busy(); }));
+    EXPECT_EQ(m_answerer.messages.last(), QStringLiteral("falsches Zahlenformat (4)"));
+    EXPECT_TRUE(LinesSince(before).isEmpty());
     TypeLimit(4, QString());
 
-    const qsizetype before = LineCount();
+    before = LineCount();
     m_answerer.inputs.push_back(QStringLiteral("Labor"));
     QSignalSpy listed(m_window.get(), &specdb::ui::DatabaseWindow::listed);
     Find<QPushButton>("MP")->click();
-    ASSERT_TRUE(WaitUntil([&] { return listed.count() > 0 && !m_device->busy(); }));
+    ASSERT_TRUE(WaitUntil([&] { return listed.count() > 0 && !m_device->busy(); }))
+        << m_answerer.messages.join('|').toStdString()
+        << " GWert4=" << Find<QLineEdit>("GWert4")->text().toStdString();
     EXPECT_EQ(m_answerer.prompts.last(), QStringLiteral("Name der Prüfvorschrift:"));
     const QList<QByteArray> sent = LinesSince(before);
     ASSERT_EQ(sent.size(), 3);

@@ -159,10 +159,11 @@ void EditorPanel::LimitEdited(int box)
     QLineEdit *edit = m_limits[static_cast<size_t>(box)];
     if (m_checking || !edit->isModified())
         return;
+    // The record holds what the box shows, fitting or not: storing it says so again.
     const QByteArray text = LimitFromText(edit->text());
+    m_editor.SetLimit(box, text);
     if (LimitFits(box, text)) {
         edit->setModified(false);
-        m_editor.SetLimit(box, text);
         return;
     }
     // The message takes the focus; the box must not complain a second time when it loses it.
