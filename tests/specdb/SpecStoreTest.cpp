@@ -166,22 +166,6 @@ TEST(StoreReading, FieldsAreBoundedHoweverLongTheAnswer)
     EXPECT_TRUE(fields.last().isEmpty());
 }
 
-TEST(StoreReading, TheFilterKeepsWhatLimitsAndNamesAreMadeOf)
-{
-    QByteArray kept;
-    for (int c = 0; c < 256; ++c) {
-        if (KeepStoreChar(static_cast<unsigned char>(c)))
-            kept += static_cast<char>(c);
-    }
-    QByteArray expected = " ";
-    for (int c = 43; c <= 63; ++c)
-        expected += static_cast<char>(c);
-    for (int c = 65; c <= 122; ++c)
-        expected += static_cast<char>(c);
-    expected += '\xEA';
-    EXPECT_EQ(kept, expected);
-}
-
 TEST(StoreReading, ATraceThatCannotBeWrittenStillGivesTheList)
 {
     StoreBench b;
