@@ -77,6 +77,22 @@ def accessory_trace(bin_dir, work):
         sim.wait()
 
 
+def specdb_seeds():
+    """Test specifications: a set file of two records, a store record in three parts (both ends of an
+    answer), a test record, and limits as typed."""
+    codes = b"0000000000001000200000000000050200001F02"
+    set_record = (b"01 Werkstatt; ;" + codes + b";04.03.09;9:5:7\r\n" + b";" * 24 + b"\r\n" + b";" * 18
+                  + b";;>1.50kV\r\n")
+    spec_x = b"prx?1x:;DATABASE  Nr=1;" + codes + b";01 Werkstatt;04.03.09;9:5:7;;<0.300\xea" + b";" * 14
+    return {
+        "set-and-record": set_record + set_record.replace(b"01 W", b"02 W") + b"\0" + spec_x + b".\r\n\x11\0"
+        + b"prx?1y:XXXXXXXX;;;<0.500mA" + b";" * 14 + b"\r\n>\x11\0prx?1z:XXXXXXXX;" + b";" * 10
+        + b";;>1.50kV.\r\n\x11\0>2.000MOhm",
+        "test-record": b"a\r\nb\r\n\0prx?2x:P;05.03.09;10:00;GER\x8eT-7;SK I;.\r\n\x11\0"
+        + b"prx?2y:XXXXXXXX0.12;<0.300\xea;.\r\n\x11\0prx?2z:XXXXXXXX;;$FF.\r\n\x11\0<0.1;0mA",
+    }
+
+
 def main():
     bin_dir = Path(sys.argv[1] if len(sys.argv) > 1 else ROOT / "build" / "bin").resolve()
     cli = bin_dir / "kalvo-cli"
@@ -121,6 +137,8 @@ def main():
         write("calibration", "drifted", cal + b"\0" + b"Kalvomer KALVO-01\r\n" + drifted[: len(drifted) // 2])
         write("calibration", "answer", b"kal? 29;29:0,3042.6.Y\r\n\x11")
         write("variable_mas", "variable.mas", (DATA / "variable.mas").read_bytes())
+        for name, data in specdb_seeds().items():
+            write("specdb", name, data)
         write("sprachen", "sprachen.TXT", (DATA / "sprachen.TXT").read_bytes())
         write("settings", "port-language", b"COM 2;Schnittstelle\r\n2;Nummer\r\nenglisch;Sprache\r\n\r\n1\r\n"
               + b"\0/Service\n--timeout\n5")

@@ -15,7 +15,14 @@ const QByteArray kChunkEnd = ".";
 // The y and z chunks carry eight characters of the tester's buffer before the data.
 const QByteArray kFiller = "XXXXXXXX";
 
-std::optional<int> Number(const QByteArray &text)
+int PartIndex(char letter)
+{
+    return letter == 'x' ? 0 : letter == 'y' ? 1 : letter == 'z' ? 2 : -1;
+}
+
+} // namespace
+
+std::optional<int> RecordNumber(const QByteArray &text)
 {
     const QByteArray digits = text.trimmed();
     if (digits.isEmpty() || digits.size() > 4)
@@ -26,13 +33,6 @@ std::optional<int> Number(const QByteArray &text)
     }
     return digits.toInt();
 }
-
-int PartIndex(char letter)
-{
-    return letter == 'x' ? 0 : letter == 'y' ? 1 : letter == 'z' ? 2 : -1;
-}
-
-} // namespace
 
 std::optional<QByteArray> RecordCommands::Stream(const QByteArray &lower) const
 {
@@ -67,7 +67,7 @@ std::optional<QByteArray> RecordCommands::Payload(const QByteArray &lower) const
 std::optional<QByteArray> RecordCommands::RecordQuery(const QByteArray &argument) const
 {
     if (argument == "n")
-        return "= " + QByteArray::number(m_store.records().size());
+        return "= " + QByteArray::number(m_store.count());
     if (argument.isEmpty())
         return m_store.current() ? ".Y" : ".N";
     const int part = PartIndex(argument.back());
@@ -79,24 +79,24 @@ std::optional<QByteArray> RecordCommands::RecordQuery(const QByteArray &argument
             return std::nullopt;
         return "=" + RecordStore::Part(*m_store.current(), part) + kChunkEnd;
     }
-    const auto number = Number(argument.chopped(1));
-    const auto record = number ? m_store.Record(*number) : std::nullopt;
-    if (!record)
+    const auto number = RecordNumber(argument.chopped(1));
+    const auto text = number ? m_store.EntryPart(*number, part) : std::nullopt;
+    if (!text)
         return std::nullopt;
-    return ":" + (part == 0 ? QByteArray() : kFiller) + RecordStore::Part(*record, part) + kChunkEnd;
+    return ":" + (part == 0 ? QByteArray() : kFiller) + *text + kChunkEnd;
 }
 
 std::optional<QByteArray> RecordCommands::Print(const QByteArray &argument) const
 {
     // "prn!t" renders the current record, "prn!t,i" record i of the store.
     const qsizetype comma = argument.indexOf(',');
-    const auto templateNumber = Number(comma < 0 ? argument : argument.left(comma));
+    const auto templateNumber = RecordNumber(comma < 0 ? argument : argument.left(comma));
     if (!templateNumber || *templateNumber >= kPrintTemplates)
         return std::nullopt;
     std::optional<QByteArray> record;
     if (comma < 0) {
         record = m_store.current();
-    } else if (const auto number = Number(argument.mid(comma + 1))) {
+    } else if (const auto number = RecordNumber(argument.mid(comma + 1))) {
         record = m_store.Record(*number);
     }
     if (!record)
@@ -108,7 +108,7 @@ std::optional<QByteArray> RecordCommands::Print(const QByteArray &argument) cons
 std::optional<QByteArray> RecordCommands::TemplateText(const QByteArray &argument) const
 {
     // A blank before the number is taken, as in every command with a number.
-    const auto number = Number(argument);
+    const auto number = RecordNumber(argument);
     if (!number || *number >= kPrintTemplates)
         return std::nullopt;
     return " Vorlage " + QByteArray::number(*number) + " \\v" + m_templates[static_cast<size_t>(*number)] +

@@ -11,6 +11,9 @@
 
 namespace kalvo::sim {
 
+// A record or template number in a command: up to four digits, blanks around them taken.
+std::optional<int> RecordNumber(const QByteArray &text);
+
 class RecordCommands {
 public:
     using TemplateTexts = std::array<QByteArray, kPrintTemplates>;

@@ -20,25 +20,94 @@ QByteArray ListingRow(const QList<QByteArray> &fields)
 }
 } // namespace
 
-RecordStore::RecordStore()
-    : m_records(SampleTestRecords()), m_specifications(SampleSpecifications()),
-      m_accessory(SampleAccessoryRecords())
+RecordStore::RecordStore() : m_accessory(SampleAccessoryRecords())
 {
-    if (!m_records.isEmpty())
-        m_current = m_records.last();
+    setRecords(SampleTestRecords());
+    const QList<QByteArray> stored = records();
+    if (!stored.isEmpty())
+        m_current = stored.last();
+}
+
+QList<QByteArray> RecordStore::records() const
+{
+    QList<QByteArray> list;
+    for (const Entry &entry : m_entries) {
+        if (!entry.specification)
+            list << entry.record;
+    }
+    return list;
+}
+
+void RecordStore::setRecords(const QList<QByteArray> &records)
+{
+    m_entries.removeIf([](const Entry &entry) { return !entry.specification; });
+    for (const QByteArray &record : records)
+        m_entries.append({record, std::nullopt});
 }
 
 void RecordStore::KeepFirst(int count)
 {
-    if (count >= 0 && count < m_records.size())
-        m_records.resize(count);
+    if (count >= 0)
+        setRecords(records().mid(0, count));
 }
 
 std::optional<QByteArray> RecordStore::Record(int number) const
 {
-    if (number < 1 || number > m_records.size())
+    if (number < 1 || number > count() || m_entries[number - 1].specification)
         return std::nullopt;
-    return m_records[number - 1];
+    return m_entries[number - 1].record;
+}
+
+std::optional<QByteArray> RecordStore::EntryPart(int number, int part) const
+{
+    if (number < 1 || number > count() || part < 0 || part >= kParts)
+        return std::nullopt;
+    const Entry &entry = m_entries[number - 1];
+    return entry.specification ? entry.specification->Part(number, part) : Part(entry.record, part);
+}
+
+QList<Specification> RecordStore::specifications() const
+{
+    QList<Specification> list;
+    for (const Entry &entry : m_entries) {
+        if (entry.specification)
+            list << *entry.specification;
+    }
+    return list;
+}
+
+void RecordStore::setSpecifications(const QList<Specification> &specifications)
+{
+    m_entries.removeIf([](const Entry &entry) { return entry.specification.has_value(); });
+    for (qsizetype i = 0; i < specifications.size(); ++i)
+        m_entries.insert(i, {{}, specifications[i]});
+}
+
+bool RecordStore::Add(const QByteArray &argument)
+{
+    if (argument.startsWith('&')) {
+        if (!m_pending || !m_pending->Continue(argument))
+            return false;
+    } else {
+        m_pending = Specification::FromFirstChunk(argument);
+        if (!m_pending || count() >= kCapacity) {
+            m_pending.reset();
+            return false;
+        }
+    }
+    if (m_pending->complete()) {
+        m_entries.append({{}, *m_pending});
+        m_pending.reset();
+    }
+    return true;
+}
+
+bool RecordStore::Remove(int number)
+{
+    if (number < 1 || number > count())
+        return false;
+    m_entries.removeAt(number - 1);
+    return true;
 }
 
 QByteArray RecordStore::Part(const QByteArray &record, int part)
@@ -56,21 +125,22 @@ QByteArray RecordStore::Part(const QByteArray &record, int part)
 QByteArray RecordStore::Listing() const
 {
     QByteArray listing;
-    for (qsizetype i = 0; i < m_specifications.size(); ++i) {
-        const Specification &spec = m_specifications[i];
-        listing += ListingRow({"DATABASE  Nr=" + QByteArray::number(i + 1),
-                               spec.date,
-                               spec.time,
-                               spec.name,
-                               "Pr\x81"
-                               "fvorschrift",
-                               RecordText::RegulationName(spec.regulation),
-                               {}});
-    }
-    for (qsizetype i = 0; i < m_records.size(); ++i) {
-        const RecordText record(m_records[i]);
-        listing += ListingRow({"PROTOKOLL Nr=" + QByteArray::number(i + 1), record.Field(5), record.Field(6),
-                               record.Field(3), record.Field(4), record.RegulationName(), record.Verdict()});
+    for (qsizetype i = 0; i < m_entries.size(); ++i) {
+        const QByteArray number = QByteArray::number(i + 1);
+        if (const auto &spec = m_entries[i].specification) {
+            listing += ListingRow({"DATABASE  Nr=" + number,
+                                   spec->date,
+                                   spec->time,
+                                   spec->label,
+                                   "Pr\x81"
+                                   "fvorschrift",
+                                   RecordText::RegulationName(spec->regulation()),
+                                   {}});
+            continue;
+        }
+        const RecordText record(m_entries[i].record);
+        listing += ListingRow({"PROTOKOLL Nr=" + number, record.Field(5), record.Field(6), record.Field(3),
+                               record.Field(4), record.RegulationName(), record.Verdict()});
     }
     return listing;
 }

@@ -2,6 +2,8 @@
 // the KYM accessory holds; and the forms they travel in.
 #pragma once
 
+#include "Specification.h"
+
 #include <QByteArray>
 #include <QList>
 #include <optional>
@@ -11,28 +13,36 @@ namespace kalvo::sim {
 class RecordStore {
 public:
     static constexpr int kParts = 3; // a record goes out in three answers: x, y, z
+    // The most records the store holds, test records and specifications together.
+    static constexpr int kCapacity = 130;
 
-    // A test specification as the listing shows it; it is no test record.
-    struct Specification {
-        QByteArray name;
-        int regulation = 0;
-        QByteArray date; // dd.mm.yy
-        QByteArray time; // hh:mm
-    };
-
-    // Filled with the sample records; the current record is the last test record.
+    // Filled with the sample test records; the current record is the last of them.
     RecordStore();
 
-    // Stored form: "P" + fields 1..74, each closed by ";", then "$FF" (no line end).
-    const QList<QByteArray> &records() const { return m_records; }
-    void setRecords(const QList<QByteArray> &records) { m_records = records; }
-    // Keeps the first `count` test records (0 empties the store); the current record stays.
-    void KeepFirst(int count);
-    // Record 1..count, nullopt outside.
-    std::optional<QByteArray> Record(int number) const;
+    // One numbering for test records and specifications, in the order they were stored.
+    int count() const { return static_cast<int>(m_entries.size()); }
 
-    const QList<Specification> &specifications() const { return m_specifications; }
-    void setSpecifications(const QList<Specification> &specifications) { m_specifications = specifications; }
+    // The test records in store order. Stored form: "P" + fields 1..74, each closed by ";", then
+    // "$FF" (no line end).
+    QList<QByteArray> records() const;
+    // Replaces the test records; the specifications stay in front of them.
+    void setRecords(const QList<QByteArray> &records);
+    // Keeps the first `count` test records (0: none); specifications and the current record stay.
+    void KeepFirst(int count);
+    // Entry 1..count when it is a test record, nullopt otherwise.
+    std::optional<QByteArray> Record(int number) const;
+    // Part 0..2 of entry `number`, whichever kind it is; nullopt outside 1..count.
+    std::optional<QByteArray> EntryPart(int number, int part) const;
+
+    QList<Specification> specifications() const;
+    // Replaces the specifications; they come in front of the test records.
+    void setSpecifications(const QList<Specification> &specifications);
+    // "prx!add " + `argument`: a first chunk begins a specification (forgetting one not finished),
+    // a continuation adds to it; the 22nd item stores it behind the last entry. False, changing
+    // nothing, for a malformed chunk, a continuation without its beginning, or a full store.
+    bool Add(const QByteArray &argument);
+    // Deletes entry `number`; the entries behind it move up one number. False outside 1..count.
+    bool Remove(int number);
 
     // The last test made: what "prx?x" and "prn!t" without a number read.
     const std::optional<QByteArray> &current() const { return m_current; }
@@ -44,14 +54,18 @@ public:
 
     // Part 0..2 of a record's text in front of "$FF"; the three joined give that text back.
     static QByteArray Part(const QByteArray &record, int part);
-    // 13 fields a row, each closed by ";": the specifications, then the test records.
+    // 13 fields a row, each closed by ";", one row an entry in store order.
     QByteArray Listing() const;
     // The accessory's records back to back: "K", the fields separated by character 19, "$FF".
     QByteArray AccessoryStream() const;
 
 private:
-    QList<QByteArray> m_records;
-    QList<Specification> m_specifications;
+    struct Entry {
+        QByteArray record; // a test record, unless it is a specification
+        std::optional<Specification> specification;
+    };
+    QList<Entry> m_entries;
+    std::optional<Specification> m_pending; // begun by a first chunk, not yet complete
     std::optional<QByteArray> m_current;
     QList<QByteArray> m_accessory;
 };

@@ -361,12 +361,34 @@ QList<QByteArray> SampleTestRecords()
     return BuildAll(samples, 0x0101);
 }
 
-QList<RecordStore::Specification> SampleSpecifications()
+QList<Specification> SampleSpecifications()
 {
-    return {
-        {"Elektrowerkzeuge SK II", 1, "05.01.09", "16:20"},
-        {"Medizin SK I Typ CF", 6, "05.01.09", "16:32"},
-    };
+    // Power tools of protection class II to VDE 0701 part 1, and medical devices of class I with
+    // applied parts of type CF to VDE 0751.
+    Specification tools{
+        "01 Elektrowerkzeuge SK II", "00000000000010002000000000000600001F0100", "05.01.09", "16:20:0", {}};
+    Specification medical{"02 Medizin SK I Typ CF",
+                          "00010000000060002000000000000503022302"
+                          "00",
+                          "05.01.09",
+                          "16:32:5",
+                          {}};
+    for (int item = 1; item <= Specification::kItems; ++item) {
+        tools.items << QByteArray() << QByteArray();
+        medical.items << QByteArray() << QByteArray();
+    }
+    tools.items[2 * 3 - 1] = ">2.000M" OHM;
+    tools.items[2 * 4 - 1] = ">0500V";
+    tools.items[2 * 5 - 1] = "<0.500mA";
+    tools.items[2 * 12 - 1] = "<0.500mA";
+    medical.items[2 * 1 - 1] = "<0.300" OHM;
+    medical.items[2 * 3 - 1] = ">2.000M" OHM;
+    medical.items[2 * 4 - 1] = ">0500V";
+    medical.items[2 * 5 - 1] = "<3.500mA";
+    medical.items[2 * 12 - 1] = "<1.000mA";
+    medical.items[2 * 14 - 1] = "<0.010mA";
+    medical.items[2 * 22 - 1] = ">1.50kV";
+    return {tools, medical};
 }
 
 QList<QByteArray> SampleAccessoryRecords()

@@ -10,8 +10,8 @@ namespace kalvo::sim {
 
 // Test records in the stored form ("P" + 74 fields + "$FF"), oldest first.
 QList<QByteArray> SampleTestRecords();
-// Test specifications kept in the same store.
-QList<RecordStore::Specification> SampleSpecifications();
+// Two complete test specifications, for a store that holds some (kalvo-sim --specifications).
+QList<Specification> SampleSpecifications();
 // Records the KYM accessory has collected, with its device, customer and repair data (fields 55..74).
 QList<QByteArray> SampleAccessoryRecords();
 

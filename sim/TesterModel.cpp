@@ -137,10 +137,25 @@ TesterModel::Reply TesterModel::Answer(const QByteArray &line)
         reply.answer = *stream;
         return reply;
     }
-    const auto payload = records.Handles(lower) ? records.Payload(lower) : Payload(line, reply);
+    const auto payload = lower.startsWith("prx!") ? StoreChange(lower, line)
+                         : records.Handles(lower) ? records.Payload(lower)
+                                                  : Payload(line, reply);
     reply.answer = payload ? line + *payload + "\r\n" + kDC1 : Refusal(line);
     reply.display = std::exchange(m_display, {});
     return reply;
+}
+
+std::optional<QByteArray> TesterModel::StoreChange(const QByteArray &lower, const QByteArray &line)
+{
+    // A specification's chunks keep the case they were sent in: the name is the user's.
+    if (lower.startsWith("prx!add "))
+        return m_records.Add(line.mid(8)) ? std::optional<QByteArray>(".Y") : std::nullopt;
+    if (lower.startsWith("prx!del")) {
+        const auto number = RecordNumber(lower.mid(7));
+        if (number && m_records.Remove(*number))
+            return ".Y";
+    }
+    return std::nullopt;
 }
 
 void TesterModel::Restart()

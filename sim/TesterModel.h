@@ -72,6 +72,8 @@ public:
 
 private:
     // The payload after the echo; nullopt for a line the tester does not understand.
+    // "prx!add " and "prx!del": the store's specifications added, its entries deleted.
+    std::optional<QByteArray> StoreChange(const QByteArray &lower, const QByteArray &line);
     std::optional<QByteArray> Payload(const QByteArray &line, Reply &reply);
     std::optional<QByteArray> Query(const QByteArray &lower, const QByteArray &line);
     std::optional<QByteArray> Setting(const QByteArray &lower, const QByteArray &line, Reply &reply);

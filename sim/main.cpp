@@ -2,6 +2,7 @@
 #include "AnswerStyle.h"
 #include "FaultPlan.h"
 #include "PtyHost.h"
+#include "SampleRecords.h"
 #include "VirtualTester.h"
 #include "link/Clock.h"
 
@@ -31,6 +32,7 @@ struct Options {
     int records = -1;          // -1: every sample record
     int accessoryRecords = -1; // -1: every sample record of the accessory
     bool noCurrent = false;
+    bool specifications = false;
     QString logPath;
     double displayEvery = 0;
     double restartDelay = 0;
@@ -57,6 +59,7 @@ void PrintUsage(std::FILE *to)
         "  --records N              keep only the first N test records of the store (0: empty)\n"
         "  --kym-records N          keep only the first N records of the accessory (0: empty)\n"
         "  --no-current             no current record (no test made since switching on)\n"
+        "  --specifications         two test specifications in front of the test records\n"
         "  --log FILE               one line per received command line: ms since start, TAB, bytes;\n"
         "                           TAB \"-\" behind what a loader or a restart took (no exchange)\n"
         "  --display-every SECONDS  send a remote-display frame whenever the line is idle that long\n"
@@ -93,6 +96,10 @@ bool ParseOptions(const QStringList &args, Options &options, bool &help)
         }
         if (arg == QLatin1String("--no-current")) {
             options.noCurrent = true;
+            continue;
+        }
+        if (arg == QLatin1String("--specifications")) {
+            options.specifications = true;
             continue;
         }
         const QStringList valued = {"--baud",    "--fault",      "--language",      "--style",
@@ -172,6 +179,8 @@ int main(int argc, char *argv[])
     sim::RecordStore &store = tester.model().records();
     if (options.records >= 0)
         store.KeepFirst(options.records);
+    if (options.specifications)
+        store.setSpecifications(sim::SampleSpecifications());
     if (options.accessoryRecords >= 0)
         store.setAccessoryRecords(store.accessoryRecords().mid(0, options.accessoryRecords));
     if (options.noCurrent)

@@ -38,7 +38,7 @@ int Update(CliContext &context, const QStringList &words)
 {
     const Words w = SplitWords(words, {QStringLiteral("--lang")});
     const QString action = w.positional.value(0);
-    update::UpdateContext setup{{}, context.texts(), link::SystemDateOrder()};
+    update::UpdateContext setup{{}, context.texts(), link::SystemDateOrder(), {}};
     // A command line starts as the program does: with the update permitted.
     update::UpdatePermission permission;
     update::UpdateOutcome outcome;

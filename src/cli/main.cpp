@@ -19,7 +19,8 @@ namespace {
 
 QList<CliCommand> AllCommands()
 {
-    return LinkCommands() + ShellCommands() + RecordCommands() + ConfigCommands() + UpdateCommands();
+    return LinkCommands() + ShellCommands() + RecordCommands() + ConfigCommands() + UpdateCommands() +
+           SpecdbCommands();
 }
 
 void PrintHelp(QTextStream &out)

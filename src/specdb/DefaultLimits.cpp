@@ -3,6 +3,7 @@
 
 #include "DefaultLimitTable.h"
 #include "LimitText.h"
+#include "SpecChunks.h"
 
 #include <QList>
 
@@ -59,7 +60,7 @@ std::array<QByteArray, kLimitSlots> TableLimits(int regulationEntry, const QByte
     const auto rows = TableRows(regulationEntry, protectionClass, appliedPart);
     for (int box = 1; box <= kLimitBoxes; ++box) {
         if (rows[box])
-            limits[box] = LimitFromTyped(rows[box]->text);
+            limits[box] = LimitFromText(QString::fromUtf8(rows[box]->text));
     }
     return limits;
 }
@@ -104,7 +105,7 @@ QList<BoxDefault> DefaultsFor(int regulationEntry, const QByteArray &protectionC
     QList<BoxDefault> defaults;
     for (int box = 1; box <= kLimitBoxes; ++box) {
         if (rows[box])
-            defaults.append({box, LimitFromTyped(rows[box]->text), QString::fromUtf8(rows[box]->source)});
+            defaults.append({box, LimitFromText(QString::fromUtf8(rows[box]->text)), QString::fromUtf8(rows[box]->source)});
         else
             defaults.append({box, {}, {}});
     }

@@ -56,15 +56,6 @@ std::optional<LimitBound> ParseLimit(const QByteArray &text)
     return bound;
 }
 
-QByteArray LimitFromTyped(const QByteArray &typed)
-{
-    for (const QByteArray &word : {QByteArray("\xCE\xA9"), QByteArray("Ohm")}) {
-        if (typed.endsWith(word))
-            return typed.chopped(word.size()) + kOhm;
-    }
-    return typed;
-}
-
 bool IsLooser(const QByteArray &text, const QByteArray &reference)
 {
     const auto limit = ParseLimit(reference);

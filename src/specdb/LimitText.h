@@ -19,9 +19,6 @@ struct LimitBound {
 // The bound a limit text sets; nullopt for an empty text or one that is no limit.
 std::optional<LimitBound> ParseLimit(const QByteArray &text);
 
-// A limit text written as people type it: "Ω" (UTF-8) or "Ohm" at the end stand for the ohm sign.
-QByteArray LimitFromTyped(const QByteArray &typed);
-
 // Whether `text` lets through what `reference` would stop: a higher upper limit, a lower lower
 // limit, an empty or unreadable text where the reference sets one, another sign or unit, or another
 // value where the reference has no sign. A reference that sets nothing makes nothing looser.

@@ -93,6 +93,10 @@ QList<MatrixCommand> BuildCommands()
         {"update_package", "update|package|.|--lang|ge", "", true},
         {"pfile_load", "pfile|load|vorlage.pr|--slot|1", "", true},
         {"templates_read", "templates|read|1|vorlage1.pr", "vorlage1.pr", false},
+        {"specdb_list", "specdb|list", "test.txt", false},
+        {"specdb_add", "specdb|add|Neu|--regulation|EN 60601|--limit|1=<0.300Ohm|--limit|22=>1.50kV",
+         "test.txt", true},
+        {"specdb_delete", "--yes|specdb|delete|--all", "test.txt", true},
     };
     QList<MatrixCommand> commands;
     for (const auto &row : table) {
@@ -111,6 +115,19 @@ QList<MatrixCommand> BuildCommands()
             command.simArguments = {QStringLiteral("--kym")};
             command.files[1].completeAfter = QStringLiteral("wer?\\r");
         }
+        // A store of both kinds for the listing; specifications only where one is added.
+        if (command.id.startsWith(QLatin1String("specdb")))
+            command.simArguments = {QStringLiteral("--records"),
+                                    command.id == QLatin1String("specdb_add") ? QStringLiteral("0")
+                                                                              : QStringLiteral("1"),
+                                    QStringLiteral("--specifications")};
+        if (command.id == QLatin1String("specdb_add"))
+            command.repeatable = false; // the record carries the PC's date and time
+        // The trace is complete once the store has been read, before anything is changed.
+        if (command.id == QLatin1String("specdb_add"))
+            command.files[0].completeAfter = QStringLiteral("prx?2z\\r");
+        if (command.id == QLatin1String("specdb_delete"))
+            command.files[0].completeAfter = QStringLiteral("prx?3z\\r");
         if (command.id == QLatin1String("cal_restore"))
             command.files = {{QStringLiteral("werte.cal"), CalibrationBackup()}}; // read, never written
         if (command.id.startsWith(QLatin1String("update_")))

@@ -201,8 +201,9 @@ TEST(PrintTemplates, PFileHeaderIsCheckedBeforeAnythingIsStored)
         const auto upload = sim::UnpackTemplatePFile(c.file, &reason);
         EXPECT_EQ(upload ? upload->slot : 0, c.slot) << c.name;
         EXPECT_EQ(reason, c.reason) << c.name;
-        if (upload && c.slot == 2 && c.file.size() < 2000)
+        if (upload && c.slot == 2 && c.file.size() < 2000) {
             EXPECT_EQ(upload->text, kOwnTemplate) << c.name;
+        }
     }
 }
 
@@ -215,8 +216,9 @@ TEST(PrintTemplates, LoadedPFileReplacesItsSlotForQueriesAndPrintsAndSurvivesARe
         EXPECT_EQ(t.Load(TemplatePFile(kOwnTemplate, slotByte)), "Erasing ...\r\n... Programming\r\n\x11");
         EXPECT_EQ(t.TemplateText(k), kOwnTemplate) << k;
         for (int other = 0; other < sim::kPrintTemplates; ++other) {
-            if (other != k)
+            if (other != k) {
                 EXPECT_EQ(t.TemplateText(other), sim::SampleTemplateText(other)) << k << " " << other;
+            }
         }
         const QByteArray printed = t.Line("prn!" + QByteArray::number(k) + ",1");
         EXPECT_TRUE(printed.contains("Ident E-0815    Ergebnis bestanden\r\n")) << printed.toStdString();

@@ -4,6 +4,7 @@
 #include "link/PortNames.h"
 #include "sim/PrintRenderer.h"
 #include "sim/RecordText.h"
+#include "sim/SampleRecords.h"
 #include "sim/SimTransport.h"
 #include "sim/VirtualTester.h"
 #include "support/ScriptedPrompter.h"
@@ -159,19 +160,22 @@ TEST(RecordStore, ListingShowsSpecificationsAndRecordsInThirteenFieldRows)
 {
     for (const int kept : {14, 3, 0}) {
         Bench bench;
+        bench.store().setSpecifications(sim::SampleSpecifications());
         bench.store().KeepFirst(kept);
         const auto rows = ListingRows(bench.Ask("prx?nx"));
-        const auto &specs = bench.store().specifications();
-        const auto &records = bench.store().records();
+        const auto specs = bench.store().specifications();
+        const auto records = bench.store().records();
         ASSERT_EQ(rows.size(), specs.size() + records.size()) << kept;
-        int specNumber = 0, recordNumber = 0;
+        int number = 0, specNumber = 0, recordNumber = 0;
         for (const auto &row : rows) {
+            ++number;
             if (row[0].contains("DATABASE")) {
-                EXPECT_EQ(row[0], "DATABASE  Nr=" + QByteArray::number(++specNumber));
+                EXPECT_EQ(row[0], "DATABASE  Nr=" + QByteArray::number(number));
+                EXPECT_EQ(row[3], specs[specNumber++].label);
                 continue;
             }
-            EXPECT_EQ(row[0], "PROTOKOLL Nr=" + QByteArray::number(++recordNumber)) << kept;
-            const sim::RecordText record(records[recordNumber - 1]);
+            EXPECT_EQ(row[0], "PROTOKOLL Nr=" + QByteArray::number(number)) << kept;
+            const sim::RecordText record(records[recordNumber++]);
             EXPECT_EQ(row[1], record.Field(5));
             EXPECT_EQ(row[3], record.Field(3));
             EXPECT_EQ(row[4], record.Field(4));

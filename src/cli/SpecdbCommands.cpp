@@ -1,0 +1,329 @@
+// kalvo-cli specdb: the test specifications in the tester's store: list, add, store set files, delete.
+#include "CliCommand.h"
+#include "CliContext.h"
+#include "CliWords.h"
+
+#include "specdb/DefaultLimits.h"
+#include "specdb/SetFile.h"
+#include "specdb/SpecChunks.h"
+#include "specdb/SpecDecoding.h"
+#include "specdb/SpecEditor.h"
+#include "specdb/SpecRemoval.h"
+#include "specdb/SpecStore.h"
+#include "specdb/SpecUpload.h"
+
+#include "link/Errors.h"
+#include "link/TextIds.h"
+#include "link/TextRules.h"
+
+#include <QDir>
+
+namespace kalvo::cli {
+
+namespace {
+
+// The regulations' default limits and the looser-limit check: the generator of the default limits
+// is handed in here.
+const specdb::RegulationRules &Rules()
+{
+    static const specdb::RegulationRules rules{specdb::ApplyDefaults, specdb::LooserLimits};
+    return rules;
+}
+
+// "--limit N=TEXT" may come again and again; "--all" has no value. Both are taken out of `words`.
+QStringList TakeRepeated(QStringList &words, const QString &option)
+{
+    QStringList values;
+    for (qsizetype i = 0; i < words.size();) {
+        if (words[i] != option) {
+            ++i;
+            continue;
+        }
+        if (i + 1 >= words.size())
+            throw UsageError{QStringLiteral("%1 braucht einen Wert").arg(option)};
+        values << words[i + 1];
+        words.remove(i, 2);
+    }
+    return values;
+}
+
+bool TakeFlag(QStringList &words, const QString &flag)
+{
+    return words.removeAll(flag) > 0;
+}
+
+QString Squeezed(const QString &text)
+{
+    return text.toUpper().remove(QLatin1Char(' '));
+}
+
+int RegulationArgument(const QString &word)
+{
+    const QStringList &list = specdb::RegulationList();
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        if (Squeezed(list[i]) == Squeezed(word))
+            return static_cast<int>(i);
+    }
+    throw UsageError{QStringLiteral("--regulation muss eine von \"%1\" sein, nicht \"%2\"")
+                         .arg(list.join(QStringLiteral("\", \"")), word)};
+}
+
+int EntryArgument(const QString &word, const QString &option, const QStringList &codes,
+                  const QList<int> &entries)
+{
+    const qsizetype at = codes.indexOf(word);
+    if (at < 0)
+        throw UsageError{QStringLiteral("%1 muss einer von %2 sein, nicht %3")
+                             .arg(option, codes.join(QLatin1Char('|')), word)};
+    return entries[at];
+}
+
+std::array<bool, 4> SingleFaultArgument(const QString &word)
+{
+    std::array<bool, 4> boxes{};
+    const QStringList names{QStringLiteral("N"), QStringLiteral("PE"), QStringLiteral("AWT")};
+    for (const QString &name : word.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        const qsizetype at = names.indexOf(name.trimmed().toUpper());
+        if (at < 0)
+            throw UsageError{QStringLiteral("--sfc nimmt N, PE und AWT, nicht %1").arg(name)};
+        boxes[static_cast<size_t>(at + 1)] = true;
+    }
+    return boxes;
+}
+
+void ApplyLimit(specdb::SpecEditor &editor, const QString &word)
+{
+    const qsizetype equals = word.indexOf(QLatin1Char('='));
+    bool ok = false;
+    const int box = word.left(equals).toInt(&ok);
+    if (equals < 0 || !ok || box < 1 || box > specdb::kLimitBoxes)
+        throw UsageError{QStringLiteral("--limit will N=TEXT mit N von 1 bis 22, nicht %1").arg(word)};
+    editor.SetLimit(box, specdb::LimitFromText(word.mid(equals + 1)));
+}
+
+// The store as the window lists it; nullopt when the tester refused (it has been said) or did not
+// answer as a store does, which the window passes over with an empty list and a script must hear of.
+std::optional<specdb::SpecStore> ReadStore(CliContext &context)
+{
+    context.OpenPort();
+    auto store = specdb::ReadSpecStore(context.link(), context.prompter(), specdb::kStoreTraceFileName);
+    if (store && store->unanswered) {
+        context.prompter().message(
+            QStringLiteral("Die Antwort auf \"prx?n\" nennt keinen Speicher (kein \"PRX\")."),
+            link::Prompter::Icon::Warning);
+        return std::nullopt;
+    }
+    return store;
+}
+
+int List(CliContext &context, const QStringList &words)
+{
+    if (!words.isEmpty())
+        throw UsageError{QStringLiteral("list nimmt keine Argumente")};
+    const auto store = ReadStore(context);
+    if (!store)
+        return kExitFailed;
+    for (const QString &entry : store->entries)
+        context.out() << entry << '\n';
+    return kExitDone;
+}
+
+// The regulation, class, type and switch position of "add" and "defaults", chosen in the editor's
+// order: the regulation first, since it starts everything afresh.
+void ChooseFromWords(specdb::SpecEditor &editor, const Words &w)
+{
+    editor.ChooseRegulation(RegulationArgument(w.options.value(QStringLiteral("--regulation"))));
+    if (w.options.contains(QStringLiteral("--switch"))) {
+        QStringList codes;
+        for (const QByteArray &code : specdb::SwitchCodes())
+            codes << QString::fromLatin1(code);
+        const QString code = w.options.value(QStringLiteral("--switch"));
+        EntryArgument(code, QStringLiteral("--switch"), codes, {0, 1, 2, 3, 4, 5});
+        editor.ChooseSwitch(code.toLatin1());
+    }
+    if (w.options.contains(QStringLiteral("--class")))
+        editor.ChooseClass(
+            EntryArgument(w.options.value(QStringLiteral("--class")), QStringLiteral("--class"),
+                          {QStringLiteral("05"), QStringLiteral("06"), QStringLiteral("07")}, {0, 2, 3}));
+    if (w.options.contains(QStringLiteral("--type")))
+        editor.ChooseType(EntryArgument(
+            w.options.value(QStringLiteral("--type")), QStringLiteral("--type"),
+            {QStringLiteral("00"), QStringLiteral("01"), QStringLiteral("02"), QStringLiteral("03")},
+            {0, 1, 2, 3}));
+}
+
+// What the generator proposes, no tester needed: the code elements that travel, and each box with
+// what it measures, its limit and where the limit comes from.
+int Defaults(CliContext &context, const QStringList &words)
+{
+    const Words w = SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--class"),
+                                       QStringLiteral("--type"), QStringLiteral("--switch")});
+    if (!w.positional.isEmpty() || !w.options.contains(QStringLiteral("--regulation")))
+        throw UsageError{QStringLiteral("--regulation fehlt")};
+    specdb::SpecEditor editor(Rules().defaults);
+    ChooseFromWords(editor, w);
+    const specdb::SpecRecord &record = editor.record();
+    QStringList codes;
+    for (int k = 0; k < specdb::kSentCodes; ++k)
+        codes << QString::fromLatin1(record.codes[static_cast<size_t>(k)]);
+    context.out() << "regulation: " << specdb::RegulationList().value(editor.regulationEntry())
+                  << ", class " << record.codes[14] << ", type " << record.codes[15] << '\n'
+                  << "codes 0-19: " << codes.join(QLatin1Char(' ')) << '\n';
+    const QList<specdb::BoxDefault> defaults =
+        specdb::DefaultsFor(editor.regulationEntry(), record.codes[14], record.codes[15]);
+    for (const specdb::BoxDefault &box : defaults) {
+        const QString limit = link::ConvertDisplayText(record.limits[static_cast<size_t>(box.box)]);
+        const QString line = QStringLiteral("GWert %1  %2  %3  %4")
+                                 .arg(box.box, 2)
+                                 .arg(specdb::BoxMeaning(box.box), -52)
+                                 .arg(limit.isEmpty() ? QStringLiteral("-") : limit, -10)
+                                 .arg(box.source);
+        context.out() << QStringView(line).trimmed() << '\n';
+    }
+    return kExitDone;
+}
+
+int Add(CliContext &context, QStringList words)
+{
+    const QStringList limits = TakeRepeated(words, QStringLiteral("--limit"));
+    const Words w = SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--class"),
+                                       QStringLiteral("--type"), QStringLiteral("--parts"),
+                                       QStringLiteral("--sfc"), QStringLiteral("--switch")});
+    if (w.positional.size() != 1 || !w.options.contains(QStringLiteral("--regulation")))
+        throw UsageError{QStringLiteral("NAME und --regulation fehlen")};
+    specdb::SpecEditor editor(Rules().defaults);
+    ChooseFromWords(editor, w);
+    if (w.options.contains(QStringLiteral("--parts"))) {
+        const int parts =
+            NumberArgument(w.options.value(QStringLiteral("--parts")), QStringLiteral("--parts"));
+        if (parts < 0 || parts > specdb::kMaxAppliedParts)
+            throw UsageError{QStringLiteral("--parts muss zwischen 0 und 10 liegen, nicht %1").arg(parts)};
+        editor.ChooseAppliedParts(parts);
+    }
+    if (w.options.contains(QStringLiteral("--sfc")))
+        editor.SetSingleFaults(SingleFaultArgument(w.options.value(QStringLiteral("--sfc"))));
+    for (const QString &limit : limits)
+        ApplyLimit(editor, limit);
+    // A limit that does not fit is refused before the tester is asked anything.
+    const QList<int> misfits = specdb::MisfitLimits(editor.record());
+    if (!misfits.isEmpty()) {
+        QStringList boxes;
+        for (const int box : misfits)
+            boxes << QString::number(box);
+        context.prompter().message(
+            QStringLiteral("%1 (%2)").arg(specdb::kWrongNumberFormatText, boxes.join(QStringLiteral(", "))),
+            link::Prompter::Icon::Warning);
+        return kExitFailed;
+    }
+    const auto store = ReadStore(context);
+    if (!store)
+        return kExitFailed;
+    const QList<int> looser = editor.LooserBoxes(Rules());
+    context.prompter().PresetText(w.positional[0]);
+    const specdb::UploadResult result = specdb::StoreEditorRecord(
+        context.link(), context.prompter(), context.texts(), editor.record(),
+        {store->count(), store->holdsTestRecords}, looser, QDateTime::currentDateTime());
+    if (!result.replacedCodes.isEmpty())
+        context.prompter().message(QStringLiteral("\aCode-Elemente nicht zweistellig, als 00 gesendet: %1")
+                                       .arg(result.replacedCodes.size()),
+                                   link::Prompter::Icon::Warning);
+    switch (result.status) {
+    case specdb::UploadStatus::Stored:
+        context.out() << "stored: " << QString::fromLatin1(result.label) << '\n';
+        return kExitDone;
+    case specdb::UploadStatus::HoldsTestRecords:
+        // Never deleted from here, --yes or not: the records may not have been read out yet.
+        context.prompter().message(
+            specdb::kHoldsTestRecordsText +
+                QStringLiteral("\nAlle Datensätze löschen: kalvo-cli specdb delete --all"),
+            link::Prompter::Icon::Warning);
+        return kExitFailed;
+    default: return kExitFailed;
+    }
+}
+
+int StoreSet(CliContext &context, const QStringList &files)
+{
+    if (files.isEmpty())
+        throw UsageError{QStringLiteral("mindestens eine Datei")};
+    // Every file is read and taken apart first: a bad one stops all of them before anything is sent.
+    QList<specdb::SetGroup> groups;
+    for (const QString &file : files) {
+        const auto text = specdb::ReadSetFile(file, context.prompter());
+        if (!text)
+            return kExitFailed;
+        groups += specdb::ParseSetText(*text, QDir::toNativeSeparators(file));
+    }
+    context.OpenPort();
+    const link::RefusalWatch watch(context.link());
+    const specdb::SetUploadResult result = specdb::StoreSetGroups(context.link(), groups);
+    context.out() << result.stored << " of " << result.records << " stored\n";
+    if (result.complete())
+        return kExitDone;
+    context.prompter().message(specdb::NotTakenText(specdb::kNotLoadedText, watch),
+                               link::Prompter::Icon::Warning);
+    return kExitFailed;
+}
+
+int Delete(CliContext &context, QStringList words)
+{
+    const bool all = TakeFlag(words, QStringLiteral("--all"));
+    if (all == (words.size() == 1) || words.size() > 1)
+        throw UsageError{QStringLiteral("N oder --all")};
+    const int number = all ? 0 : NumberArgument(words[0], QStringLiteral("N"));
+    const auto store = ReadStore(context);
+    if (!store)
+        return kExitFailed;
+    if (!all && (number < 1 || number > store->count())) {
+        context.prompter().message(QStringLiteral("Datensatz %1 gibt es nicht: der Speicher hält %2.")
+                                       .arg(number)
+                                       .arg(store->count()),
+                                   link::Prompter::Icon::Warning);
+        return kExitFailed;
+    }
+    const specdb::RemovalStatus status =
+        all ? specdb::DeleteAllRecords(context.link(), context.prompter(), context.texts(), store->count())
+            : specdb::DeleteRecord(context.link(), context.prompter(), context.texts(), number);
+    if (status != specdb::RemovalStatus::Deleted)
+        return kExitFailed;
+    context.out() << context.texts().text(link::TxtDeleteDone) << '\n';
+    return kExitDone;
+}
+
+int Specdb(CliContext &context, const QStringList &words)
+{
+    const QString action = words.value(0);
+    const QStringList rest = words.mid(1);
+    if (action == QLatin1String("list"))
+        return List(context, rest);
+    if (action == QLatin1String("defaults"))
+        return Defaults(context, rest);
+    if (action == QLatin1String("add"))
+        return Add(context, rest);
+    if (action == QLatin1String("store-set"))
+        return StoreSet(context, rest);
+    if (action == QLatin1String("delete"))
+        return Delete(context, rest);
+    throw UsageError{QStringLiteral("list | defaults | add | store-set | delete")};
+}
+
+} // namespace
+
+QList<CliCommand> SpecdbCommands()
+{
+    return {
+        {QStringLiteral("specdb"),
+         QStringLiteral(
+             "list | defaults --regulation NAME [--class 05|06|07] [--type 00-03] [--switch CODE] | "
+             "add NAME --regulation NAME [--class 05|06|07] [--type 00-03] [--parts N] "
+             "[--sfc N,PE,AWT] [--switch CODE] [--limit N=TEXT]... | store-set FILE... | delete N|--all"),
+         QStringLiteral(
+             "the test specifications in the tester's store: list the store, show the regulation's "
+             "default limits with their sources (no tester needed), add one (\"Ohm\" in a "
+             "limit is the ohm sign), store every record of set files, delete one record or all, "
+             "from the highest number down"),
+         Specdb},
+    };
+}
+
+} // namespace kalvo::cli

@@ -1,0 +1,122 @@
+// The tester's record store as the database window reads it: every record's fields, test
+// specifications told from test records, and the list the window shows.
+#include "SpecStore.h"
+
+#include "link/Errors.h"
+#include "link/Link.h"
+#include "link/TextRules.h"
+#include "records/RecordFiles.h"
+#include "records/RecordSteps.h"
+
+namespace kalvo::specdb {
+
+namespace {
+
+constexpr char kPartLetters[] = {'x', 'y', 'z'};
+const QByteArray kAnswerEnd = QByteArray(">") + link::kDC1;
+constexpr qsizetype kTrailer = 4;
+
+bool IsSpecificationFields(const QList<QByteArray> &fields)
+{
+    return !fields.isEmpty() && fields[0].toUpper().contains("DATABASE");
+}
+
+QString EntryFor(int number, const QList<QByteArray> &fields)
+{
+    const QString name = link::ConvertDisplayText(fields.value(2));
+    return IsSpecificationFields(fields) ? QStringLiteral("%1: %2").arg(number).arg(name)
+                                         : QStringLiteral("%1:measured: %2").arg(number).arg(name);
+}
+
+} // namespace
+
+bool SpecStore::IsSpecification(int number) const
+{
+    return number >= 1 && number <= count() && IsSpecificationFields(records[number - 1]);
+}
+
+bool KeepStoreChar(unsigned char c)
+{
+    const bool kept = c == ' ' || (c >= 43 && c <= 63) || (c >= 65 && c <= 122) || c == 234;
+    return kept && !link::ConvertDisplayChar(c).isEmpty();
+}
+
+QByteArray AppendRecordPart(QList<QByteArray> &fields, const QByteArray &answer)
+{
+    const qsizetype start = answer.indexOf(';');
+    if (start < 0)
+        return {};
+    const qsizetype end = answer.indexOf(kAnswerEnd, start);
+    QByteArray text = end >= 0 ? answer.mid(start + 1, end - start - 1) : answer.mid(start + 1);
+    if (end < 0)
+        text.chop(std::min(kTrailer, text.size()));
+    while (text.endsWith('\r') || text.endsWith('\n'))
+        text.chop(1);
+    if (fields.isEmpty())
+        fields.append(QByteArray());
+    for (const char c : std::as_const(text)) {
+        if (c == ';') {
+            if (fields.size() < kKeptFields)
+                fields.append(QByteArray());
+            else
+                break; // nothing behind the kept fields is read
+            continue;
+        }
+        QByteArray &field = fields.last();
+        if (KeepStoreChar(static_cast<unsigned char>(c)) && field.size() < kKeptFieldBytes)
+            field += c;
+    }
+    return text;
+}
+
+std::optional<SpecStore> ReadSpecStore(link::Link &link, link::Prompter &prompter, const QString &tracePath)
+{
+    const link::RefusalWatch watch(link);
+    SpecStore store;
+    const QByteArray countCommand = "prx?n";
+    const QByteArray countAnswer = link.Exchange(countCommand);
+    if (watch.refused()) {
+        records::TellNothingWritten(prompter, watch, tracePath);
+        return std::nullopt;
+    }
+    if (!countAnswer.toUpper().contains("PRX")) {
+        store.unanswered = true;
+        return store;
+    }
+    const int count = records::ReadCount(countCommand, countAnswer, "=");
+    QByteArray trace;
+    for (int i = 1; i <= count; ++i) {
+        QList<QByteArray> fields;
+        for (const char letter : kPartLetters) {
+            const QByteArray command = "prx?" + QByteArray::number(i) + letter;
+            const std::optional<QByteArray> answer = records::Ask(link, command);
+            if (!answer)
+                continue; // refused: said so, and nothing is written or listed at the end
+            // Every part carries its fields behind a ";"; an answer without one holds none.
+            if (!answer->contains(';'))
+                throw link::FormatError::ForAnswer(command, *answer, QStringLiteral("Felder hinter \";\""));
+            const QByteArray text = AppendRecordPart(fields, *answer);
+            // As much of the text as a record can hold in its kept fields: the trace stays bounded.
+            trace += QByteArray::number(i) + ' ' + char(letter - 'a' + 'A') + ' ' +
+                     text.left(kKeptFields * kKeptFieldBytes) + "\r\n";
+        }
+        prompter.progress(i * 100 / count);
+        store.records << fields;
+        store.entries << EntryFor(i, fields);
+        if (!IsSpecificationFields(fields))
+            store.holdsTestRecords = true;
+    }
+    if (watch.refused()) {
+        records::TellNothingWritten(prompter, watch, tracePath);
+        return std::nullopt;
+    }
+    // The trace is for looking into afterwards: a folder that takes no file costs the list nothing.
+    try {
+        records::WriteBytesFile(tracePath, trace);
+    } catch (const link::FormatError &error) {
+        prompter.message(error.message(), link::Prompter::Icon::Warning);
+    }
+    return store;
+}
+
+} // namespace kalvo::specdb

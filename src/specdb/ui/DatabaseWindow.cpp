@@ -1,0 +1,228 @@
+// The test-specification database window FRMDB: the tester's store (IdNr), the editor, set files,
+// storing and deleting.
+#include "DatabaseWindow.h"
+
+#include "EditorPanel.h"
+#include "SetFilePanel.h"
+
+#include "gui/DeviceThread.h"
+#include "gui/GuiPrompter.h"
+#include "link/LanguageTable.h"
+#include "link/Link.h"
+#include "link/TextIds.h"
+#include "specdb/SpecDecoding.h"
+#include "specdb/SpecRemoval.h"
+#include "specdb/SpecUpload.h"
+
+#include <QApplication>
+#include <QDateTime>
+#include <QDir>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace kalvo::specdb::ui {
+
+DatabaseWindow::DatabaseWindow(gui::DeviceThread &device, const link::LanguageTable &texts,
+                               RegulationRules rules, QWidget *parent)
+    : QMainWindow(parent), m_device(device), m_texts(texts)
+{
+    setObjectName(QStringLiteral("FRMDB"));
+    setWindowTitle(QStringLiteral("Prüfabläufe"));
+    auto *central = new QWidget(this);
+    auto *columns = new QHBoxLayout(central);
+    auto *left = new QVBoxLayout;
+    m_list = new QListWidget(central);
+    m_list->setObjectName(QStringLiteral("IdNr"));
+    m_list->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_status = new QLabel(central);
+    m_status->setObjectName(QStringLiteral("Msg1"));
+    m_status->hide();
+    left->addWidget(m_list, 1);
+    left->addWidget(m_status);
+    m_editor = new EditorPanel(std::move(rules), central);
+    m_setFiles = new SetFilePanel(central);
+    columns->addLayout(left, 1);
+    columns->addWidget(m_editor, 2);
+    columns->addWidget(m_setFiles, 2);
+    auto *buttons = new QVBoxLayout;
+    columns->addLayout(buttons);
+    setCentralWidget(central);
+
+    const auto add = [&](const char *name, const QString &caption, auto slot, bool device) {
+        QPushButton *button = Button(name, caption);
+        buttons->addWidget(button);
+        connect(button, &QPushButton::clicked, this, slot);
+        if (device)
+            m_deviceButtons << button;
+    };
+    add("readDB", QStringLiteral("Datenbank lesen"), &DatabaseWindow::ReadStore, true);
+    add("MP", QStringLiteral("Im Kalvomer speichern"), &DatabaseWindow::StoreInTester, true);
+    add("ClearDB", QStringLiteral("Alle löschen"), &DatabaseWindow::DeleteAll, true);
+    add("speichern", QStringLiteral("Speichern"), &DatabaseWindow::SaveAndStore, true);
+    add(
+        "laden", QStringLiteral("Laden"), [this] { m_setFiles->ShowFileLists(); }, false);
+    add(
+        "oeffnen", QStringLiteral("Öffnen"), [this] { m_setFiles->OpenSetFile(); }, false);
+    add("PrfAbbrechen", QStringLiteral("Schließen"), &QWidget::close, false);
+    buttons->addStretch(1);
+
+    connect(m_list, &QListWidget::itemClicked, this,
+            [this](QListWidgetItem *item) { EntryClicked(m_list->row(item)); });
+    connect(m_list, &QWidget::customContextMenuRequested, this, [this](const QPoint &at) {
+        if (QListWidgetItem *item = m_list->itemAt(at))
+            DeleteEntry(m_list->row(item));
+    });
+    resize(1100, 640);
+}
+
+QPushButton *DatabaseWindow::Button(const char *name, const QString &caption)
+{
+    auto *button = new QPushButton(caption, centralWidget());
+    button->setObjectName(QString::fromLatin1(name));
+    return button;
+}
+
+void DatabaseWindow::SetBusy(bool busy)
+{
+    for (QPushButton *button : std::as_const(m_deviceButtons))
+        button->setEnabled(!busy);
+    m_list->setEnabled(!busy);
+}
+
+void DatabaseWindow::Post(const QString &title, std::function<void(link::Link &, link::Prompter &)> job)
+{
+    m_device.Post(this, title, [job = std::move(job)](link::Link &link, link::Prompter &prompter) {
+        if (!link.PortClosed())
+            job(link, prompter);
+    });
+}
+
+void DatabaseWindow::OnWindow(std::function<void()> call)
+{
+    QMetaObject::invokeMethod(this, std::move(call));
+}
+
+void DatabaseWindow::ShowStore(const SpecStore &store)
+{
+    m_store = store;
+    m_list->clear();
+    m_list->addItems(store.entries);
+    emit listed();
+}
+
+void DatabaseWindow::ReadAgain(DatabaseWindow *window, link::Link &link, link::Prompter &prompter)
+{
+    const auto store = ReadSpecStore(link, prompter, kStoreTraceFileName);
+    window->OnWindow([window, store = store.value_or(SpecStore{})] { window->ShowStore(store); });
+}
+
+void DatabaseWindow::ReadStore()
+{
+    Post(QStringLiteral("Datenbank lesen"),
+         [this](link::Link &link, link::Prompter &prompter) { ReadAgain(this, link, prompter); });
+}
+
+void DatabaseWindow::StoreInTester()
+{
+    if (m_setFiles->fileListsShown()) {
+        const QStringList files = m_setFiles->chosenFiles();
+        m_setFiles->HideFileLists();
+        Post(QStringLiteral("Prüfabläufe speichern"),
+             [this, files](link::Link &link, link::Prompter &prompter) {
+                 StoreSetFiles(link, prompter, files);
+                 ReadAgain(this, link, prompter);
+             });
+        return;
+    }
+    if (m_store.holdsTestRecords) {
+        if (gui::GuiPrompter(this, windowTitle()).confirm(kHoldsTestRecordsText))
+            DeleteAll();
+        return;
+    }
+    if (m_editor->singleFaultsOpen())
+        return;
+    const QList<int> looser = m_editor->editor().LooserBoxes(m_editor->rules());
+    const StoreState state{m_store.count(), m_store.holdsTestRecords};
+    Post(QStringLiteral("Prüfablauf speichern"), [this, record = m_editor->editor().record(), looser,
+                                                  state](link::Link &link, link::Prompter &prompter) mutable {
+        const UploadResult result =
+            StoreEditorRecord(link, prompter, m_texts, record, state, looser, QDateTime::currentDateTime());
+        OnWindow([this, result, record] {
+            for (qsizetype i = 0; i < result.replacedCodes.size(); ++i)
+                QApplication::beep();
+            if (result.status != UploadStatus::Stored)
+                return;
+            m_editor->editor().record().codes = record.codes;
+            const int number = m_store.count() + 1;
+            m_store.records << StoredFields(record, result.label);
+            m_store.entries << QStringLiteral("%1: %2").arg(number).arg(QString::fromLatin1(result.label));
+            m_list->addItem(m_store.entries.last());
+            emit listed();
+        });
+    });
+}
+
+void DatabaseWindow::Status(const QString &text)
+{
+    m_status->setText(text);
+    m_status->setVisible(!text.isEmpty());
+}
+
+void DatabaseWindow::DeleteAll()
+{
+    const int entries = m_list->count();
+    Post(QStringLiteral("Alle löschen"), [this, entries](link::Link &link, link::Prompter &prompter) {
+        const RemovalStatus status = DeleteAllRecords(link, prompter, m_texts, entries);
+        if (status == RemovalStatus::Cancelled)
+            return;
+        if (status == RemovalStatus::Deleted)
+            OnWindow([this] {
+                Status(m_texts.text(link::TxtDeleteDone));
+                m_store.holdsTestRecords = false;
+            });
+        ReadAgain(this, link, prompter);
+        OnWindow([this] { Status({}); });
+    });
+}
+
+void DatabaseWindow::DeleteEntry(int row)
+{
+    const int number = row + 1;
+    Post(QStringLiteral("Datensatz löschen"), [this, number](link::Link &link, link::Prompter &prompter) {
+        const RemovalStatus status = DeleteRecord(link, prompter, m_texts, number);
+        if (status == RemovalStatus::Cancelled)
+            return;
+        if (status == RemovalStatus::Deleted)
+            OnWindow([this] { Status(m_texts.text(link::TxtDeleteDone)); });
+        ReadAgain(this, link, prompter);
+        OnWindow([this] { Status({}); });
+    });
+}
+
+void DatabaseWindow::SaveAndStore()
+{
+    const QString path = m_setFiles->fileName();
+    if (path.isEmpty())
+        return;
+    m_setFiles->Remember(path);
+    Post(QStringLiteral("Speichern"),
+         [this, path, text = m_setFiles->text()](link::Link &link, link::Prompter &prompter) {
+             SaveAndStoreSetText(link, prompter, path, text);
+             ReadAgain(this, link, prompter);
+         });
+}
+
+void DatabaseWindow::EntryClicked(int row)
+{
+    // The number in front of ":" names the record; the list may hold fewer entries than the store.
+    const int number = m_list->item(row)->text().section(QLatin1Char(':'), 0, 0).toInt();
+    if (m_store.IsSpecification(number))
+        m_editor->Decode(m_store.records[number - 1], number);
+    else if (number >= 1)
+        emit testRecordChosen(number);
+}
+
+} // namespace kalvo::specdb::ui

@@ -1,0 +1,74 @@
+// The test-specification database window FRMDB: the tester's store (IdNr), the editor, set files,
+// storing and deleting.
+#pragma once
+
+#include "specdb/SpecEditor.h"
+#include "specdb/SpecStore.h"
+
+#include <QMainWindow>
+
+class QLabel;
+class QListWidget;
+class QPushButton;
+
+namespace kalvo::link {
+class LanguageTable;
+class Link;
+class Prompter;
+} // namespace kalvo::link
+
+namespace kalvo::gui {
+class DeviceThread;
+}
+
+namespace kalvo::specdb::ui {
+
+class EditorPanel;
+class SetFilePanel;
+
+class DatabaseWindow : public QMainWindow {
+    Q_OBJECT
+public:
+    // `rules` brings the regulations' default limits and the looser-limit check; `texts` the
+    // language table's prompt and status texts (it must outlive the window).
+    DatabaseWindow(gui::DeviceThread &device, const link::LanguageTable &texts, RegulationRules rules = {},
+                   QWidget *parent = nullptr);
+
+    void SetBusy(bool busy);
+    EditorPanel &editor() { return *m_editor; }
+    const SpecStore &store() const { return m_store; }
+
+signals:
+    // A test record of the store was clicked: the record window shows it.
+    void testRecordChosen(int number);
+    // The list has been filled again (for whoever waits on it).
+    void listed();
+
+private:
+    QPushButton *Button(const char *name, const QString &caption);
+    // Runs `job` on the device thread once the port is open; its dialogs carry `title`.
+    void Post(const QString &title, std::function<void(link::Link &, link::Prompter &)> job);
+    void OnWindow(std::function<void()> call);
+    void ShowStore(const SpecStore &store);
+
+    void ReadStore();           // readDB
+    void StoreInTester();       // MP
+    void DeleteAll();           // ClearDB
+    void SaveAndStore();        // speichern
+    void EntryClicked(int row); // IdNr
+    void DeleteEntry(int row);  // IdNr, right mouse button
+    // The job that reads the store again and shows it, for the end of a change.
+    static void ReadAgain(DatabaseWindow *window, link::Link &link, link::Prompter &prompter);
+    void Status(const QString &text); // Msg1: shown while the store is changed, empty hides it
+
+    gui::DeviceThread &m_device;
+    const link::LanguageTable &m_texts;
+    SpecStore m_store;
+    EditorPanel *m_editor;
+    SetFilePanel *m_setFiles;
+    QListWidget *m_list; // IdNr
+    QLabel *m_status;    // Msg1
+    QList<QPushButton *> m_deviceButtons;
+};
+
+} // namespace kalvo::specdb::ui

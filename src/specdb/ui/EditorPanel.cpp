@@ -1,0 +1,213 @@
+// The editor of the database window: regulation, protection class, applied parts, single faults,
+// switch position and the 22 limit boxes, all kept in a SpecEditor.
+#include "EditorPanel.h"
+
+#include "gui/GuiPrompter.h"
+#include "link/Errors.h"
+#include "link/TextRules.h"
+#include "specdb/SpecChunks.h"
+#include "specdb/SpecDecoding.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+namespace kalvo::specdb::ui {
+
+namespace {
+
+QComboBox *List(QWidget *parent, const char *name, const QStringList &entries)
+{
+    auto *box = new QComboBox(parent);
+    box->setObjectName(QString::fromLatin1(name));
+    box->addItems(entries);
+    box->setCurrentIndex(-1);
+    return box;
+}
+
+void Show(QComboBox *box, int entry)
+{
+    const QSignalBlocker blocker(box);
+    box->setCurrentIndex(entry);
+}
+
+} // namespace
+
+EditorPanel::EditorPanel(RegulationRules rules, QWidget *parent)
+    : QWidget(parent), m_editor(rules.defaults), m_rules(std::move(rules))
+{
+    auto *layout = new QVBoxLayout(this);
+    BuildLists();
+    BuildSingleFaults();
+    BuildLimits();
+    layout->addStretch(1);
+}
+
+void EditorPanel::BuildLists()
+{
+    auto *form = new QFormLayout;
+    static_cast<QVBoxLayout *>(layout())->addLayout(form);
+    m_regulation = List(this, "Vorschrift", RegulationList());
+    m_regulationName = new QLabel(this);
+    m_regulationName->setObjectName(QStringLiteral("VorschriftName"));
+    m_class = List(
+        this, "Schutzklasse",
+        {QStringLiteral("SK I"), QStringLiteral("SK I"), QStringLiteral("SK II"), QStringLiteral("SK III")});
+    m_type = List(this, "Typ",
+                  {QStringLiteral("ohne"), QStringLiteral("B"), QStringLiteral("BF"), QStringLiteral("CF")});
+    QStringList parts;
+    for (int n = 0; n <= kMaxAppliedParts; ++n)
+        parts << QStringLiteral("%1 Applied part's").arg(n);
+    m_parts = List(this, "AnzahlAWT", parts);
+    QStringList switches;
+    for (const QByteArray &code : SwitchCodes())
+        switches << QString::fromLatin1(code);
+    m_switch = List(this, "Schalterstellung", switches);
+    m_insulated = new QCheckBox(QStringLiteral("Anwendungsteile isoliert"), this);
+    m_insulated->setObjectName(QStringLiteral("ISOAWT"));
+    m_builtBefore1982 = new QCheckBox(QStringLiteral("Baujahr vor 1982"), this);
+    m_builtBefore1982->setObjectName(QStringLiteral("Baujahr"));
+    form->addRow(QStringLiteral("Vorschrift"), m_regulation);
+    form->addRow(QString(), m_regulationName);
+    form->addRow(QStringLiteral("Schutzklasse"), m_class);
+    form->addRow(QStringLiteral("Typ"), m_type);
+    form->addRow(QStringLiteral("Anwendungsteile"), m_parts);
+    form->addRow(QStringLiteral("Schalterstellung"), m_switch);
+    form->addRow(QString(), m_insulated);
+    form->addRow(QString(), m_builtBefore1982);
+
+    const auto chosen = [this](QComboBox *box, auto choose) {
+        connect(box, &QComboBox::activated, this, [this, choose](int entry) {
+            (m_editor.*choose)(entry);
+            Refresh();
+        });
+    };
+    chosen(m_regulation, &SpecEditor::ChooseRegulation);
+    chosen(m_class, &SpecEditor::ChooseClass);
+    chosen(m_type, &SpecEditor::ChooseType);
+    chosen(m_parts, &SpecEditor::ChooseAppliedParts);
+    connect(m_switch, &QComboBox::activated, this, [this](int entry) {
+        m_editor.ChooseSwitch(SwitchCodes().value(entry));
+        Refresh();
+    });
+    connect(m_insulated, &QCheckBox::toggled, this, [this](bool on) { m_editor.SetInsulatedParts(on); });
+}
+
+void EditorPanel::BuildSingleFaults()
+{
+    auto *open = new QPushButton(QStringLiteral("Einzelfehler ..."), this);
+    open->setObjectName(QStringLiteral("SFCOpen"));
+    m_singleFaults = new QGroupBox(QStringLiteral("SFC"), this);
+    m_singleFaults->setObjectName(QStringLiteral("SFC"));
+    auto *frame = new QVBoxLayout(m_singleFaults);
+    const QString captions[] = {QStringLiteral("Einzelfehler 0"), QStringLiteral("N unterbrochen"),
+                                QStringLiteral("PE unterbrochen"), QStringLiteral("Netz am AWT")};
+    for (int i = 0; i < 4; ++i) {
+        m_faultBoxes[static_cast<size_t>(i)] = new QCheckBox(captions[i], m_singleFaults);
+        m_faultBoxes[static_cast<size_t>(i)]->setObjectName(QStringLiteral("Check1_%1").arg(i));
+        frame->addWidget(m_faultBoxes[static_cast<size_t>(i)]);
+    }
+    auto *ok = new QPushButton(QStringLiteral("OK"), m_singleFaults);
+    ok->setObjectName(QStringLiteral("SFCOK"));
+    frame->addWidget(ok);
+    m_singleFaults->hide();
+    layout()->addWidget(open);
+    layout()->addWidget(m_singleFaults);
+    connect(open, &QPushButton::clicked, this, [this] {
+        Refresh();
+        m_singleFaults->show();
+    });
+    connect(ok, &QPushButton::clicked, this, [this] {
+        std::array<bool, 4> ticked{};
+        for (size_t i = 0; i < ticked.size(); ++i)
+            ticked[i] = m_faultBoxes[i]->isChecked();
+        m_editor.SetSingleFaults(ticked);
+        m_singleFaults->hide();
+    });
+}
+
+void EditorPanel::BuildLimits()
+{
+    auto *grid = new QGridLayout;
+    static_cast<QVBoxLayout *>(layout())->addLayout(grid);
+    for (int box = 1; box <= kLimitBoxes; ++box) {
+        auto *edit = new QLineEdit(this);
+        edit->setObjectName(QStringLiteral("GWert%1").arg(box));
+        m_limits[static_cast<size_t>(box)] = edit;
+        const int row = (box - 1) % 11;
+        const int column = (box - 1) / 11 * 2;
+        grid->addWidget(new QLabel(QString::number(box), this), row, column);
+        grid->addWidget(edit, row, column + 1);
+        connect(edit, &QLineEdit::editingFinished, this, [this, box] { LimitEdited(box); });
+    }
+}
+
+bool EditorPanel::singleFaultsOpen() const
+{
+    return m_singleFaults->isVisible();
+}
+
+void EditorPanel::LimitEdited(int box)
+{
+    QLineEdit *edit = m_limits[static_cast<size_t>(box)];
+    if (m_checking || !edit->isModified())
+        return;
+    // The record holds what the box shows, fitting or not: storing it says so again.
+    const QByteArray text = LimitFromText(edit->text());
+    m_editor.SetLimit(box, text);
+    if (LimitFits(box, text)) {
+        edit->setModified(false);
+        return;
+    }
+    // The message takes the focus; the box must not complain a second time when it loses it.
+    m_checking = true;
+    gui::GuiPrompter(this, window()->windowTitle())
+        .message(kWrongNumberFormatText, link::Prompter::Icon::Warning);
+    m_checking = false;
+    edit->setFocus();
+}
+
+bool EditorPanel::Decode(const QList<QByteArray> &fields, int number)
+{
+    try {
+        m_editor.Decode(fields, number);
+    } catch (const link::FormatError &error) {
+        gui::GuiPrompter(this, window()->windowTitle())
+            .message(error.message(), link::Prompter::Icon::Warning);
+        return false;
+    }
+    Refresh();
+    return true;
+}
+
+void EditorPanel::Refresh()
+{
+    Show(m_regulation, m_editor.regulationEntry());
+    m_regulationName->setText(m_editor.regulationName());
+    Show(m_class, m_editor.classEntry());
+    Show(m_type, m_editor.typeEntry());
+    Show(m_parts, m_editor.appliedParts());
+    Show(m_switch, static_cast<int>(SwitchCodes().indexOf(m_editor.switchCode())));
+    {
+        const QSignalBlocker blocker(m_insulated);
+        m_insulated->setChecked(m_editor.insulatedParts());
+        m_insulated->setEnabled(m_editor.insulatedPartsEnabled());
+    }
+    const std::array<bool, 4> faults = m_editor.singleFaults();
+    for (size_t i = 0; i < faults.size(); ++i)
+        m_faultBoxes[i]->setChecked(faults[i]);
+    for (int box = 1; box <= kLimitBoxes; ++box) {
+        QLineEdit *edit = m_limits[static_cast<size_t>(box)];
+        edit->setText(link::ConvertDisplayText(m_editor.record().limits[static_cast<size_t>(box)]));
+        edit->setModified(false);
+    }
+}
+
+} // namespace kalvo::specdb::ui

@@ -1,0 +1,50 @@
+// The editor of the database window: regulation, protection class, applied parts, single faults,
+// switch position and the 22 limit boxes, all kept in a SpecEditor.
+#pragma once
+
+#include "specdb/SpecEditor.h"
+
+#include <QWidget>
+#include <array>
+
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+
+namespace kalvo::specdb::ui {
+
+class EditorPanel : public QWidget {
+    Q_OBJECT
+public:
+    EditorPanel(RegulationRules rules, QWidget *parent = nullptr);
+
+    SpecEditor &editor() { return m_editor; }
+    const RegulationRules &rules() const { return m_rules; }
+    // The single-fault frame is open: nothing is stored until it is closed with SFCOK.
+    bool singleFaultsOpen() const;
+    // A record read back from the store; false after saying why when it cannot be read.
+    bool Decode(const QList<QByteArray> &fields, int number);
+    // Shows what the editor holds.
+    void Refresh();
+
+private:
+    void BuildLists();
+    void BuildSingleFaults();
+    void BuildLimits();
+    // A limit box left after editing: its text must fit, or the focus goes back to it.
+    void LimitEdited(int box);
+
+    SpecEditor m_editor;
+    RegulationRules m_rules;
+    QComboBox *m_regulation, *m_class, *m_type, *m_parts, *m_switch;
+    QLabel *m_regulationName; // the regulation a read-back record names, "MENUE" included
+    QCheckBox *m_insulated, *m_builtBefore1982;
+    QGroupBox *m_singleFaults; // SFC
+    std::array<QCheckBox *, 4> m_faultBoxes{};
+    std::array<QLineEdit *, kLimitBoxes + 1> m_limits{}; // GWert 1..22
+    bool m_checking = false;
+};
+
+} // namespace kalvo::specdb::ui
