@@ -376,13 +376,17 @@ void RecordWindow::RecordSelected(int row)
             gui::GuiPrompter(this, windowTitle()).message(e.text(), link::Prompter::Icon::Warning);
         }
     } else if (m_source == Source::TesterStore && row < m_numbers.size()) {
-        const int number = m_numbers[row];
-        const int templateNumber = m_template;
-        Post(Entry("dbProt"), [this, number, templateNumber](link::Link &link, link::Prompter &) {
-            const QString text = RenderStoredRecord(link, templateNumber, number);
-            OnWindow([this, text] { ShowPrintText(text); });
-        });
+        ShowStoredRecord(m_numbers[row]);
     }
+}
+
+void RecordWindow::ShowStoredRecord(int number)
+{
+    const int templateNumber = m_template;
+    Post(Entry("dbProt"), [this, number, templateNumber](link::Link &link, link::Prompter &) {
+        const QString text = RenderStoredRecord(link, templateNumber, number);
+        OnWindow([this, text] { ShowPrintText(text); });
+    });
 }
 
 void RecordWindow::PrintReport()

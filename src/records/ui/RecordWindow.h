@@ -37,6 +37,9 @@ public:
     void AddTemplateTools(QMenu *menu, QWidget *fileLabel, QWidget *numberEntry);
     // A template, not a record, stands in the report box: nothing to print or store as a record.
     void ShowingTemplate();
+    // Record `number` of the tester's store, printed by the tester with the chosen template (a test
+    // record clicked in the database window).
+    void ShowStoredRecord(int number);
     // The language of the status texts ("deutsch", ...); the window's captions are its own.
     void SetLanguage(const QString &language) { m_language = language; }
     QString reportText() const;
