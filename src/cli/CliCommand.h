@@ -28,5 +28,6 @@ QList<CliCommand> ShellCommands();
 QList<CliCommand> RecordCommands();
 QList<CliCommand> ConfigCommands();
 QList<CliCommand> UpdateCommands();
+QList<CliCommand> ArchiveCommands();
 
 } // namespace kalvo::cli

@@ -1,6 +1,8 @@
 // What every kalvo-cli command works with: options, the prompter, the transport and the link.
 #include "CliContext.h"
 
+#include "archive/Archive.h"
+#include "archive/RecordImport.h"
 #include "link/Errors.h"
 #include "link/PortNames.h"
 #include "link/SerialTransport.h"
@@ -68,6 +70,33 @@ QString CliContext::portName() const
     if (!m_options.port.isEmpty())
         return m_options.port;
     return shell::ReadSettings().portName;
+}
+
+archive::Archive &CliContext::archive()
+{
+    if (!m_archive) {
+        const QString url =
+            m_options.archiveUrl.isEmpty() ? archive::ReadArchiveSettings().url : m_options.archiveUrl;
+        m_archive = std::make_unique<archive::Archive>(archive::ParseArchiveUrl(url));
+    }
+    return *m_archive;
+}
+
+bool CliContext::KeepInArchive(const QList<QByteArray> &records, const archive::RecordSource &source)
+{
+    if (records.isEmpty() || m_options.noArchive ||
+        (m_options.archiveUrl.isEmpty() && !archive::ReadArchiveSettings().enabled))
+        return true;
+    try {
+        const archive::ImportResult result = archive::ImportRecords(archive(), records, source);
+        for (const QString &refused : result.refused)
+            m_prompter.message(QStringLiteral("Nicht ins Archiv: %1").arg(refused),
+                               link::Prompter::Icon::Warning);
+        return true;
+    } catch (const link::KalvoError &e) {
+        m_prompter.message(e.message(), link::Prompter::Icon::Critical);
+        return false;
+    }
 }
 
 } // namespace kalvo::cli
