@@ -122,6 +122,9 @@ void Archive::Connect()
         tables.finish();
         Exec(QStringLiteral("PRAGMA journal_mode = WAL"));
         Exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
+        // 32 MB of page cache: the indexes of a large archive stay in memory during an import (the
+        // default 2 MB makes an import of a million records a third slower).
+        Exec(QStringLiteral("PRAGMA cache_size = -32768"));
     }
 }
 
