@@ -64,15 +64,22 @@ Where WhereFor(const ArchiveFilter &filter)
     if (filter.to.isValid())
         add("r.tested_at < ?", TimestampValue(filter.to.addDays(1).startOfDay(Qt::UTC)));
     if (filter.dueBefore.isValid())
-        add("d.last_record_id = r.id AND d.next_test < ?", DateValue(filter.dueBefore));
+        add("d.next_test < ?", DateValue(filter.dueBefore));
     return where;
+}
+
+// A due list starts from the devices (their next test is indexed) and takes each one's latest
+// record; every other search starts from the records.
+QString FromSql(const ArchiveFilter &filter)
+{
+    return filter.dueBefore.isValid()
+               ? QStringLiteral(" FROM devices d JOIN records r ON r.id = d.last_record_id")
+               : QStringLiteral(" FROM records r LEFT JOIN devices d ON d.device_id = r.device_id");
 }
 
 QString SelectSql(const ArchiveFilter &filter, const Where &where, int limit, qint64 offset)
 {
-    QString sql = QStringLiteral("SELECT %1 FROM records r LEFT JOIN devices d ON d.device_id = r.device_id")
-                      .arg(QLatin1String(kColumns)) +
-                  where.Sql();
+    QString sql = QStringLiteral("SELECT ") + QLatin1String(kColumns) + FromSql(filter) + where.Sql();
     sql += filter.dueBefore.isValid() ? QStringLiteral(" ORDER BY d.next_test, r.id")
                                       : QStringLiteral(" ORDER BY r.tested_at DESC NULLS LAST, r.id DESC");
     if (limit > 0)
@@ -160,11 +167,8 @@ void ForEachRecord(Archive &archive, const ArchiveFilter &filter,
 qint64 CountRecords(Archive &archive, const ArchiveFilter &filter)
 {
     const Where where = WhereFor(filter);
-    QSqlQuery query = RunWhere(
-        archive,
-        QStringLiteral("SELECT count(*) FROM records r LEFT JOIN devices d ON d.device_id = r.device_id") +
-            where.Sql(),
-        where.values);
+    QSqlQuery query =
+        RunWhere(archive, QStringLiteral("SELECT count(*)") + FromSql(filter) + where.Sql(), where.values);
     return query.next() ? query.value(0).toLongLong() : 0;
 }
 

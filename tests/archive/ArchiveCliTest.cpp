@@ -18,13 +18,8 @@ using namespace kalvo::testing;
 
 namespace {
 
-class ArchiveCliTest : public ::testing::TestWithParam<Backend> {
+class ArchiveCliTest : public OnBothBackends {
 protected:
-    void SetUp() override
-    {
-        m_place = std::make_unique<ArchivePlace>(GetParam());
-        ASSERT_TRUE(m_place->error().isEmpty()) << m_place->error().toStdString();
-    }
     RunResult Cli(const QStringList &arguments)
     {
         return RunProgram(QStringLiteral("kalvo-cli"),
@@ -33,7 +28,6 @@ protected:
     QString File(const char *name) const { return m_dir.filePath(QString::fromLatin1(name)); }
 
     QTemporaryDir m_dir;
-    std::unique_ptr<ArchivePlace> m_place;
 };
 
 TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndNextTest)

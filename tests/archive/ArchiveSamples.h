@@ -89,4 +89,15 @@ private:
     QString m_error;
 };
 
+// A test that runs once on each backend, with a fresh archive place.
+class OnBothBackends : public ::testing::TestWithParam<Backend> {
+protected:
+    void SetUp() override
+    {
+        m_place = std::make_unique<ArchivePlace>(GetParam());
+        ASSERT_TRUE(m_place->error().isEmpty()) << m_place->error().toStdString();
+    }
+    std::unique_ptr<ArchivePlace> m_place;
+};
+
 } // namespace kalvo::testing

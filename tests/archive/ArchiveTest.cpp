@@ -14,13 +14,13 @@ using namespace kalvo::testing;
 
 namespace {
 
-class ArchiveTest : public ::testing::TestWithParam<Backend> {
+class ArchiveTest : public OnBothBackends {
 protected:
     void SetUp() override
     {
-        m_place = std::make_unique<ArchivePlace>(GetParam());
-        ASSERT_TRUE(m_place->error().isEmpty()) << m_place->error().toStdString();
-        m_archive = m_place->Open();
+        OnBothBackends::SetUp();
+        if (!HasFatalFailure())
+            m_archive = m_place->Open();
     }
     Archive &archive() { return *m_archive; }
     QStringList Devices(const ArchiveFilter &filter)
@@ -31,7 +31,6 @@ protected:
         return devices;
     }
 
-    std::unique_ptr<ArchivePlace> m_place;
     std::unique_ptr<Archive> m_archive;
 };
 
