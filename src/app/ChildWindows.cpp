@@ -2,6 +2,8 @@
 // from the parts their subsystems bring.
 #include "ChildWindows.h"
 
+#include "archive/ArchiveLocation.h"
+#include "archive/ui/ArchiveWindow.h"
 #include "config/ui/ServiceConfigPanel.h"
 #include "gui/DeviceThread.h"
 #include "gui/WindowPlacement.h"
@@ -94,6 +96,23 @@ modem::ui::ModemWindow *ChildWindows::OpenModem(const link::LanguageTable &texts
     return m_modem;
 }
 
+archive::ui::ArchiveWindow *ChildWindows::OpenArchive()
+{
+    if (!m_archive) {
+        archive::ArchiveTarget target;
+        try {
+            target = archive::ParseArchiveUrl(archive::ReadArchiveSettings().url);
+        } catch (const link::KalvoError &) {
+            // A bad address in the settings: the window opens on the default file and says so there.
+            target = archive::ParseArchiveUrl(QString());
+        }
+        m_archive = new archive::ui::ArchiveWindow(target);
+        m_archive->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    Present(m_archive);
+    return m_archive;
+}
+
 void ChildWindows::ShowHelp(const QString &path, const QString &title)
 {
     if (!m_help)
@@ -135,6 +154,7 @@ void ChildWindows::CloseAll()
     delete m_service;
     delete m_records;
     delete m_modem;
+    delete m_archive;
     delete m_help;
 }
 

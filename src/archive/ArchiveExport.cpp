@@ -89,7 +89,11 @@ QString CsvLine(const QStringList &cells)
     return quoted.join(QLatin1Char(';'));
 }
 
-qint64 ExportArchiveCsv(Archive &archive, const ArchiveFilter &filter, const QString &path)
+namespace {
+
+// Writes the header and a line for each record `rows` hands over, through QSaveFile.
+qint64 WriteCsv(const QString &path,
+                const std::function<void(const std::function<void(const ArchivedRecord &)> &)> &rows)
 {
     QSaveFile file(path);
     const auto failed = [&](const QString &reason) {
@@ -101,13 +105,30 @@ qint64 ExportArchiveCsv(Archive &archive, const ArchiveFilter &filter, const QSt
     const auto line = [&file](const QString &text) { file.write((text + QLatin1String("\r\n")).toUtf8()); };
     file.write("\xEF\xBB\xBF"); // spreadsheets take the file for UTF-8 only with it
     line(CsvLine(CsvColumns()));
-    ForEachRecord(archive, filter, [&](const ArchivedRecord &record) {
+    rows([&](const ArchivedRecord &record) {
         line(CsvLine(CsvCells(record)));
         ++count;
     });
     if (!file.commit())
         throw failed(file.errorString());
     return count;
+}
+
+} // namespace
+
+qint64 ExportArchiveCsv(Archive &archive, const ArchiveFilter &filter, const QString &path)
+{
+    return WriteCsv(path, [&](const std::function<void(const ArchivedRecord &)> &row) {
+        ForEachRecord(archive, filter, row);
+    });
+}
+
+qint64 WriteArchiveCsv(const QList<ArchivedRecord> &records, const QString &path)
+{
+    return WriteCsv(path, [&](const std::function<void(const ArchivedRecord &)> &row) {
+        for (const ArchivedRecord &record : records)
+            row(record);
+    });
 }
 
 QString ReportWithHash(const QByteArray &raw, const QByteArray &sha256)

@@ -22,6 +22,8 @@ QStringList CsvCells(const ArchivedRecord &record);
 // Writes the records `filter` finds to `path` through QSaveFile: UTF-8 with BOM, a header line, one
 // line per record, CR LF. Returns how many; the old file stays when anything fails (ArchiveError).
 qint64 ExportArchiveCsv(Archive &archive, const ArchiveFilter &filter, const QString &path);
+// The same for records already found (a selection of a window).
+qint64 WriteArchiveCsv(const QList<ArchivedRecord> &records, const QString &path);
 
 // The record's report as the record window lays it out, with its SHA-256 under it, so that a
 // printed report can be matched to the stored bytes. Throws what the records decoder throws.

@@ -23,6 +23,7 @@ constexpr int kVerifyBatch = 500;
 struct Where {
     QStringList conditions;
     QVariantList values;
+    bool onRecords = false; // a condition on the records' columns, not only on the devices
     QString Sql() const
     {
         return conditions.isEmpty() ? QString()
@@ -46,6 +47,7 @@ Where WhereFor(const ArchiveFilter &filter)
     const auto add = [&where](const char *condition, const QVariant &value) {
         where.conditions << QString::fromLatin1(condition);
         where.values << value;
+        where.onRecords = where.onRecords || condition[0] == 'r';
     };
     if (!filter.deviceId.isEmpty())
         add("r.device_id = ?", filter.deviceId);

@@ -1,5 +1,6 @@
-// The archive tests need an application: the SQL drivers are plugins, and PDFs need fonts.
-#include <QGuiApplication>
+// The archive tests need an application: the SQL drivers are plugins, PDFs need fonts, the window
+// widgets.
+#include <QApplication>
 
 #include <gtest/gtest.h>
 
@@ -7,7 +8,7 @@ int main(int argc, char **argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
+    QApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }
