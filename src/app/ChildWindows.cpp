@@ -3,6 +3,7 @@
 #include "ChildWindows.h"
 
 #include "archive/ArchiveLocation.h"
+#include "archive/RecordKeeping.h"
 #include "archive/ui/ArchiveWindow.h"
 #include "config/ui/ServiceConfigPanel.h"
 #include "gui/DeviceThread.h"
@@ -17,6 +18,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 
 #include <QWidget>
 
@@ -54,8 +56,10 @@ shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &t
             [service](const QString &text, bool clearFirst) { service->ShowInTerminal(text, clearFirst); },
             [service](const QString &command) { service->ShowCommand(command); });
         m_service->AddConfigPanel(m_servicePanel, m_servicePanel->actions());
-        m_service->AddRecordReader(new records::ui::RecordReadAction(
-            m_device, m_service, [service](const QString &text) { service->ShowInTerminal(text, false); }));
+        auto *reader = new records::ui::RecordReadAction(
+            m_device, m_service, [service](const QString &text) { service->ShowInTerminal(text, false); });
+        connect(reader, &records::ui::RecordReadAction::recordsRead, this, &ChildWindows::KeepInArchive);
+        m_service->AddRecordReader(reader);
         m_servicePanel->ApplyTexts(texts);
         m_service->ApplyTexts(texts);
         connect(m_service, &shell::ui::ServiceWindow::terminalOpened, this, &ChildWindows::terminalOpened);
@@ -73,6 +77,7 @@ records::ui::RecordWindow *ChildWindows::OpenRecords(const QString &language)
     if (!m_records) {
         m_records = new records::ui::RecordWindow(m_device, m_programDir);
         m_records->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_records, &records::ui::RecordWindow::recordsRead, this, &ChildWindows::KeepInArchive);
         m_templates = new update::ui::TemplateTools(m_device, m_records->reportBox(), m_records);
         m_records->AddTemplateTools(m_templates->menu(), m_templates->fileLabel(),
                                     m_templates->numberEntry());
@@ -111,6 +116,17 @@ archive::ui::ArchiveWindow *ChildWindows::OpenArchive()
     }
     Present(m_archive);
     return m_archive;
+}
+
+void ChildWindows::KeepInArchive(const QList<QByteArray> &records, const QString &file, bool fromAccessory)
+{
+    const archive::RecordSource source{QString(), QString(),
+                                       fromAccessory ? QStringLiteral("KYM") : QString(), file};
+    const archive::KeepOutcome outcome = archive::KeepReadRecords(records, source);
+    if (!outcome.messages.isEmpty())
+        QMessageBox::warning(m_main, QStringLiteral("Archiv"), outcome.messages.join(QLatin1Char('\n')));
+    if (outcome.kept && m_archive)
+        m_archive->Search();
 }
 
 void ChildWindows::ShowHelp(const QString &path, const QString &title)

@@ -63,6 +63,8 @@ signals:
 
 private:
     void Present(QWidget *window);
+    // Records a window read go into the archive too; the user is told what could not be kept.
+    void KeepInArchive(const QList<QByteArray> &records, const QString &file, bool fromAccessory);
 
     gui::DeviceThread &m_device;
     QWidget *m_main;

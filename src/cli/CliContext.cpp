@@ -2,7 +2,7 @@
 #include "CliContext.h"
 
 #include "archive/Archive.h"
-#include "archive/RecordImport.h"
+#include "archive/RecordKeeping.h"
 #include "link/Errors.h"
 #include "link/PortNames.h"
 #include "link/SerialTransport.h"
@@ -84,19 +84,12 @@ archive::Archive &CliContext::archive()
 
 bool CliContext::KeepInArchive(const QList<QByteArray> &records, const archive::RecordSource &source)
 {
-    if (records.isEmpty() || m_options.noArchive ||
-        (m_options.archiveUrl.isEmpty() && !archive::ReadArchiveSettings().enabled))
-        return true;
-    try {
-        const archive::ImportResult result = archive::ImportRecords(archive(), records, source);
-        for (const QString &refused : result.refused)
-            m_prompter.message(QStringLiteral("Nicht ins Archiv: %1").arg(refused),
-                               link::Prompter::Icon::Warning);
-        return true;
-    } catch (const link::KalvoError &e) {
-        m_prompter.message(e.message(), link::Prompter::Icon::Critical);
-        return false;
-    }
+    const archive::KeepOutcome outcome =
+        archive::KeepReadRecords(records, source, m_options.archiveUrl, m_options.noArchive);
+    for (const QString &message : outcome.messages)
+        m_prompter.message(message,
+                           outcome.failed ? link::Prompter::Icon::Critical : link::Prompter::Icon::Warning);
+    return !outcome.failed;
 }
 
 } // namespace kalvo::cli
