@@ -144,9 +144,7 @@ void Archive::Run(QSqlQuery &query, std::initializer_list<QVariant> values)
     for (const QVariant &value : values)
         query.bindValue(i++, value);
     if (!query.exec())
-        throw Failure(QStringLiteral("ausführen von \"%1\"").arg(query.lastQuery().simplified().left(80)),
-                      Reason(query.lastError()) +
-                          QStringLiteral(" [%1]").arg(query.lastError().nativeErrorCode()));
+        throw StatementFailure(query.lastQuery(), query.lastError());
 }
 
 QSqlQuery Archive::Exec(const QString &sql, std::initializer_list<QVariant> values)
@@ -155,9 +153,7 @@ QSqlQuery Archive::Exec(const QString &sql, std::initializer_list<QVariant> valu
     query.setForwardOnly(true);
     if (values.size() == 0) {
         if (!query.exec(sql))
-            throw Failure(QStringLiteral("ausführen von \"%1\"").arg(sql.simplified().left(80)),
-                          Reason(query.lastError()) +
-                              QStringLiteral(" [%1]").arg(query.lastError().nativeErrorCode()));
+            throw StatementFailure(sql, query.lastError());
         return query;
     }
     query = Prepare(sql);
@@ -189,8 +185,7 @@ void Archive::InTransaction(const std::function<void()> &work)
             return;
         } catch (const ArchiveError &e) {
             QSqlQuery(m_db).exec(QStringLiteral("ROLLBACK"));
-            const QString code = e.text().section(QLatin1Char('['), -1).chopped(1);
-            if (attempt >= kAttempts || !IsRetryable(code))
+            if (attempt >= kAttempts || !IsRetryable(e.nativeCode()))
                 throw;
             QThread::msleep(20 * attempt);
         } catch (...) {
@@ -198,6 +193,14 @@ void Archive::InTransaction(const std::function<void()> &work)
             throw;
         }
     }
+}
+
+ArchiveError Archive::StatementFailure(const QString &sql, const QSqlError &error) const
+{
+    const ArchiveError failure =
+        Failure(QStringLiteral("ausführen von \"%1\"").arg(sql.simplified().left(80)),
+                Reason(error) + QStringLiteral(" [%1]").arg(error.nativeErrorCode()));
+    return ArchiveError(failure.text(), error.nativeErrorCode());
 }
 
 ArchiveError Archive::Failure(const QString &what, const QString &reason) const

@@ -5,6 +5,7 @@
 #include "ArchiveTypes.h"
 
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
 #include <QVariant>
@@ -48,6 +49,8 @@ public:
     ArchiveError Failure(const QString &what, const QString &reason) const;
 
 private:
+    // A statement failed: the error names it, the driver's reason and its code.
+    ArchiveError StatementFailure(const QString &sql, const QSqlError &error) const;
     void Connect();
     void Begin();
     bool IsRetryable(const QString &nativeCode) const;

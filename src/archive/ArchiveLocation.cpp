@@ -50,7 +50,8 @@ ArchiveTarget PostgresTarget(const QString &url)
 
 } // namespace
 
-ArchiveError::ArchiveError(const QString &text) : KalvoError(kArchiveErrorNumber, text)
+ArchiveError::ArchiveError(const QString &text, const QString &nativeCode)
+    : KalvoError(kArchiveErrorNumber, text), m_nativeCode(nativeCode)
 {}
 
 QString ArchiveTarget::Describe() const

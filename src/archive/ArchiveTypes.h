@@ -17,7 +17,12 @@ constexpr int kArchiveErrorNumber = 31985;
 // The archive cannot be opened, read or written; the message names the archive and the cause.
 class ArchiveError : public link::KalvoError {
 public:
-    explicit ArchiveError(const QString &text);
+    // `nativeCode`: the database's own code of the failure (SQLite's number, PostgreSQL's SQLSTATE).
+    explicit ArchiveError(const QString &text, const QString &nativeCode = QString());
+    const QString &nativeCode() const { return m_nativeCode; }
+
+private:
+    QString m_nativeCode;
 };
 
 // Where a record came from. Empty fields are unknown.

@@ -76,6 +76,16 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
     const RunResult due = Cli({"archive", "due", "--before", "2010-01-13"});
     EXPECT_TRUE(due.out.contains(QStringLiteral("2010-01-12\tE-0815\t"))) << due.out.toStdString();
     EXPECT_FALSE(Cli({"archive", "due", "--before", "2010-01-12"}).out.contains(QStringLiteral("E-0815")));
+
+    // Its own interval moves its next test; "default" gives it back to the regulation's.
+    EXPECT_EQ(Cli({"archive", "interval", "--device", "E-0815", "6"}).exitCode, 0);
+    EXPECT_TRUE(Cli({"archive", "list", "--device", "E-0815"})
+                    .out.contains(QStringLiteral("nächste Prüfung 2009-07-12")));
+    EXPECT_TRUE(Cli({"archive", "interval"}).out.contains(QStringLiteral("6 Monate\tGerät E-0815")));
+    EXPECT_EQ(Cli({"archive", "interval", "--device", "E-0815", "default"}).exitCode, 0);
+    EXPECT_TRUE(Cli({"archive", "due", "--before", "2010-01-13"}).out.contains(QStringLiteral("E-0815")));
+    EXPECT_EQ(Cli({"archive", "interval", "--regulation", "DIN VDE 0702", "0"}).exitCode, 1);
+    EXPECT_EQ(Cli({"archive", "list", "--since", "gestern"}).exitCode, 2);
 }
 
 TEST_P(ArchiveCliTest, NoArchiveLeavesItAlone)
