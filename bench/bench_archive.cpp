@@ -130,12 +130,17 @@ void SearchMillion(const QString &path)
         [&](int i) { due += archive::DueDevices(archive, QDate(2025, 1, 1).addDays(i * 5), 200).size(); });
     std::printf("due devices, first 200:            %6.2f ms mean, %6.2f ms worst   (goal: under 50)\n",
                 devicesMean, devicesWorst);
-    const auto start = Clock::now();
-    archive::ArchiveFilter dueFilter;
-    dueFilter.dueBefore = QDate(2025, 7, 1);
-    const qint64 count = archive::CountRecords(archive, dueFilter);
-    std::printf("count of devices due before 7/2025:  %6.2f ms (%lld devices)\n",
-                Seconds(Clock::now() - start).count() * 1000, static_cast<long long>(count));
+    // The window counts what a search finds before it shows the first page.
+    qint64 count = 0;
+    const auto [countMean, countWorst] = Millis([&](int i) {
+        archive::ArchiveFilter filter;
+        filter.dueBefore = QDate(2025, 1, 1).addDays(i * 5);
+        count = archive::CountRecords(archive, filter);
+    });
+    std::printf("count of due devices:              %6.2f ms mean, %6.2f ms worst (the last: %lld devices)\n",
+                countMean, countWorst, static_cast<long long>(count));
+    const auto [allMean, allWorst] = Millis([&](int) { count = archive::CountRecords(archive, {}); });
+    std::printf("count of all records:              %6.2f ms mean, %6.2f ms worst\n", allMean, allWorst);
 }
 
 } // namespace

@@ -169,8 +169,10 @@ void ForEachRecord(Archive &archive, const ArchiveFilter &filter,
 qint64 CountRecords(Archive &archive, const ArchiveFilter &filter)
 {
     const Where where = WhereFor(filter);
-    QSqlQuery query =
-        RunWhere(archive, QStringLiteral("SELECT count(*)") + FromSql(filter) + where.Sql(), where.values);
+    // Counting due devices needs no record: each device has exactly one latest.
+    const QString from =
+        filter.dueBefore.isValid() && !where.onRecords ? QStringLiteral(" FROM devices d") : FromSql(filter);
+    QSqlQuery query = RunWhere(archive, QStringLiteral("SELECT count(*)") + from + where.Sql(), where.values);
     return query.next() ? query.value(0).toLongLong() : 0;
 }
 
