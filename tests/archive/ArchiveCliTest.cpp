@@ -160,22 +160,35 @@ TEST_P(ArchiveCliTest, TwoProgramsImportingTheSameThousandRecordsStoreEachOnce)
 INSTANTIATE_TEST_SUITE_P(Both, ArchiveCliTest, ::testing::Values(Backend::SQLite, Backend::PostgreSQL),
                          BackendName);
 
-TEST(ArchiveCliFile, ACorruptArchiveIsNamedAndKeptAndTheRecordFileIsStillWritten)
+TEST(ArchiveCliFile, ABrokenArchiveIsNamedAndKeptAndTheRecordFileIsStillWritten)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("archive.sqlite"));
     const QByteArray junk = QByteArray("SQLite format 3\0", 16) + QByteArray(8192, '\x5A');
     ASSERT_TRUE(WriteFile(path, junk));
+    const struct {
+        QString url;
+        QString named; // what the message names
+    } archives[] = {
+        {path, QStringLiteral("Archiv ") + path},
+        {QStringLiteral("postgresql://kalvo@localhost/archiv?host=") +
+             dir.filePath(QStringLiteral("kein-server")),
+         QStringLiteral("Archiv postgresql://kalvo@") + dir.filePath(QStringLiteral("kein-server"))},
+    };
     SimProcess sim;
     ASSERT_TRUE(sim.started());
-    const RunResult read =
-        RunCli(sim, {"--archive", path, "records", "read-all", dir.filePath(QStringLiteral("a.txt"))});
-    EXPECT_EQ(read.exitCode, 1);
-    EXPECT_TRUE(read.err.contains(QStringLiteral("Archiv ") + path)) << read.err.toStdString();
-    EXPECT_EQ(ReadFile(path), junk);
-    EXPECT_GT(records::LoadRecordFile(dir.filePath(QStringLiteral("a.txt"))).size(), 5);
-    const RunResult list = RunProgram(QStringLiteral("kalvo-cli"), {"--archive", path, "archive", "list"});
-    EXPECT_EQ(list.exitCode, 1);
+    for (const auto &archive : archives) {
+        const QString file = dir.filePath(QStringLiteral("a.txt"));
+        QFile::remove(file);
+        const RunResult read = RunCli(sim, {"--archive", archive.url, "records", "read-all", file});
+        EXPECT_EQ(read.exitCode, 1) << archive.url.toStdString();
+        EXPECT_TRUE(read.err.contains(archive.named)) << read.err.toStdString();
+        EXPECT_GT(records::LoadRecordFile(file).size(), 5);
+        const RunResult list =
+            RunProgram(QStringLiteral("kalvo-cli"), {"--archive", archive.url, "archive", "list"});
+        EXPECT_EQ(list.exitCode, 1);
+        EXPECT_TRUE(list.err.contains(archive.named)) << list.err.toStdString();
+    }
     EXPECT_EQ(ReadFile(path), junk);
 }
 
