@@ -19,6 +19,8 @@ namespace {
 const char kTimestampFormat[] = "yyyy-MM-dd HH:mm:ss";
 const char kDateFormat[] = "yyyy-MM-dd";
 constexpr int kAttempts = 6;
+constexpr int kJournalRetryMs = 50;
+constexpr int kJournalWaitMs = 30'000;
 
 QString NextConnectionName()
 {
@@ -120,7 +122,18 @@ void Archive::Connect()
                                          "(keine Tabelle schema_version); sie bleibt "
                                          "unverändert"));
         tables.finish();
-        Exec(QStringLiteral("PRAGMA journal_mode = WAL"));
+        // Changing the journal needs the file to itself: a second program creating the archive at the
+        // same moment makes it busy, and SQLite does not wait for that by itself.
+        for (int attempt = 1;; ++attempt) {
+            try {
+                Exec(QStringLiteral("PRAGMA journal_mode = WAL"));
+                break;
+            } catch (const ArchiveError &e) {
+                if (attempt * kJournalRetryMs >= kJournalWaitMs || !IsRetryable(e.nativeCode()))
+                    throw;
+                QThread::msleep(kJournalRetryMs);
+            }
+        }
         Exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
         // 32 MB of page cache: the indexes of a large archive stay in memory during an import (the
         // default 2 MB makes an import of a million records a third slower).

@@ -8,7 +8,11 @@
 #include "records/RecordDecoding.h"
 
 #include <QCryptographicHash>
+#include <QHash>
+#include <QMap>
 #include <QSqlQuery>
+
+#include <map>
 
 namespace kalvo::archive {
 
@@ -45,24 +49,58 @@ QList<int> Numbers(const QByteArray &text, char separator)
     return numbers;
 }
 
+// Rows a statement inserts: one round trip to a server for many records, and fewer statements for
+// SQLite to step through (26 values a row stay far below either database's limit).
+constexpr int kRowsPerStatement = 64;
+
 const char kInsertRecord[] =
     "INSERT INTO records (sha256, raw, tester_name, device_id, device_type, tested_at, regulation, failed,"
     " protection_class, applied_part, accessory_kind, accessory_type, maker, accessory_device_id, customer,"
     " street, post_code, town, source_tester, source_serial, source_accessory, source_file, imported_at,"
-    " type_key, customer_key, search_key)"
-    " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"
-    " ON CONFLICT (sha256) DO NOTHING RETURNING id";
+    " type_key, customer_key, search_key) VALUES %1"
+    " ON CONFLICT (sha256) DO NOTHING RETURNING id, sha256";
+const int kRecordColumns = 26;
 
 // The device's row follows its newest test; an older record read later leaves it alone.
 const char kUpsertDevice[] =
     "INSERT INTO devices (device_id, device_type, regulation, last_tested_at, last_record_id, next_test)"
-    " VALUES (?, ?, ?, ?, ?, ?)"
+    " VALUES %1"
     " ON CONFLICT (device_id) DO UPDATE SET device_type = excluded.device_type,"
     " regulation = excluded.regulation, last_tested_at = excluded.last_tested_at,"
     " last_record_id = excluded.last_record_id, next_test = excluded.next_test"
     " WHERE excluded.last_tested_at > devices.last_tested_at"
     " OR (excluded.last_tested_at = devices.last_tested_at AND excluded.last_record_id > "
     "devices.last_record_id)";
+const int kDeviceColumns = 6;
+
+// `sql` with its %1 replaced by `rows` groups of `columns` placeholders.
+QString MultiRow(const char *sql, int rows, int columns)
+{
+    const QString group = QLatin1Char('(') +
+                          QStringList(columns, QStringLiteral("?")).join(QLatin1Char(',')) + QLatin1Char(')');
+    return QString::fromLatin1(sql).arg(QStringList(rows, group).join(QLatin1Char(',')));
+}
+
+// Prepared statements by their number of rows, made when first needed and kept for the import.
+class Statements {
+public:
+    Statements(Archive &archive, const char *sql, int columns)
+        : m_archive(archive), m_sql(sql), m_columns(columns)
+    {}
+    QSqlQuery &ForRows(int rows)
+    {
+        auto it = m_prepared.find(rows);
+        if (it == m_prepared.end())
+            it = m_prepared.emplace(rows, m_archive.Prepare(MultiRow(m_sql, rows, m_columns))).first;
+        return it->second;
+    }
+
+private:
+    Archive &m_archive;
+    const char *m_sql;
+    int m_columns;
+    std::map<int, QSqlQuery> m_prepared;
+};
 
 // Text columns hold "" rather than NULL for what a record does not say.
 QString Text(const QString &text)
@@ -149,53 +187,87 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
         }
     }
     const QVariant importedAt = TimestampValue(QDateTime::currentDateTimeUtc());
+    const auto recordValues = [&](qsizetype k) {
+        const ArchivedRecord &r = described[k];
+        return QVariantList{QString::fromLatin1(r.sha256),
+                            records[rawIndex[k]],
+                            Text(r.testerName),
+                            Text(r.deviceId),
+                            Text(r.deviceType),
+                            TimestampValue(r.testedAt),
+                            Text(r.regulation),
+                            r.failed ? 1 : 0,
+                            Text(r.protectionClass),
+                            Text(r.appliedPart),
+                            Text(r.accessoryKind),
+                            Text(r.accessoryType),
+                            Text(r.maker),
+                            Text(r.accessoryDeviceId),
+                            Text(r.customer),
+                            Text(r.street),
+                            Text(r.postCode),
+                            Text(r.town),
+                            Text(source.tester),
+                            Text(source.testerSerial),
+                            Text(source.accessory),
+                            Text(source.file),
+                            importedAt,
+                            Text(r.deviceType.toLower()),
+                            Text(r.customer.toLower()),
+                            SearchKey(r)};
+    };
     // Prepared outside the transaction, so that they outlive its rollback (PostgreSQL cannot free a
     // statement inside a failed transaction).
-    QSqlQuery insert = archive.Prepare(QString::fromLatin1(kInsertRecord));
-    QSqlQuery device = archive.Prepare(QString::fromLatin1(kUpsertDevice));
+    Statements inserts(archive, kInsertRecord, kRecordColumns);
+    Statements devices(archive, kUpsertDevice, kDeviceColumns);
     archive.InTransaction([&] {
         result.added = result.known = 0; // a retried transaction counts afresh
         const RetestIntervals intervals = LoadIntervals(archive);
-        for (qsizetype k = 0; k < described.size(); ++k) {
-            const ArchivedRecord &r = described[k];
-            archive.Run(insert, {QString::fromLatin1(r.sha256),
-                                 records[rawIndex[k]],
-                                 Text(r.testerName),
-                                 Text(r.deviceId),
-                                 Text(r.deviceType),
-                                 TimestampValue(r.testedAt),
-                                 Text(r.regulation),
-                                 r.failed ? 1 : 0,
-                                 Text(r.protectionClass),
-                                 Text(r.appliedPart),
-                                 Text(r.accessoryKind),
-                                 Text(r.accessoryType),
-                                 Text(r.maker),
-                                 Text(r.accessoryDeviceId),
-                                 Text(r.customer),
-                                 Text(r.street),
-                                 Text(r.postCode),
-                                 Text(r.town),
-                                 Text(source.tester),
-                                 Text(source.testerSerial),
-                                 Text(source.accessory),
-                                 Text(source.file),
-                                 importedAt,
-                                 Text(r.deviceType.toLower()),
-                                 Text(r.customer.toLower()),
-                                 SearchKey(r)});
-            if (!insert.next()) {
-                ++result.known;
-                continue;
-            }
-            const qint64 id = insert.value(0).toLongLong();
+        for (qsizetype first = 0; first < described.size(); first += kRowsPerStatement) {
+            const int rows =
+                static_cast<int>(std::min<qsizetype>(kRowsPerStatement, described.size() - first));
+            QSqlQuery &insert = inserts.ForRows(rows);
+            int position = 0;
+            for (qsizetype k = first; k < first + rows; ++k)
+                for (const QVariant &value : recordValues(k))
+                    insert.bindValue(position++, value);
+            archive.Run(insert);
+            // The rows the database kept, by hash: a record already there, or twice in this import,
+            // comes back once or not at all.
+            QHash<QByteArray, qint64> newIds;
+            while (insert.next())
+                newIds.insert(insert.value(1).toString().toLatin1(), insert.value(0).toLongLong());
             insert.finish();
-            ++result.added;
-            if (r.deviceId.isEmpty() || !r.testedAt.isValid())
-                continue; // no device to follow, or no date to count from
-            const int months = intervals.MonthsFor(r.deviceId, r.regulation);
-            archive.Run(device, {r.deviceId, r.deviceType, r.regulation, TimestampValue(r.testedAt), id,
-                                 DateValue(NextTestDate(r.testedAt.date(), months))});
+            // Each device once a statement, with its newest test of these rows.
+            QMap<QString, std::pair<qsizetype, qint64>> newest;
+            for (qsizetype k = first; k < first + rows; ++k) {
+                const ArchivedRecord &r = described[k];
+                const qint64 id = newIds.take(r.sha256);
+                if (id == 0) {
+                    ++result.known;
+                    continue;
+                }
+                ++result.added;
+                if (r.deviceId.isEmpty() || !r.testedAt.isValid())
+                    continue; // no device to follow, or no date to count from
+                const auto it = newest.constFind(r.deviceId);
+                if (it == newest.cend() || described[it->first].testedAt <= r.testedAt)
+                    newest.insert(r.deviceId, {k, id});
+            }
+            if (newest.isEmpty())
+                continue;
+            QSqlQuery &device = devices.ForRows(static_cast<int>(newest.size()));
+            position = 0;
+            for (const auto &[k, id] : std::as_const(newest)) {
+                const ArchivedRecord &r = described[k];
+                const int months = intervals.MonthsFor(r.deviceId, r.regulation);
+                for (const QVariant &value :
+                     {QVariant(r.deviceId), QVariant(r.deviceType), QVariant(r.regulation),
+                      TimestampValue(r.testedAt), QVariant(id),
+                      DateValue(NextTestDate(r.testedAt.date(), months))})
+                    device.bindValue(position++, value);
+            }
+            archive.Run(device);
         }
     });
     return result;
