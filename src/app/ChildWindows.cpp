@@ -2,6 +2,9 @@
 // from the parts their subsystems bring.
 #include "ChildWindows.h"
 
+#include "archive/ArchiveLocation.h"
+#include "archive/RecordKeeping.h"
+#include "archive/ui/ArchiveWindow.h"
 #include "config/ui/ServiceConfigPanel.h"
 #include "gui/DeviceThread.h"
 #include "gui/WindowPlacement.h"
@@ -15,6 +18,7 @@
 
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 
 #include <QWidget>
 
@@ -52,8 +56,10 @@ shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &t
             [service](const QString &text, bool clearFirst) { service->ShowInTerminal(text, clearFirst); },
             [service](const QString &command) { service->ShowCommand(command); });
         m_service->AddConfigPanel(m_servicePanel, m_servicePanel->actions());
-        m_service->AddRecordReader(new records::ui::RecordReadAction(
-            m_device, m_service, [service](const QString &text) { service->ShowInTerminal(text, false); }));
+        auto *reader = new records::ui::RecordReadAction(
+            m_device, m_service, [service](const QString &text) { service->ShowInTerminal(text, false); });
+        connect(reader, &records::ui::RecordReadAction::recordsRead, this, &ChildWindows::KeepInArchive);
+        m_service->AddRecordReader(reader);
         m_servicePanel->ApplyTexts(texts);
         m_service->ApplyTexts(texts);
         connect(m_service, &shell::ui::ServiceWindow::terminalOpened, this, &ChildWindows::terminalOpened);
@@ -71,6 +77,7 @@ records::ui::RecordWindow *ChildWindows::OpenRecords(const QString &language)
     if (!m_records) {
         m_records = new records::ui::RecordWindow(m_device, m_programDir);
         m_records->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_records, &records::ui::RecordWindow::recordsRead, this, &ChildWindows::KeepInArchive);
         m_templates = new update::ui::TemplateTools(m_device, m_records->reportBox(), m_records);
         m_records->AddTemplateTools(m_templates->menu(), m_templates->fileLabel(),
                                     m_templates->numberEntry());
@@ -92,6 +99,34 @@ modem::ui::ModemWindow *ChildWindows::OpenModem(const link::LanguageTable &texts
     }
     Present(m_modem);
     return m_modem;
+}
+
+archive::ui::ArchiveWindow *ChildWindows::OpenArchive()
+{
+    if (!m_archive) {
+        archive::ArchiveTarget target;
+        try {
+            target = archive::ParseArchiveUrl(archive::ReadArchiveSettings().url);
+        } catch (const link::KalvoError &) {
+            // A bad address in the settings: the window opens on the default file and says so there.
+            target = archive::ParseArchiveUrl(QString());
+        }
+        m_archive = new archive::ui::ArchiveWindow(target);
+        m_archive->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    Present(m_archive);
+    return m_archive;
+}
+
+void ChildWindows::KeepInArchive(const QList<QByteArray> &records, const QString &file, bool fromAccessory)
+{
+    const archive::RecordSource source{QString(), QString(),
+                                       fromAccessory ? QStringLiteral("KYM") : QString(), file};
+    const archive::KeepOutcome outcome = archive::KeepReadRecords(records, source);
+    if (!outcome.messages.isEmpty())
+        QMessageBox::warning(m_main, QStringLiteral("Archiv"), outcome.messages.join(QLatin1Char('\n')));
+    if (outcome.kept && m_archive)
+        m_archive->Search();
 }
 
 void ChildWindows::ShowHelp(const QString &path, const QString &title)
@@ -135,6 +170,7 @@ void ChildWindows::CloseAll()
     delete m_service;
     delete m_records;
     delete m_modem;
+    delete m_archive;
     delete m_help;
 }
 

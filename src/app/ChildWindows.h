@@ -23,6 +23,9 @@ class ServiceConfigPanel;
 namespace kalvo::records::ui {
 class RecordWindow;
 }
+namespace kalvo::archive::ui {
+class ArchiveWindow;
+}
 namespace kalvo::modem::ui {
 class ModemWindow;
 }
@@ -43,6 +46,8 @@ public:
     shell::ui::ServiceWindow *OpenService(const link::LanguageTable &texts, const QString &defaultBackupName);
     records::ui::RecordWindow *OpenRecords(const QString &language);
     modem::ui::ModemWindow *OpenModem(const link::LanguageTable &texts);
+    // The record archive named in the user settings (the SQLite file in the user's data folder).
+    archive::ui::ArchiveWindow *OpenArchive();
     void ShowHelp(const QString &path, const QString &title);
 
     void ApplyTexts(const link::LanguageTable &texts);
@@ -58,6 +63,8 @@ signals:
 
 private:
     void Present(QWidget *window);
+    // Records a window read go into the archive too; the user is told what could not be kept.
+    void KeepInArchive(const QList<QByteArray> &records, const QString &file, bool fromAccessory);
 
     gui::DeviceThread &m_device;
     QWidget *m_main;
@@ -67,6 +74,7 @@ private:
     QPointer<records::ui::RecordWindow> m_records;
     QPointer<update::ui::TemplateTools> m_templates; // a child of the record window
     QPointer<modem::ui::ModemWindow> m_modem;
+    QPointer<archive::ui::ArchiveWindow> m_archive;
     QPointer<shell::ui::HelpWindow> m_help;
 };
 

@@ -41,6 +41,9 @@ MainMenu::MainMenu(QMenuBar *bar) : QObject(bar)
     ubez = entry(limits, "Ubez");
     pzhv = entry(limits, "PZHV");
     records = entry(nullptr, "protokolle");
+    // The archive is this program's own and has no entry in the language file: one caption.
+    archive = entry(nullptr, "archiv");
+    archive->setText(QStringLiteral("Archiv"));
     service = entry(nullptr, "service");
 
     languages = new shell::ui::LanguageMenu(bar);

@@ -29,5 +29,6 @@ QList<CliCommand> RecordCommands();
 QList<CliCommand> ConfigCommands();
 QList<CliCommand> UpdateCommands();
 QList<CliCommand> SpecdbCommands();
+QList<CliCommand> ArchiveCommands();
 
 } // namespace kalvo::cli

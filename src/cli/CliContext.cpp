@@ -1,6 +1,8 @@
 // What every kalvo-cli command works with: options, the prompter, the transport and the link.
 #include "CliContext.h"
 
+#include "archive/Archive.h"
+#include "archive/RecordKeeping.h"
 #include "link/Errors.h"
 #include "link/PortNames.h"
 #include "link/SerialTransport.h"
@@ -70,6 +72,26 @@ QString CliContext::portName() const
     if (!m_options.port.isEmpty())
         return m_options.port;
     return shell::ReadSettings().portName;
+}
+
+archive::Archive &CliContext::archive()
+{
+    if (!m_archive) {
+        const QString url =
+            m_options.archiveUrl.isEmpty() ? archive::ReadArchiveSettings().url : m_options.archiveUrl;
+        m_archive = std::make_unique<archive::Archive>(archive::ParseArchiveUrl(url));
+    }
+    return *m_archive;
+}
+
+bool CliContext::KeepInArchive(const QList<QByteArray> &records, const archive::RecordSource &source)
+{
+    const archive::KeepOutcome outcome =
+        archive::KeepReadRecords(records, source, m_options.archiveUrl, m_options.noArchive);
+    for (const QString &message : outcome.messages)
+        m_prompter.message(message,
+                           outcome.failed ? link::Prompter::Icon::Critical : link::Prompter::Icon::Warning);
+    return !outcome.failed;
 }
 
 } // namespace kalvo::cli

@@ -3,12 +3,17 @@
 
 #include "CliOptions.h"
 #include "CliPrompter.h"
+#include "archive/ArchiveTypes.h"
 #include "link/LanguageTable.h"
 #include "link/Link.h"
 #include "link/Transport.h"
 
 #include <QTextStream>
 #include <memory>
+
+namespace kalvo::archive {
+class Archive;
+}
 
 namespace kalvo::cli {
 
@@ -27,6 +32,13 @@ public:
     void OpenPort();
     // The port to use: --port, else line 0 of Q417.ini, else "COM 1"; the simulator with --simulate.
     QString portName() const;
+    // The record archive: --archive, else the address in the user settings, else the SQLite file in
+    // the user's data folder; opened on first use. Throws ArchiveError.
+    archive::Archive &archive();
+    // Puts records just read into the archive as well, unless --no-archive or the settings switched
+    // that off. Records the archive cannot decode are named on stderr; false (said on stderr too)
+    // when the archive failed, so that the command can exit 1: the records were not archived.
+    bool KeepInArchive(const QList<QByteArray> &records, const archive::RecordSource &source);
 
 private:
     CliOptions m_options;
@@ -37,6 +49,7 @@ private:
     std::unique_ptr<link::Link> m_link;
     struct Simulator;
     std::unique_ptr<Simulator> m_simulator;
+    std::unique_ptr<archive::Archive> m_archive;
 };
 
 } // namespace kalvo::cli

@@ -6,14 +6,20 @@ namespace kalvo::cli {
 std::optional<CliOptions> ParseCliOptions(const QStringList &arguments, QString &error)
 {
     CliOptions options;
-    const std::pair<const char *, QString *> textOptions[] = {
-        {"--port", &options.port}, {"--trace", &options.traceFile}, {"--lang", &options.language}};
+    const std::pair<const char *, QString *> textOptions[] = {{"--port", &options.port},
+                                                              {"--trace", &options.traceFile},
+                                                              {"--lang", &options.language},
+                                                              {"--archive", &options.archiveUrl}};
     QString timeout;
     qsizetype i = 0;
     for (; i < arguments.size() && arguments[i].startsWith(QLatin1String("--")); ++i) {
         const QString &arg = arguments[i];
         if (arg == QLatin1String("--simulate")) {
             options.simulate = true;
+            continue;
+        }
+        if (arg == QLatin1String("--no-archive")) {
+            options.noArchive = true;
             continue;
         }
         if (arg == QLatin1String("--yes")) {

@@ -11,10 +11,12 @@ struct CliOptions {
     QString port; // empty: line 0 of Q417.ini, else "COM 1"
     bool simulate = false;
     double timeoutSeconds = 40;
-    bool yes = false;  // answer OK to every question
-    QString traceFile; // the development trace of received bytes
-    QString language;  // the program's language, by its language name
-    QStringList words; // the command, its action and its arguments
+    bool yes = false;       // answer OK to every question
+    QString traceFile;      // the development trace of received bytes
+    QString language;       // the program's language, by its language name
+    QString archiveUrl;     // the record archive; empty: as the user settings say
+    bool noArchive = false; // records read are not put into the archive
+    QStringList words;      // the command, its action and its arguments
 };
 
 // Global options stand before the command. Returns nullopt and sets `error` on a usage error.

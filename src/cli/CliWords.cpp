@@ -14,12 +14,14 @@ int NumberArgument(const QString &word, const QString &what)
     return value;
 }
 
-Words SplitWords(const QStringList &words, const QStringList &valueOptions)
+Words SplitWords(const QStringList &words, const QStringList &valueOptions, const QStringList &flagOptions)
 {
     Words result;
     for (qsizetype i = 0; i < words.size(); ++i) {
         if (!words[i].startsWith(QLatin1String("--"))) {
             result.positional << words[i];
+        } else if (flagOptions.contains(words[i])) {
+            result.flags << words[i];
         } else if (valueOptions.contains(words[i]) && i + 1 < words.size()) {
             result.options.insert(words[i], words[i + 1]);
             ++i;

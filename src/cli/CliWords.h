@@ -11,10 +11,13 @@ namespace kalvo::cli {
 struct Words {
     QStringList positional;
     QMap<QString, QString> options;
+    QStringList flags; // the `--name` switches given, of those allowed
 };
 
-// Splits `words`; an option that is not one of `valueOptions`, or has no value, is a UsageError.
-Words SplitWords(const QStringList &words, const QStringList &valueOptions);
+// Splits `words`; an option that is not one of `valueOptions` (which take a value) or `flagOptions`
+// (which take none), or a value option without its value, is a UsageError.
+Words SplitWords(const QStringList &words, const QStringList &valueOptions,
+                 const QStringList &flagOptions = {});
 
 // `word` as a whole number; a UsageError naming `what` when it is none.
 int NumberArgument(const QString &word, const QString &what);

@@ -23,6 +23,24 @@ int ExitFor(records::RetrievalStatus status)
     return status == records::RetrievalStatus::Done ? kExitDone : kExitFailed;
 }
 
+// Records read from the tester go into the archive as well as into their file.
+int ExitAfterArchiving(CliContext &context, const records::RetrievalResult &result, const QString &file,
+                       const QString &accessory = QString())
+{
+    if (result.status != records::RetrievalStatus::Done)
+        return kExitFailed;
+    const archive::RecordSource source{context.portName(), QString(), accessory,
+                                       QFileInfo(file).absoluteFilePath()};
+    return context.KeepInArchive(result.records, source) ? kExitDone : kExitFailed;
+}
+
+// Records of a record file that was loaded go into the archive too (each is kept once).
+bool ArchiveLoadedFile(CliContext &context, const QList<QByteArray> &records, const QString &file)
+{
+    return context.KeepInArchive(records,
+                                 {QString(), QString(), QString(), QFileInfo(file).absoluteFilePath()});
+}
+
 int ReadAll(CliContext &context, const QString &file)
 {
     context.prompter().PresetFile(file);
@@ -33,7 +51,7 @@ int ReadAll(CliContext &context, const QString &file)
                                  [&out](int number, const QByteArray &) { out << number << '\n'; });
     if (result.status == records::RetrievalStatus::Done)
         out << result.records.size() << " records -> " << QDir::toNativeSeparators(file) << '\n';
-    return ExitFor(result.status);
+    return ExitAfterArchiving(context, result, file);
 }
 
 int Records(CliContext &context, const QStringList &words)
@@ -62,7 +80,8 @@ int Records(CliContext &context, const QStringList &words)
     if (action == QLatin1String("current") && w.positional.size() == 2 && w.options.isEmpty()) {
         context.prompter().PresetFile(w.positional[1]);
         context.OpenPort();
-        return ExitFor(records::StoreCurrentRecord(context.link(), context.prompter()).status);
+        return ExitAfterArchiving(context, records::StoreCurrentRecord(context.link(), context.prompter()),
+                                  w.positional[1]);
     }
     if (action == QLatin1String("show") && w.positional.size() == 2) {
         const int record = NumberArgument(w.positional[1], QStringLiteral("N"));
@@ -85,6 +104,7 @@ int Report(CliContext &context, const QStringList &words)
     if (w.positional.size() != 1)
         throw UsageError{QStringLiteral("genau eine Protokolldatei")};
     const QList<QByteArray> all = records::LoadRecordFile(w.positional[0]);
+    int exitCode = ArchiveLoadedFile(context, all, w.positional[0]) ? kExitDone : kExitFailed;
     QList<QByteArray> chosen = all;
     if (w.options.contains(QStringLiteral("--record"))) {
         const int number =
@@ -95,7 +115,6 @@ int Report(CliContext &context, const QStringList &words)
     }
     QTextStream &out = context.out();
     QTextStream err(stderr);
-    int exitCode = kExitDone;
     // Each report is made, handed on and dropped: a file of many records never has all its
     // reports in memory at once. A refused record is named and skipped; the others still come.
     const auto eachReport = [&](const std::function<void(const QString &)> &use) {
@@ -142,7 +161,9 @@ int Kym(CliContext &context, const QStringList &words)
     QList<QByteArray> table = result.records.mid(0, records::kAccessoryTableSize);
     const auto stored =
         records::StoreAccessoryRecords(context.link(), context.prompter(), logTmp, table, QString());
-    return stored == records::StoreStatus::Written ? kExitDone : kExitFailed;
+    if (stored != records::StoreStatus::Written)
+        return kExitFailed;
+    return ExitAfterArchiving(context, result, words[1], QStringLiteral("KYM"));
 }
 
 int Csv(CliContext &context, const QStringList &words)
@@ -152,9 +173,10 @@ int Csv(CliContext &context, const QStringList &words)
         throw UsageError{QStringLiteral("eine Protokolldatei und eine Ausgabedatei")};
     // Every record of the file goes into the export, not only the first twelve the old table held.
     const QList<QByteArray> entries = records::LoadRecordFile(w.positional[0]);
+    const bool archived = ArchiveLoadedFile(context, entries, w.positional[0]);
     records::ExportCsvFile(w.positional[1], w.options.value(QStringLiteral("--header")), entries, QString());
     context.out() << entries.size() << " records -> " << QDir::toNativeSeparators(w.positional[1]) << '\n';
-    return kExitDone;
+    return archived ? kExitDone : kExitFailed;
 }
 
 } // namespace

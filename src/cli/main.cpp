@@ -20,13 +20,13 @@ namespace {
 QList<CliCommand> AllCommands()
 {
     return LinkCommands() + ShellCommands() + RecordCommands() + ConfigCommands() + UpdateCommands() +
-           SpecdbCommands();
+           SpecdbCommands() + ArchiveCommands();
 }
 
 void PrintHelp(QTextStream &out)
 {
     out << "kalvo-cli [--port NAME] [--simulate] [--timeout SECONDS] [--yes] [--trace FILE] [--lang NAME]\n"
-           "          <command> [arguments]\n\n";
+           "          [--archive URL] [--no-archive] <command> [arguments]\n\n";
     for (const CliCommand &command : AllCommands())
         out << "  " << command.name << ' ' << command.synopsis << "\n      " << command.summary << '\n';
     out << "  help\n      this list\n\n"

@@ -1,5 +1,8 @@
 // The record window offscreen against the virtual tester: the store, files, reports, PDF and CSV.
 #include "WindowFixture.h"
+#include "archive/ArchiveLocation.h"
+#include "archive/ui/ArchiveTableModel.h"
+#include "archive/ui/ArchiveWindow.h"
 #include "gui/DeviceThread.h"
 #include "link/Link.h"
 #include "records/RecordSamples.h"
@@ -141,6 +144,36 @@ TEST_F(RecordWindowTest, AReportBecomesAPdfAndTheRecordsACsvWithARowEach)
     ASSERT_EQ(rows.size(), 1 + 14 + 1) << ReadFile(Path("export.csv")).left(400).constData();
     EXPECT_TRUE(rows[1].startsWith(";")) << rows[1].left(40).constData();
     EXPECT_TRUE(rows.last().isEmpty());
+}
+
+TEST_F(RecordWindowTest, RecordsReadInTheWindowGoIntoTheArchiveOnceAndShowInTheWindowArchiv)
+{
+    archive::WriteArchiveSettings({true, Path("archiv.sqlite")});
+    OpenRecords();
+    m_dialogs.files.push_back(Path("alle.txt"));
+    Trigger("storeall");
+    ASSERT_TRUE(WaitUntil([&] { return List()->count() == 14; }));
+    // The same records once more, from the file just written: the archive keeps each once.
+    m_dialogs.files.push_back(Path("alle.txt"));
+    Trigger("ausDatei");
+
+    m_window->findChild<QAction *>(QStringLiteral("archiv"))->trigger();
+    archive::ui::ArchiveWindow *window = nullptr;
+    for (QWidget *w : QApplication::topLevelWidgets())
+        if (w->objectName() == QLatin1String("FRMArchiv"))
+            window = qobject_cast<archive::ui::ArchiveWindow *>(w);
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(window->model()->total(), 14) << window->status()->text().toStdString();
+    EXPECT_EQ(window->model()->record(13).source.file, QString()); // read from the tester
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
+
+    // Switched off, a read leaves the archive as it was.
+    archive::WriteArchiveSettings({false, Path("archiv.sqlite")});
+    ASSERT_TRUE(WriteFile(Path("neu.txt"), RecordText({{2, CodeString('0', '5')}, {3, "NEU-1"}})));
+    m_dialogs.files.push_back(Path("neu.txt"));
+    Trigger("ausDatei");
+    window->Search();
+    EXPECT_EQ(window->model()->total(), 14);
 }
 
 TEST_F(RecordWindowTest, TheAccessorysRecordsAreReadListedAndStored)

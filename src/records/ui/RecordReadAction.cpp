@@ -23,11 +23,16 @@ void RecordReadAction::ReadAll()
     m_device.Post(m_owner, text().remove(QLatin1Char('&')),
                   [this](link::Link &link, link::Prompter &prompter) {
                       // Each record shows as it arrives; the file is written at the end.
-                      ReadProtocols(link, prompter, [this](int, const QByteArray &record) {
-                          QMetaObject::invokeMethod(this, [this, text = link::DecodeTesterText(record)] {
-                              m_show(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+                      const RetrievalResult result =
+                          ReadProtocols(link, prompter, [this](int, const QByteArray &record) {
+                              QMetaObject::invokeMethod(this, [this, text = link::DecodeTesterText(record)] {
+                                  m_show(QString(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+                              });
                           });
-                      });
+                      if (result.status == RetrievalStatus::Done)
+                          QMetaObject::invokeMethod(this, [this, records = result.records] {
+                              emit recordsRead(records, QString(), false);
+                          });
                   });
 }
 

@@ -16,6 +16,10 @@ public:
     // `show` gets each record's text as it arrives; `owner` is the window the dialogs belong to.
     RecordReadAction(gui::DeviceThread &device, QWidget *owner, std::function<void(const QString &)> show);
 
+signals:
+    // Every record was read (and written to its file): for whoever keeps records.
+    void recordsRead(const QList<QByteArray> &records, const QString &file, bool fromAccessory);
+
 private:
     void ReadAll();
 

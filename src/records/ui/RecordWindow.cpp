@@ -253,7 +253,10 @@ void RecordWindow::StoreCurrentRecordToFile()
     Post(Entry("storesingle"), [this](link::Link &link, link::Prompter &prompter) {
         const RetrievalResult result = StoreCurrentRecord(link, prompter);
         if (result.status == RetrievalStatus::Done && !result.records.isEmpty())
-            OnWindow([this, record = result.records.first()] { ShowReport(link::DecodeRecordText(record)); });
+            OnWindow([this, records = result.records] {
+                ShowReport(link::DecodeRecordText(records.first()));
+                emit recordsRead(records, QString(), false);
+            });
     });
 }
 
@@ -298,7 +301,10 @@ void RecordWindow::StoreAllRecordsToFile()
         if (result.status != RetrievalStatus::Done)
             return Unlist();
         m_device.Tell(QString(read).arg(result.records.size()));
-        OnWindow([this, records = result.records] { ShowRecords(records, Source::Records); });
+        OnWindow([this, records = result.records] {
+            ShowRecords(records, Source::Records);
+            emit recordsRead(records, QString(), false);
+        });
     });
 }
 
@@ -313,7 +319,10 @@ void RecordWindow::ReadAccessory()
             });
         if (result.status != RetrievalStatus::Done)
             return Unlist();
-        OnWindow([this, records = result.records] { ShowRecords(records, Source::Records); });
+        OnWindow([this, records = result.records] {
+            ShowRecords(records, Source::Records);
+            emit recordsRead(records, QString(), true);
+        });
         // As after every accessory read, the records go to a file of the user's choice.
         StoreAccessoryRecords(link, prompter, logTmp, result.records, QString());
     });
@@ -349,7 +358,9 @@ void RecordWindow::LoadRecordsFromFile()
     if (path.isEmpty())
         return;
     try {
-        ShowRecords(LoadRecordFile(path), Source::Records);
+        const QList<QByteArray> records = LoadRecordFile(path);
+        ShowRecords(records, Source::Records);
+        emit recordsRead(records, path, false);
     } catch (const link::KalvoError &e) {
         asker.message(e.message(), link::Prompter::Icon::Critical);
     }

@@ -48,6 +48,9 @@ public:
 signals:
     // A list or report has been filled (for whoever waits on it).
     void shown();
+    // Records were read from the tester, the accessory or a record file (`file` when known), and
+    // the read ended well: whoever keeps records (the archive) takes them from here.
+    void recordsRead(const QList<QByteArray> &records, const QString &file, bool fromAccessory);
 
 private:
     // Where the entries of the record list come from: that decides what selecting one does.

@@ -1,0 +1,166 @@
+// Archive benchmarks: records imported per second into SQLite and PostgreSQL, and how long a device's
+// history and the devices due for a test take to find in an archive of a million records.
+#include "archive/Archive.h"
+#include "archive/ArchiveQueries.h"
+#include "archive/RecordImport.h"
+#include "support/PostgresCluster.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <cstdio>
+#include <random>
+
+using namespace kalvo;
+
+namespace {
+
+using Seconds = std::chrono::duration<double>;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kImportCount = 100'000;
+constexpr int kLargeCount = 1'000'000;
+constexpr int kBatch = 20'000; // records a transaction, as a large record file would bring them
+constexpr int kDevices = 100'000;
+constexpr int kQueries = 200;
+
+// Record `i` of a service company's archive: device i % kDevices, tested on a day of 2015..2024.
+QByteArray Record(int i)
+{
+    static const QByteArray empty = QByteArray(68, ';');
+    const QDate day = QDate(2015, 1, 1).addDays((i * 7919) % 3650);
+    QByteArray code(32, '0');
+    code[6] = i % 13 == 0 ? '8' : '0';
+    code[12] = i % 5 == 0 ? '6' : '5';
+    code.replace(28, 2, "05");
+    return "PKALVO-1;" + code + ";DEV-" + QByteArray::number(i % kDevices) + ";Bohrmaschine Typ " +
+           QByteArray::number(i % 97) + ';' + day.toString(QStringLiteral("dd.MM.yy")).toLatin1() +
+           ";10:" + QByteArray::number(10 + i % 50) + ';' + QByteArray::number(i) + empty + "$FF\r\n";
+}
+
+QList<QByteArray> Records(int from, int count)
+{
+    QList<QByteArray> records;
+    records.reserve(count);
+    for (int i = from; i < from + count; ++i)
+        records.append(Record(i));
+    return records;
+}
+
+// Imports records 0..count-1 in batches; returns records per second (generating them not counted).
+double ImportRate(archive::Archive &archive, int count, bool progress)
+{
+    Seconds spent{};
+    for (int from = 0; from < count; from += kBatch) {
+        const QList<QByteArray> batch = Records(from, std::min(kBatch, count - from));
+        const auto start = Clock::now();
+        archive::ImportRecords(archive, batch, {QStringLiteral("bench"), {}, {}, {}});
+        spent += Clock::now() - start;
+        if (progress)
+            std::fprintf(stderr, "\r  %d records", from + static_cast<int>(batch.size()));
+    }
+    if (progress)
+        std::fprintf(stderr, "\n");
+    return count / spent.count();
+}
+
+// Milliseconds per call of `query`, the mean and the worst of kQueries.
+template <typename F> std::pair<double, double> Millis(F &&query)
+{
+    double total = 0, worst = 0;
+    for (int i = 0; i < kQueries; ++i) {
+        const auto start = Clock::now();
+        query(i);
+        const double ms = Seconds(Clock::now() - start).count() * 1000;
+        total += ms;
+        worst = std::max(worst, ms);
+    }
+    return {total / kQueries, worst};
+}
+
+// How much of an import is reading the records: hash and decoding only, no database.
+void DescribeRate()
+{
+    const QList<QByteArray> records = Records(0, kBatch);
+    const auto start = Clock::now();
+    qint64 sum = 0;
+    for (const QByteArray &record : records)
+        sum += archive::DescribeRecord(record).deviceId.size();
+    std::printf("hash and decode only:               %8.0f records/s (%lld)\n",
+                records.size() / Seconds(Clock::now() - start).count(), static_cast<long long>(sum));
+}
+
+void ImportInto(const char *name, const QString &url, int count)
+{
+    archive::Archive archive(archive::ParseArchiveUrl(url));
+    const double rate = ImportRate(archive, count, false);
+    std::printf("import %d records into %-10s %8.0f records/s   (goal on SQLite: 20000)\n", count, name,
+                rate);
+}
+
+void SearchMillion(const QString &path)
+{
+    archive::Archive archive(archive::ParseArchiveUrl(path));
+    std::printf("filling an archive of %d records (%d devices) ...\n", kLargeCount, kDevices);
+    const double rate = ImportRate(archive, kLargeCount, true);
+    std::printf("import %d records into SQLite     %8.0f records/s\n", kLargeCount, rate);
+
+    std::mt19937 random(42);
+    std::uniform_int_distribution<int> device(0, kDevices - 1);
+    qint64 found = 0;
+    const auto [historyMean, historyWorst] = Millis([&](int) {
+        archive::ArchiveFilter filter;
+        filter.deviceId = QStringLiteral("DEV-%1").arg(device(random));
+        found += archive::ListRecords(archive, filter).size();
+    });
+    std::printf("device history (%.1f records):     %6.2f ms mean, %6.2f ms worst   (goal: under 50)\n",
+                double(found) / kQueries, historyMean, historyWorst);
+
+    // A due list as the window shows it: the first page, and how many there are in all.
+    qint64 due = 0;
+    const auto [dueMean, dueWorst] = Millis([&](int i) {
+        archive::ArchiveFilter filter;
+        filter.dueBefore = QDate(2025, 1, 1).addDays(i * 5);
+        due += archive::ListRecords(archive, filter, 200).size();
+    });
+    std::printf("due before, first 200 records:     %6.2f ms mean, %6.2f ms worst   (goal: under 50)\n",
+                dueMean, dueWorst);
+    const auto [devicesMean, devicesWorst] = Millis(
+        [&](int i) { due += archive::DueDevices(archive, QDate(2025, 1, 1).addDays(i * 5), 200).size(); });
+    std::printf("due devices, first 200:            %6.2f ms mean, %6.2f ms worst   (goal: under 50)\n",
+                devicesMean, devicesWorst);
+    // The window counts what a search finds before it shows the first page.
+    qint64 count = 0;
+    const auto [countMean, countWorst] = Millis([&](int i) {
+        archive::ArchiveFilter filter;
+        filter.dueBefore = QDate(2025, 1, 1).addDays(i * 5);
+        count = archive::CountRecords(archive, filter);
+    });
+    std::printf("count of due devices:              %6.2f ms mean, %6.2f ms worst (the last: %lld devices)\n",
+                countMean, countWorst, static_cast<long long>(count));
+    const auto [allMean, allWorst] = Millis([&](int) { count = archive::CountRecords(archive, {}); });
+    std::printf("count of all records:              %6.2f ms mean, %6.2f ms worst\n", allMean, allWorst);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QTemporaryDir dir;
+    DescribeRate();
+    ImportInto("SQLite", dir.filePath(QStringLiteral("import.sqlite")), kImportCount);
+
+    testing::PostgresCluster cluster;
+    const QString url = cluster.CreateDatabase();
+    if (url.isEmpty())
+        std::printf("import into PostgreSQL: no server (%s)\n", qPrintable(cluster.error()));
+    else
+        ImportInto("PostgreSQL", url, kImportCount);
+
+    if (qEnvironmentVariableIsSet("KALVO_BENCH_SHORT"))
+        return 0;
+    SearchMillion(dir.filePath(QStringLiteral("million.sqlite")));
+    return 0;
+}

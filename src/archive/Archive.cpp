@@ -1,0 +1,272 @@
+// An open archive: one database connection with its schema brought up to date.
+#include "Archive.h"
+
+#include "ArchiveTypes.h"
+#include "Migrations.h"
+
+#include <QAtomicInt>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QThread>
+
+namespace kalvo::archive {
+
+namespace {
+
+const char kTimestampFormat[] = "yyyy-MM-dd HH:mm:ss";
+const char kDateFormat[] = "yyyy-MM-dd";
+constexpr int kAttempts = 6;
+constexpr int kJournalRetryMs = 50;
+constexpr int kJournalWaitMs = 30'000;
+
+QString NextConnectionName()
+{
+    static QAtomicInt counter;
+    return QStringLiteral("kalvo-archive-%1").arg(counter.fetchAndAddRelaxed(1));
+}
+
+QString Reason(const QSqlError &error)
+{
+    const QString text = error.text().trimmed();
+    return text.isEmpty() ? QStringLiteral("unbekannter Fehler") : text;
+}
+
+// A file that does not start like an SQLite database is left alone: opening it would not harm it,
+// but the first write would, and it may be something the user still needs.
+bool LooksLikeSQLite(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray head = file.read(16);
+    return head.isEmpty() || head == QByteArray("SQLite format 3\0", 16);
+}
+
+} // namespace
+
+Archive::Archive(const ArchiveTarget &target) : m_target(target), m_connectionName(NextConnectionName())
+{
+    Connect();
+    try {
+        m_version = ApplyMigrations(*this);
+    } catch (...) {
+        m_db.close();
+        m_db = QSqlDatabase();
+        QSqlDatabase::removeDatabase(m_connectionName);
+        throw;
+    }
+}
+
+Archive::~Archive()
+{
+    m_db.close();
+    m_db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(m_connectionName);
+}
+
+void Archive::Connect()
+{
+    const bool postgres = isPostgres();
+    const QString driver = postgres ? QStringLiteral("QPSQL") : QStringLiteral("QSQLITE");
+    if (!QSqlDatabase::isDriverAvailable(driver))
+        throw Failure(QStringLiteral("öffnen"),
+                      QStringLiteral("der Qt-Treiber %1 fehlt (Paket %2)")
+                          .arg(driver, postgres ? QStringLiteral("libqt6sql6-psql")
+                                                : QStringLiteral("libqt6sql6-sqlite")));
+    if (!postgres) {
+        const QFileInfo info(m_target.path);
+        if (info.exists() && !info.isFile())
+            throw Failure(QStringLiteral("öffnen"), QStringLiteral("das ist keine Datei"));
+        if (info.exists() && !LooksLikeSQLite(m_target.path))
+            throw Failure(QStringLiteral("öffnen"),
+                          QStringLiteral("die Datei ist keine SQLite-Datenbank; sie bleibt unverändert"));
+        if (!QDir().mkpath(info.absolutePath()))
+            throw Failure(QStringLiteral("anlegen"),
+                          QStringLiteral("der Ordner %1 lässt sich nicht anlegen").arg(info.absolutePath()));
+    }
+    m_db = QSqlDatabase::addDatabase(driver, m_connectionName);
+    if (postgres) {
+        m_db.setHostName(m_target.host);
+        if (m_target.port >= 0)
+            m_db.setPort(m_target.port);
+        m_db.setDatabaseName(m_target.database);
+        m_db.setUserName(m_target.user);
+        m_db.setPassword(m_target.password);
+        m_db.setConnectOptions(QStringLiteral("connect_timeout=10"));
+    } else {
+        m_db.setDatabaseName(m_target.path);
+        // Another kalvo importing at the same moment holds the write lock for a moment only.
+        m_db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=30000"));
+    }
+    if (!m_db.open()) {
+        const QString reason = Reason(m_db.lastError());
+        m_db = QSqlDatabase();
+        QSqlDatabase::removeDatabase(m_connectionName);
+        throw Failure(QStringLiteral("öffnen"), reason);
+    }
+    if (postgres) {
+        // A lock held by a stuck client must not make us wait for ever.
+        Exec(QStringLiteral("SET lock_timeout = '60s'"));
+        Exec(QStringLiteral("SET client_min_messages = warning"));
+    } else {
+        // Reading the schema is the first access to the file: a damaged one fails here, unwritten,
+        // and so does a database of another program, before the journal mode changes its header.
+        QSqlQuery tables = Exec(QStringLiteral(
+            "SELECT count(*), sum(name = 'schema_version') FROM sqlite_master WHERE type = 'table'"));
+        if (tables.next() && tables.value(0).toInt() > 0 && tables.value(1).toInt() == 0)
+            throw Failure(QStringLiteral("öffnen"),
+                          QStringLiteral("die Datei gehört einem anderen Programm "
+                                         "(keine Tabelle schema_version); sie bleibt "
+                                         "unverändert"));
+        tables.finish();
+        // Changing the journal needs the file to itself: a second program creating the archive at the
+        // same moment makes it busy, and SQLite does not wait for that by itself.
+        for (int attempt = 1;; ++attempt) {
+            try {
+                Exec(QStringLiteral("PRAGMA journal_mode = WAL"));
+                break;
+            } catch (const ArchiveError &e) {
+                if (attempt * kJournalRetryMs >= kJournalWaitMs || !IsRetryable(e.nativeCode()))
+                    throw;
+                QThread::msleep(kJournalRetryMs);
+            }
+        }
+        Exec(QStringLiteral("PRAGMA synchronous = NORMAL"));
+        // 32 MB of page cache: the indexes of a large archive stay in memory during an import (the
+        // default 2 MB makes an import of a million records a third slower).
+        Exec(QStringLiteral("PRAGMA cache_size = -32768"));
+    }
+}
+
+QSqlQuery Archive::Prepare(const QString &sql)
+{
+    QSqlQuery query(m_db);
+    query.setForwardOnly(true);
+    if (!query.prepare(sql))
+        throw Failure(QStringLiteral("vorbereiten von \"%1\"").arg(sql.simplified().left(80)),
+                      Reason(query.lastError()));
+    return query;
+}
+
+void Archive::Run(QSqlQuery &query, std::initializer_list<QVariant> values)
+{
+    int i = 0;
+    for (const QVariant &value : values)
+        query.bindValue(i++, value);
+    if (!query.exec())
+        throw StatementFailure(query.lastQuery(), query.lastError());
+}
+
+QSqlQuery Archive::Exec(const QString &sql, std::initializer_list<QVariant> values)
+{
+    QSqlQuery query(m_db);
+    query.setForwardOnly(true);
+    if (values.size() == 0) {
+        if (!query.exec(sql))
+            throw StatementFailure(sql, query.lastError());
+        return query;
+    }
+    query = Prepare(sql);
+    Run(query, values);
+    return query;
+}
+
+void Archive::Begin()
+{
+    // SQLite: take the write lock now, so that two importers queue instead of both reading and
+    // then failing to upgrade their locks.
+    Exec(isPostgres() ? QStringLiteral("BEGIN") : QStringLiteral("BEGIN IMMEDIATE"));
+}
+
+bool Archive::IsRetryable(const QString &nativeCode) const
+{
+    if (isPostgres())
+        return nativeCode == QLatin1String("40P01") || nativeCode == QLatin1String("40001");
+    return nativeCode == QLatin1String("5") || nativeCode == QLatin1String("6");
+}
+
+void Archive::InTransaction(const std::function<void()> &work)
+{
+    for (int attempt = 1;; ++attempt) {
+        try {
+            Begin();
+            work();
+            Exec(QStringLiteral("COMMIT"));
+            return;
+        } catch (const ArchiveError &e) {
+            QSqlQuery(m_db).exec(QStringLiteral("ROLLBACK"));
+            if (attempt >= kAttempts || !IsRetryable(e.nativeCode()))
+                throw;
+            QThread::msleep(20 * attempt);
+        } catch (...) {
+            QSqlQuery(m_db).exec(QStringLiteral("ROLLBACK"));
+            throw;
+        }
+    }
+}
+
+ArchiveError Archive::StatementFailure(const QString &sql, const QSqlError &error) const
+{
+    const ArchiveError failure =
+        Failure(QStringLiteral("ausführen von \"%1\"").arg(sql.simplified().left(80)),
+                Reason(error) + QStringLiteral(" [%1]").arg(error.nativeErrorCode()));
+    return ArchiveError(failure.text(), error.nativeErrorCode());
+}
+
+ArchiveError Archive::Failure(const QString &what, const QString &reason) const
+{
+    return ArchiveError(
+        QStringLiteral("Archiv %1: %2 fehlgeschlagen: %3").arg(m_target.Describe(), what, reason));
+}
+
+QString ArchiveSql(const Archive &archive, QString sql)
+{
+    const bool pg = archive.isPostgres();
+    sql.replace(QLatin1String("{ID}"), pg ? QLatin1String("BIGSERIAL PRIMARY KEY")
+                                          : QLatin1String("INTEGER PRIMARY KEY AUTOINCREMENT"));
+    sql.replace(QLatin1String("{BYTES}"), pg ? QLatin1String("BYTEA") : QLatin1String("BLOB"));
+    sql.replace(QLatin1String("{TIMESTAMP}"), pg ? QLatin1String("TIMESTAMP") : QLatin1String("TEXT"));
+    sql.replace(QLatin1String("{DATE}"), pg ? QLatin1String("DATE") : QLatin1String("TEXT"));
+    return sql;
+}
+
+QVariant TimestampValue(const QDateTime &time)
+{
+    return time.isValid() ? QVariant(time.toString(QLatin1String(kTimestampFormat)))
+                          : QVariant(QMetaType::fromType<QString>());
+}
+
+QVariant DateValue(const QDate &date)
+{
+    return date.isValid() ? QVariant(date.toString(QLatin1String(kDateFormat)))
+                          : QVariant(QMetaType::fromType<QString>());
+}
+
+QDateTime TimestampFrom(const QVariant &value)
+{
+    if (value.isNull())
+        return {};
+    if (value.metaType() == QMetaType::fromType<QDateTime>()) {
+        const QDateTime time = value.toDateTime();
+        return QDateTime(time.date(), time.time(), Qt::UTC);
+    }
+    QDateTime time = QDateTime::fromString(value.toString().left(19), QLatin1String(kTimestampFormat));
+    time.setTimeSpec(Qt::UTC);
+    return time;
+}
+
+QDate DateFrom(const QVariant &value)
+{
+    if (value.isNull())
+        return {};
+    if (value.metaType() == QMetaType::fromType<QDate>())
+        return value.toDate();
+    if (value.metaType() == QMetaType::fromType<QDateTime>())
+        return value.toDateTime().date();
+    return QDate::fromString(value.toString().left(10), QLatin1String(kDateFormat));
+}
+
+} // namespace kalvo::archive

@@ -1,0 +1,113 @@
+// Which archive to use: the SQLite file in the user's data folder, or a PostgreSQL server.
+#include "ArchiveLocation.h"
+
+#include "ArchiveTypes.h"
+
+#include <QDir>
+#include <QSettings>
+#include <QStandardPaths>
+#include <QUrl>
+#include <QUrlQuery>
+
+namespace kalvo::archive {
+
+namespace {
+
+const QString kEnabledKey = QStringLiteral("archive/enabled");
+const QString kUrlKey = QStringLiteral("archive/url");
+
+QSettings UserSettings()
+{
+    return QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("kalvo"),
+                     QStringLiteral("kalvo"));
+}
+
+ArchiveTarget PostgresTarget(const QString &url)
+{
+    const QUrl parsed(url, QUrl::StrictMode);
+    if (!parsed.isValid())
+        throw ArchiveError(
+            QStringLiteral("Archiv-Adresse \"%1\" ist ungültig: %2").arg(url, parsed.errorString()));
+    ArchiveTarget target;
+    target.kind = ArchiveTarget::Kind::PostgreSQL;
+    const QUrlQuery query(parsed);
+    target.host = query.hasQueryItem(QStringLiteral("host"))
+                      ? query.queryItemValue(QStringLiteral("host"), QUrl::FullyDecoded)
+                      : parsed.host();
+    target.port = parsed.port(-1);
+    if (query.hasQueryItem(QStringLiteral("port")))
+        target.port = query.queryItemValue(QStringLiteral("port")).toInt();
+    target.database = parsed.path(QUrl::FullyDecoded).mid(1);
+    target.user = parsed.userName(QUrl::FullyDecoded);
+    target.password = parsed.password(QUrl::FullyDecoded);
+    if (target.database.isEmpty())
+        throw ArchiveError(
+            QStringLiteral(
+                "Archiv-Adresse \"%1\" nennt keine Datenbank (postgresql://benutzer@rechner/datenbank)")
+                .arg(target.Describe()));
+    return target;
+}
+
+} // namespace
+
+ArchiveError::ArchiveError(const QString &text, const QString &nativeCode)
+    : KalvoError(kArchiveErrorNumber, text), m_nativeCode(nativeCode)
+{}
+
+QString ArchiveTarget::Describe() const
+{
+    if (kind == Kind::SQLite)
+        return QDir::toNativeSeparators(path);
+    QString where = user.isEmpty() ? QString() : user + QLatin1Char('@');
+    where += host.isEmpty() ? QStringLiteral("localhost") : host;
+    if (port >= 0)
+        where += QLatin1Char(':') + QString::number(port);
+    return QStringLiteral("postgresql://%1/%2").arg(where, database);
+}
+
+ArchiveSettings ReadArchiveSettings()
+{
+    QSettings settings = UserSettings();
+    ArchiveSettings result;
+    result.enabled = settings.value(kEnabledKey, true).toBool();
+    result.url = settings.value(kUrlKey).toString();
+    return result;
+}
+
+void WriteArchiveSettings(const ArchiveSettings &settings)
+{
+    QSettings user = UserSettings();
+    user.setValue(kEnabledKey, settings.enabled);
+    user.setValue(kUrlKey, settings.url);
+}
+
+QString DefaultArchivePath()
+{
+    // The generic folder, not the program's own: kalvo and kalvo-cli share one archive.
+    const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    return QDir(base).filePath(QStringLiteral("kalvo/archive.sqlite"));
+}
+
+ArchiveTarget ParseArchiveUrl(const QString &url)
+{
+    const QString trimmed = url.trimmed();
+    if (trimmed.startsWith(QLatin1String("postgresql://")) ||
+        trimmed.startsWith(QLatin1String("postgres://")))
+        return PostgresTarget(trimmed);
+    ArchiveTarget target;
+    if (trimmed.isEmpty())
+        target.path = DefaultArchivePath();
+    else if (trimmed.startsWith(QLatin1String("sqlite://")))
+        target.path = QUrl(trimmed).path(QUrl::FullyDecoded);
+    else if (trimmed.contains(QLatin1String("://")))
+        throw ArchiveError(
+            QStringLiteral("Archiv-Adresse \"%1\": nur postgresql:// und sqlite:// oder ein Dateipfad")
+                .arg(trimmed));
+    else
+        target.path = trimmed;
+    if (target.path.isEmpty())
+        throw ArchiveError(QStringLiteral("Archiv-Adresse \"%1\" nennt keine Datei").arg(trimmed));
+    return target;
+}
+
+} // namespace kalvo::archive

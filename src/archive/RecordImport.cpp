@@ -1,0 +1,276 @@
+// Putting records into the archive: each kept once, by the SHA-256 of its bytes.
+#include "RecordImport.h"
+
+#include "Archive.h"
+#include "RetestIntervals.h"
+
+#include "link/TextRules.h"
+#include "records/RecordDecoding.h"
+
+#include <QCryptographicHash>
+#include <QHash>
+#include <QMap>
+#include <QSqlQuery>
+
+#include <map>
+
+namespace kalvo::archive {
+
+namespace {
+
+// Fields of a record (see records/README.md): 1 tester, 3 device id, 4 type, 5 date, 6 time,
+// 57..64 what the accessory adds.
+enum Field {
+    kTesterName = 1,
+    kDeviceId = 3,
+    kDeviceType = 4,
+    kDate = 5,
+    kTime = 6,
+    kAccessoryKind = 57,
+    kAccessoryType = 58,
+    kMaker = 59,
+    kAccessoryDeviceId = 60,
+    kCustomer = 61,
+    kStreet = 62,
+    kPostCode = 63,
+    kTown = 64,
+};
+
+QList<int> Numbers(const QByteArray &text, char separator)
+{
+    QList<int> numbers;
+    for (const QByteArray &part : text.trimmed().split(separator)) {
+        bool ok = false;
+        const int value = part.trimmed().toInt(&ok);
+        if (!ok)
+            return {};
+        numbers.append(value);
+    }
+    return numbers;
+}
+
+// Rows a statement inserts: one round trip to a server for many records, and fewer statements for
+// SQLite to step through (26 values a row stay far below either database's limit).
+constexpr int kRowsPerStatement = 64;
+
+const char kInsertRecord[] =
+    "INSERT INTO records (sha256, raw, tester_name, device_id, device_type, tested_at, regulation, failed,"
+    " protection_class, applied_part, accessory_kind, accessory_type, maker, accessory_device_id, customer,"
+    " street, post_code, town, source_tester, source_serial, source_accessory, source_file, imported_at,"
+    " type_key, customer_key, search_key) VALUES %1"
+    " ON CONFLICT (sha256) DO NOTHING RETURNING id, sha256";
+const int kRecordColumns = 26;
+
+// The device's row follows its newest test; an older record read later leaves it alone.
+const char kUpsertDevice[] =
+    "INSERT INTO devices (device_id, device_type, regulation, last_tested_at, last_record_id, next_test)"
+    " VALUES %1"
+    " ON CONFLICT (device_id) DO UPDATE SET device_type = excluded.device_type,"
+    " regulation = excluded.regulation, last_tested_at = excluded.last_tested_at,"
+    " last_record_id = excluded.last_record_id, next_test = excluded.next_test"
+    " WHERE excluded.last_tested_at > devices.last_tested_at"
+    " OR (excluded.last_tested_at = devices.last_tested_at AND excluded.last_record_id > "
+    "devices.last_record_id)";
+const int kDeviceColumns = 6;
+
+// `sql` with its %1 replaced by `rows` groups of `columns` placeholders.
+QString MultiRow(const char *sql, int rows, int columns)
+{
+    const QString group = QLatin1Char('(') +
+                          QStringList(columns, QStringLiteral("?")).join(QLatin1Char(',')) + QLatin1Char(')');
+    return QString::fromLatin1(sql).arg(QStringList(rows, group).join(QLatin1Char(',')));
+}
+
+// Prepared statements by their number of rows, made when first needed and kept for the import.
+class Statements {
+public:
+    Statements(Archive &archive, const char *sql, int columns)
+        : m_archive(archive), m_sql(sql), m_columns(columns)
+    {}
+    QSqlQuery &ForRows(int rows)
+    {
+        auto it = m_prepared.find(rows);
+        if (it == m_prepared.end())
+            it = m_prepared.emplace(rows, m_archive.Prepare(MultiRow(m_sql, rows, m_columns))).first;
+        return it->second;
+    }
+
+private:
+    Archive &m_archive;
+    const char *m_sql;
+    int m_columns;
+    std::map<int, QSqlQuery> m_prepared;
+};
+
+// Text columns hold "" rather than NULL for what a record does not say.
+QString Text(const QString &text)
+{
+    return text.isNull() ? QStringLiteral("") : text;
+}
+
+QString SearchKey(const ArchivedRecord &r)
+{
+    return QStringList{r.deviceId,      r.deviceType,    r.testerName, r.regulation,
+                       r.accessoryKind, r.accessoryType, r.maker,      r.accessoryDeviceId,
+                       r.customer,      r.street,        r.postCode,   r.town}
+        .join(QLatin1Char('\n'))
+        .toLower();
+}
+
+} // namespace
+
+QByteArray Sha256Hex(const QByteArray &bytes)
+{
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
+}
+
+QDateTime TestTimestamp(const QByteArray &date, const QByteArray &time)
+{
+    const QList<int> d = Numbers(date, '.');
+    if (d.size() != 3)
+        return {};
+    int year = d[2];
+    if (year >= 0 && year < 100) // the tester writes two digits; it was not sold before 1980
+        year += year < 80 ? 2000 : 1900;
+    const QDate day(year, d[1], d[0]);
+    if (!day.isValid())
+        return {};
+    const QList<int> t = Numbers(time, ':');
+    QTime clock;
+    if (t.size() == 2 || t.size() == 3)
+        clock = QTime(t[0], t[1], t.value(2));
+    return QDateTime(day, clock.isValid() ? clock : QTime(0, 0), Qt::UTC);
+}
+
+ArchivedRecord DescribeRecord(const QByteArray &raw)
+{
+    const records::DecodedRecord decoded = records::DecodeRecord(raw);
+    const auto text = [&decoded](int field) {
+        return link::DecodeRecordText(decoded.Field(field)).trimmed();
+    };
+    ArchivedRecord r;
+    r.sha256 = Sha256Hex(raw);
+    r.testerName = text(kTesterName);
+    r.deviceId = text(kDeviceId);
+    if (r.deviceId.isEmpty()) // a record made with the accessory may carry the id only there
+        r.deviceId = text(kAccessoryDeviceId);
+    r.deviceType = text(kDeviceType);
+    r.testedAt = TestTimestamp(decoded.Field(kDate), decoded.Field(kTime));
+    r.regulation = decoded.regulation;
+    r.verdict = decoded.verdict.trimmed();
+    r.failed = decoded.verdict == QLatin1String(" nicht bestanden");
+    r.protectionClass = decoded.protectionClass;
+    r.appliedPart = decoded.appliedPart;
+    r.accessoryKind = text(kAccessoryKind);
+    r.accessoryType = text(kAccessoryType);
+    r.maker = text(kMaker);
+    r.accessoryDeviceId = text(kAccessoryDeviceId);
+    r.customer = text(kCustomer);
+    r.street = text(kStreet);
+    r.postCode = text(kPostCode);
+    r.town = text(kTown);
+    return r;
+}
+
+ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, const RecordSource &source)
+{
+    // Decoding needs no database: refused records are known before the transaction starts.
+    QList<ArchivedRecord> described;
+    QList<qsizetype> rawIndex;
+    ImportResult result;
+    for (qsizetype i = 0; i < records.size(); ++i) {
+        try {
+            described.append(DescribeRecord(records[i]));
+            rawIndex.append(i);
+        } catch (const link::KalvoError &e) {
+            result.refused.append(QStringLiteral("Protokoll %1: %2").arg(i + 1).arg(e.message()));
+        }
+    }
+    const QVariant importedAt = TimestampValue(QDateTime::currentDateTimeUtc());
+    const auto recordValues = [&](qsizetype k) {
+        const ArchivedRecord &r = described[k];
+        return QVariantList{QString::fromLatin1(r.sha256),
+                            records[rawIndex[k]],
+                            Text(r.testerName),
+                            Text(r.deviceId),
+                            Text(r.deviceType),
+                            TimestampValue(r.testedAt),
+                            Text(r.regulation),
+                            r.failed ? 1 : 0,
+                            Text(r.protectionClass),
+                            Text(r.appliedPart),
+                            Text(r.accessoryKind),
+                            Text(r.accessoryType),
+                            Text(r.maker),
+                            Text(r.accessoryDeviceId),
+                            Text(r.customer),
+                            Text(r.street),
+                            Text(r.postCode),
+                            Text(r.town),
+                            Text(source.tester),
+                            Text(source.testerSerial),
+                            Text(source.accessory),
+                            Text(source.file),
+                            importedAt,
+                            Text(r.deviceType.toLower()),
+                            Text(r.customer.toLower()),
+                            SearchKey(r)};
+    };
+    // Prepared outside the transaction, so that they outlive its rollback (PostgreSQL cannot free a
+    // statement inside a failed transaction).
+    Statements inserts(archive, kInsertRecord, kRecordColumns);
+    Statements devices(archive, kUpsertDevice, kDeviceColumns);
+    archive.InTransaction([&] {
+        result.added = result.known = 0; // a retried transaction counts afresh
+        const RetestIntervals intervals = LoadIntervals(archive);
+        for (qsizetype first = 0; first < described.size(); first += kRowsPerStatement) {
+            const int rows =
+                static_cast<int>(std::min<qsizetype>(kRowsPerStatement, described.size() - first));
+            QSqlQuery &insert = inserts.ForRows(rows);
+            int position = 0;
+            for (qsizetype k = first; k < first + rows; ++k)
+                for (const QVariant &value : recordValues(k))
+                    insert.bindValue(position++, value);
+            archive.Run(insert);
+            // The rows the database kept, by hash: a record already there, or twice in this import,
+            // comes back once or not at all.
+            QHash<QByteArray, qint64> newIds;
+            while (insert.next())
+                newIds.insert(insert.value(1).toString().toLatin1(), insert.value(0).toLongLong());
+            insert.finish();
+            // Each device once a statement, with its newest test of these rows.
+            QMap<QString, std::pair<qsizetype, qint64>> newest;
+            for (qsizetype k = first; k < first + rows; ++k) {
+                const ArchivedRecord &r = described[k];
+                const qint64 id = newIds.take(r.sha256);
+                if (id == 0) {
+                    ++result.known;
+                    continue;
+                }
+                ++result.added;
+                if (r.deviceId.isEmpty() || !r.testedAt.isValid())
+                    continue; // no device to follow, or no date to count from
+                const auto it = newest.constFind(r.deviceId);
+                if (it == newest.cend() || described[it->first].testedAt <= r.testedAt)
+                    newest.insert(r.deviceId, {k, id});
+            }
+            if (newest.isEmpty())
+                continue;
+            QSqlQuery &device = devices.ForRows(static_cast<int>(newest.size()));
+            position = 0;
+            for (const auto &[k, id] : std::as_const(newest)) {
+                const ArchivedRecord &r = described[k];
+                const int months = intervals.MonthsFor(r.deviceId, r.regulation);
+                for (const QVariant &value :
+                     {QVariant(r.deviceId), QVariant(r.deviceType), QVariant(r.regulation),
+                      TimestampValue(r.testedAt), QVariant(id),
+                      DateValue(NextTestDate(r.testedAt.date(), months))})
+                    device.bindValue(position++, value);
+            }
+            archive.Run(device);
+        }
+    });
+    return result;
+}
+
+} // namespace kalvo::archive

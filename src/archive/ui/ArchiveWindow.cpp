@@ -1,0 +1,293 @@
+// The window "Archiv": searching the record archive, a device's history and next test, a record's
+// report, and the selection exported as PDF or CSV.
+#include "ArchiveWindow.h"
+
+#include "ArchiveTableModel.h"
+
+#include "archive/Archive.h"
+#include "archive/ArchiveExport.h"
+#include "archive/ArchiveQueries.h"
+#include "archive/RetestIntervals.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QFileDialog>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTableView>
+#include <QVBoxLayout>
+
+namespace kalvo::archive::ui {
+
+namespace {
+
+QDateEdit *DateField(const char *name, const QDate &date)
+{
+    auto *edit = new QDateEdit(date);
+    edit->setObjectName(QString::fromLatin1(name));
+    edit->setCalendarPopup(true);
+    edit->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
+    return edit;
+}
+
+template <typename W> W *Named(W *widget, const char *name)
+{
+    widget->setObjectName(QString::fromLatin1(name));
+    return widget;
+}
+
+} // namespace
+
+ArchiveWindow::ArchiveWindow(const ArchiveTarget &target, QWidget *parent)
+    : QMainWindow(parent), m_model(new ArchiveTableModel(this))
+{
+    setObjectName(QStringLiteral("FRMArchiv"));
+    setWindowTitle(QStringLiteral("Archiv"));
+    BuildForm();
+    connect(m_model, &ArchiveTableModel::failed, this, &ArchiveWindow::Fail);
+    try {
+        m_archive = std::make_unique<Archive>(target);
+    } catch (const link::KalvoError &e) {
+        Fail(e.message());
+        return;
+    }
+    Search();
+}
+
+ArchiveWindow::~ArchiveWindow()
+{
+    m_model->Show(nullptr, {}); // the model lets go of the archive before it closes
+}
+
+void ArchiveWindow::BuildForm()
+{
+    auto *form = new QGridLayout;
+    m_device = Named(new QLineEdit, "idNr");
+    m_type = Named(new QLineEdit, "typ");
+    m_customer = Named(new QLineEdit, "kunde");
+    m_text = Named(new QLineEdit, "text");
+    m_verdict = Named(new QComboBox, "ergebnis");
+    m_verdict->addItems(
+        {QStringLiteral("alle"), QStringLiteral("bestanden"), QStringLiteral("nicht bestanden")});
+    m_regulation = Named(new QComboBox, "vorschrift");
+    m_regulation->addItem(QStringLiteral("alle"));
+    for (const auto &[name, months] : DefaultRegulationIntervals())
+        m_regulation->addItem(name);
+    const QDate today = QDate::currentDate();
+    m_useFrom = Named(new QCheckBox(QStringLiteral("von")), "mitVon");
+    m_useTo = Named(new QCheckBox(QStringLiteral("bis")), "mitBis");
+    m_useDue = Named(new QCheckBox(QStringLiteral("fällig vor")), "mitFaellig");
+    m_from = DateField("von", today.addYears(-1));
+    m_to = DateField("bis", today);
+    m_due = DateField("faellig", today.addMonths(1));
+    const std::pair<const char *, QWidget *> fields[] = {
+        {"ID-Nr", m_device}, {"Typ", m_type},         {"Kunde", m_customer},
+        {"Text", m_text},    {"Ergebnis", m_verdict}, {"Vorschrift", m_regulation}};
+    int row = 0;
+    for (const auto &[label, field] : fields) {
+        form->addWidget(new QLabel(QString::fromUtf8(label)), row / 2, (row % 2) * 2);
+        form->addWidget(field, row / 2, (row % 2) * 2 + 1);
+        ++row;
+    }
+    auto *dates = new QHBoxLayout;
+    for (const auto &[check, date] : {std::pair{m_useFrom, m_from}, {m_useTo, m_to}, {m_useDue, m_due}}) {
+        dates->addWidget(check);
+        dates->addWidget(date);
+    }
+    auto *search = Named(new QPushButton(QStringLiteral("Suchen")), "suchen");
+    search->setDefault(true);
+    dates->addStretch();
+    dates->addWidget(search);
+    form->addLayout(dates, 3, 0, 1, 4);
+    for (QLineEdit *edit : {m_device, m_type, m_customer, m_text})
+        connect(edit, &QLineEdit::returnPressed, this, &ArchiveWindow::Search);
+    connect(search, &QPushButton::clicked, this, &ArchiveWindow::Search);
+
+    m_table = Named(new QTableView, "liste");
+    m_table->setModel(m_model);
+    m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_table->verticalHeader()->hide();
+    m_table->horizontalHeader()->setStretchLastSection(true);
+    connect(m_table->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            &ArchiveWindow::ShowSelectedReport);
+    m_report = Named(new QPlainTextEdit, "bericht");
+    m_report->setReadOnly(true);
+    m_report->setLineWrapMode(QPlainTextEdit::NoWrap);
+    m_report->setFont(QFont(QStringLiteral("DejaVu Sans Mono")));
+    auto *split = new QSplitter(Qt::Vertical);
+    split->addWidget(m_table);
+    split->addWidget(m_report);
+
+    m_status = Named(new QLabel, "status");
+    m_status->setWordWrap(true);
+    auto *buttons = new QHBoxLayout;
+    auto *history = Named(new QPushButton(QStringLiteral("Verlauf des Geräts")), "verlauf");
+    auto *pdf = Named(new QPushButton(QStringLiteral("PDF ...")), "pdf");
+    auto *csv = Named(new QPushButton(QStringLiteral("CSV ...")), "csv");
+    connect(history, &QPushButton::clicked, this, &ArchiveWindow::ShowHistory);
+    connect(pdf, &QPushButton::clicked, this,
+            [this] { AskAndExport(QStringLiteral("PDF (*.pdf)"), &ArchiveWindow::ExportPdf); });
+    connect(csv, &QPushButton::clicked, this,
+            [this] { AskAndExport(QStringLiteral("CSV (*.csv)"), &ArchiveWindow::ExportCsv); });
+    buttons->addWidget(m_status, 1);
+    for (QPushButton *button : {history, pdf, csv})
+        buttons->addWidget(button);
+
+    auto *central = new QWidget;
+    auto *layout = new QVBoxLayout(central);
+    layout->addLayout(form);
+    layout->addWidget(split, 1);
+    layout->addLayout(buttons);
+    setCentralWidget(central);
+    resize(900, 700);
+}
+
+ArchiveFilter ArchiveWindow::Filter() const
+{
+    ArchiveFilter filter;
+    filter.deviceId = m_device->text().trimmed();
+    filter.type = m_type->text().trimmed();
+    filter.customer = m_customer->text().trimmed();
+    filter.text = m_text->text().trimmed();
+    if (m_verdict->currentIndex() > 0)
+        filter.failed = m_verdict->currentIndex() == 2;
+    if (m_regulation->currentIndex() > 0)
+        filter.regulation = m_regulation->currentText();
+    if (m_useFrom->isChecked())
+        filter.from = m_from->date();
+    if (m_useTo->isChecked())
+        filter.to = m_to->date();
+    if (m_useDue->isChecked())
+        filter.dueBefore = m_due->date();
+    return filter;
+}
+
+void ArchiveWindow::Search()
+{
+    if (!m_archive)
+        return;
+    m_report->clear();
+    try {
+        const ArchiveFilter filter = Filter();
+        m_model->Show(m_archive.get(), filter);
+        m_status->setText(QStringLiteral("%1 Protokolle").arg(m_model->total()));
+        if (!filter.deviceId.isEmpty())
+            ShowDeviceStatus(filter.deviceId);
+    } catch (const link::KalvoError &e) {
+        Fail(e.message());
+    }
+}
+
+void ArchiveWindow::ShowHistory()
+{
+    const QModelIndex current = m_table->currentIndex();
+    if (!current.isValid())
+        return;
+    m_device->setText(m_model->record(current.row()).deviceId);
+    for (QLineEdit *edit : {m_type, m_customer, m_text})
+        edit->clear();
+    m_verdict->setCurrentIndex(0);
+    m_regulation->setCurrentIndex(0);
+    for (QCheckBox *check : {m_useFrom, m_useTo, m_useDue})
+        check->setChecked(false);
+    Search();
+}
+
+void ArchiveWindow::ShowDeviceStatus(const QString &deviceId)
+{
+    const std::optional<DueDevice> device = DeviceStatus(*m_archive, deviceId);
+    if (!device) {
+        m_status->setText(m_status->text() + QStringLiteral(" - %1: kein datierter Test").arg(deviceId));
+        return;
+    }
+    m_status->setText(m_status->text() +
+                      QStringLiteral(" - %1: zuletzt geprüft %2, nächste Prüfung %3 (alle %4 Monate)")
+                          .arg(deviceId, device->lastTest.date().toString(QStringLiteral("dd.MM.yyyy")),
+                               device->nextTest.toString(QStringLiteral("dd.MM.yyyy")))
+                          .arg(device->intervalMonths));
+}
+
+void ArchiveWindow::ShowSelectedReport()
+{
+    const QModelIndex current = m_table->currentIndex();
+    if (!current.isValid() || !m_archive)
+        return;
+    try {
+        const std::optional<StoredRecord> stored = FetchRecord(*m_archive, m_model->record(current.row()).id);
+        if (stored)
+            m_report->setPlainText(ReportWithHash(stored->raw, stored->record.sha256));
+    } catch (const link::KalvoError &e) {
+        Fail(e.message());
+    }
+}
+
+QList<ArchivedRecord> ArchiveWindow::Chosen() const
+{
+    // In the order of the list, whatever order they were selected in.
+    QList<int> rows;
+    for (const QModelIndex &index : m_table->selectionModel()->selectedRows())
+        rows.append(index.row());
+    std::sort(rows.begin(), rows.end());
+    if (rows.isEmpty())
+        for (int row = 0; row < m_model->rowCount(); ++row)
+            rows.append(row);
+    QList<ArchivedRecord> chosen;
+    for (const int row : rows)
+        chosen.append(m_model->record(row));
+    return chosen;
+}
+
+bool ArchiveWindow::ExportPdf(const QString &path)
+{
+    if (!m_archive)
+        return false; // the window says why already
+    QList<qint64> ids;
+    for (const ArchivedRecord &record : Chosen())
+        ids.append(record.id);
+    try {
+        const int count = ExportArchivePdf(*m_archive, ids, path);
+        m_status->setText(QStringLiteral("%1 Berichte -> %2").arg(count).arg(path));
+        return true;
+    } catch (const link::KalvoError &e) {
+        Fail(e.message());
+        return false;
+    }
+}
+
+bool ArchiveWindow::ExportCsv(const QString &path)
+{
+    if (!m_archive)
+        return false;
+    try {
+        const qint64 count = WriteArchiveCsv(Chosen(), path);
+        m_status->setText(QStringLiteral("%1 Protokolle -> %2").arg(count).arg(path));
+        return true;
+    } catch (const link::KalvoError &e) {
+        Fail(e.message());
+        return false;
+    }
+}
+
+void ArchiveWindow::AskAndExport(const QString &filter, bool (ArchiveWindow::*exporter)(const QString &))
+{
+    if (!m_archive)
+        return;
+    const QString path = QFileDialog::getSaveFileName(this, windowTitle(), QString(), filter);
+    if (!path.isEmpty())
+        (this->*exporter)(path);
+}
+
+void ArchiveWindow::Fail(const QString &message)
+{
+    m_status->setText(message);
+}
+
+} // namespace kalvo::archive::ui

@@ -1,0 +1,195 @@
+// kalvo-cli with the archive, against kalvo-sim over a pseudo-terminal, on SQLite and PostgreSQL.
+#include "ArchiveSamples.h"
+
+#include "archive/ArchiveQueries.h"
+#include "archive/RecordImport.h"
+#include "records/RecordFiles.h"
+#include "support/SimProcess.h"
+#include "support/TestFiles.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+using namespace kalvo;
+using namespace kalvo::archive;
+using namespace kalvo::testing;
+
+namespace {
+
+class ArchiveCliTest : public OnBothBackends {
+protected:
+    RunResult Cli(const QStringList &arguments)
+    {
+        return RunProgram(QStringLiteral("kalvo-cli"),
+                          QStringList{QStringLiteral("--archive"), m_place->url()} + arguments);
+    }
+    QString File(const char *name) const { return m_dir.filePath(QString::fromLatin1(name)); }
+
+    QTemporaryDir m_dir;
+};
+
+TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndNextTest)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    const QStringList archive = {QStringLiteral("--archive"), m_place->url()};
+    RunResult read = RunCli(sim, archive + QStringList{"records", "read-all", File("alle.txt")});
+    ASSERT_EQ(read.exitCode, 0) << read.err.toStdString();
+    const QList<QByteArray> file = records::LoadRecordFile(File("alle.txt"));
+    ASSERT_GT(file.size(), 5);
+    // Read again, and the current record too: nothing is stored twice.
+    read = RunCli(sim, archive + QStringList{"records", "read-all", File("wieder.txt")});
+    ASSERT_EQ(read.exitCode, 0) << read.err.toStdString();
+    const std::unique_ptr<Archive> opened = m_place->Open();
+    EXPECT_EQ(CountRecords(*opened, {}), file.size());
+    const QList<ArchivedRecord> all = ListRecords(*opened, {});
+    for (const ArchivedRecord &r : all)
+        EXPECT_TRUE(file.contains(FetchRecord(*opened, r.id)->raw)) << r.id;
+    EXPECT_EQ(all.last().source.file, File("alle.txt"));
+
+    // An older test of E-0815 from a record file joins its history.
+    QByteArray older = file[0];
+    older.replace("12.01.09", "11.01.08");
+    ASSERT_TRUE(WriteFile(File("alt.txt"), older));
+    const RunResult imported = Cli({"archive", "import", File("alt.txt")});
+    EXPECT_EQ(imported.exitCode, 0) << imported.err.toStdString();
+    EXPECT_TRUE(imported.out.contains(QStringLiteral(": 1 neu, 0 schon im Archiv, 0 abgelehnt")));
+
+    const RunResult history = Cli({"archive", "list", "--device", "E-0815"});
+    ASSERT_EQ(history.exitCode, 0) << history.err.toStdString();
+    const QStringList lines = history.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 2) << history.out.toStdString();
+    EXPECT_TRUE(lines[0].contains(QStringLiteral("2009-01-12 08:14\tE-0815\t"))) << lines[0].toStdString();
+    EXPECT_TRUE(lines[1].contains(QStringLiteral("2008-01-11 08:14\tE-0815\t"))) << lines[1].toStdString();
+    EXPECT_TRUE(lines[0].endsWith(QStringLiteral("nächste Prüfung 2010-01-12"))) << lines[0].toStdString();
+
+    const RunResult json = Cli({"archive", "list", "--failed", "--json"});
+    ASSERT_EQ(json.exitCode, 0) << json.err.toStdString();
+    const QJsonArray rows = QJsonDocument::fromJson(json.out.toUtf8()).array();
+    ASSERT_FALSE(rows.isEmpty()) << json.out.toStdString();
+    for (const QJsonValue &row : rows)
+        EXPECT_EQ(row.toObject().value(QStringLiteral("Ergebnis")).toString(),
+                  QStringLiteral("nicht bestanden"));
+
+    const RunResult due = Cli({"archive", "due", "--before", "2010-01-13"});
+    EXPECT_TRUE(due.out.contains(QStringLiteral("2010-01-12\tE-0815\t"))) << due.out.toStdString();
+    EXPECT_FALSE(Cli({"archive", "due", "--before", "2010-01-12"}).out.contains(QStringLiteral("E-0815")));
+
+    // Its own interval moves its next test; "default" gives it back to the regulation's.
+    EXPECT_EQ(Cli({"archive", "interval", "--device", "E-0815", "6"}).exitCode, 0);
+    EXPECT_TRUE(Cli({"archive", "list", "--device", "E-0815"})
+                    .out.contains(QStringLiteral("nächste Prüfung 2009-07-12")));
+    EXPECT_TRUE(Cli({"archive", "interval"}).out.contains(QStringLiteral("6 Monate\tGerät E-0815")));
+    EXPECT_EQ(Cli({"archive", "interval", "--device", "E-0815", "default"}).exitCode, 0);
+    EXPECT_TRUE(Cli({"archive", "due", "--before", "2010-01-13"}).out.contains(QStringLiteral("E-0815")));
+    EXPECT_EQ(Cli({"archive", "interval", "--regulation", "DIN VDE 0702", "0"}).exitCode, 1);
+    EXPECT_EQ(Cli({"archive", "list", "--since", "gestern"}).exitCode, 2);
+}
+
+TEST_P(ArchiveCliTest, NoArchiveLeavesItAlone)
+{
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    const RunResult read =
+        RunCli(sim, {"--archive", m_place->url(), "--no-archive", "records", "read-all", File("a.txt")});
+    ASSERT_EQ(read.exitCode, 0) << read.err.toStdString();
+    EXPECT_EQ(CountRecords(*m_place->Open(), {}), 0);
+}
+
+TEST_P(ArchiveCliTest, ThePdfCarriesTheHashAndVerifyFindsAChangedRecord)
+{
+    ASSERT_TRUE(WriteFile(File("r.txt"), MakeRecord({.device = "PDF-7"}) + MakeRecord({.device = "PDF-8"})));
+    ASSERT_EQ(Cli({"archive", "import", File("r.txt")}).exitCode, 0);
+    const std::unique_ptr<Archive> opened = m_place->Open();
+    const ArchivedRecord first = ListRecords(*opened, {}).last();
+
+    const RunResult shown = Cli({"archive", "show", QString::number(first.id), "--pdf", File("r.pdf")});
+    ASSERT_EQ(shown.exitCode, 0) << shown.err.toStdString();
+    QProcess pdftotext;
+    pdftotext.start(QStringLiteral("pdftotext"), {File("r.pdf"), QStringLiteral("-")});
+    ASSERT_TRUE(pdftotext.waitForFinished(30000));
+    const QString text = QString::fromUtf8(pdftotext.readAllStandardOutput());
+    EXPECT_TRUE(text.contains(QStringLiteral("SHA-256: ") + QString::fromLatin1(first.sha256)))
+        << text.toStdString();
+    EXPECT_TRUE(text.contains(first.deviceId));
+
+    RunResult verify = Cli({"archive", "verify"});
+    EXPECT_EQ(verify.exitCode, 0) << verify.err.toStdString();
+    EXPECT_TRUE(verify.out.contains(QStringLiteral("2 geprüft, 0 verändert")));
+    opened->Exec(QStringLiteral("UPDATE records SET raw = ? WHERE id = ?"),
+                 {QByteArray("P;geändert;$FF\r\n"), first.id});
+    verify = Cli({"archive", "verify"});
+    EXPECT_EQ(verify.exitCode, 1);
+    EXPECT_TRUE(verify.out.contains(QStringLiteral("Nr %1 verändert: gespeichert %2")
+                                        .arg(first.id)
+                                        .arg(QString::fromLatin1(first.sha256))))
+        << verify.out.toStdString();
+    EXPECT_TRUE(verify.out.contains(QStringLiteral("2 geprüft, 1 verändert")));
+
+    const RunResult missing = Cli({"archive", "show", "999"});
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_TRUE(missing.err.contains(QStringLiteral("kein Protokoll Nr. 999"))) << missing.err.toStdString();
+}
+
+TEST_P(ArchiveCliTest, TwoProgramsImportingTheSameThousandRecordsStoreEachOnce)
+{
+    const QList<QByteArray> records = ManyRecords(1000, 60);
+    records::WriteRecordFile(File("tausend.txt"), records);
+    QProcess programs[2];
+    for (QProcess &p : programs)
+        p.start(BuiltProgram(QStringLiteral("kalvo-cli")),
+                {QStringLiteral("--archive"), m_place->url(), QStringLiteral("archive"),
+                 QStringLiteral("import"), File("tausend.txt")});
+    int added = 0;
+    for (QProcess &p : programs) {
+        ASSERT_TRUE(p.waitForFinished(120000));
+        const QString out = QString::fromUtf8(p.readAllStandardOutput());
+        EXPECT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
+        added += out.section(QStringLiteral(": "), 1).section(QLatin1Char(' '), 0, 0).toInt();
+    }
+    EXPECT_EQ(added, 1000);
+    EXPECT_EQ(CountRecords(*m_place->Open(), {}), 1000);
+
+    const RunResult exported = Cli({"archive", "export", File("alle.csv"), "--device", "DEV-7"});
+    ASSERT_EQ(exported.exitCode, 0) << exported.err.toStdString();
+    EXPECT_EQ(ReadFile(File("alle.csv")).count("\r\n"), 1 + 1000 / 60 + 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Both, ArchiveCliTest, ::testing::Values(Backend::SQLite, Backend::PostgreSQL),
+                         BackendName);
+
+TEST(ArchiveCliFile, ABrokenArchiveIsNamedAndKeptAndTheRecordFileIsStillWritten)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("archive.sqlite"));
+    const QByteArray junk = QByteArray("SQLite format 3\0", 16) + QByteArray(8192, '\x5A');
+    ASSERT_TRUE(WriteFile(path, junk));
+    const struct {
+        QString url;
+        QString named; // what the message names
+    } archives[] = {
+        {path, QStringLiteral("Archiv ") + path},
+        {QStringLiteral("postgresql://kalvo@localhost/archiv?host=") +
+             dir.filePath(QStringLiteral("kein-server")),
+         QStringLiteral("Archiv postgresql://kalvo@") + dir.filePath(QStringLiteral("kein-server"))},
+    };
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+    for (const auto &archive : archives) {
+        const QString file = dir.filePath(QStringLiteral("a.txt"));
+        QFile::remove(file);
+        const RunResult read = RunCli(sim, {"--archive", archive.url, "records", "read-all", file});
+        EXPECT_EQ(read.exitCode, 1) << archive.url.toStdString();
+        EXPECT_TRUE(read.err.contains(archive.named)) << read.err.toStdString();
+        EXPECT_GT(records::LoadRecordFile(file).size(), 5);
+        const RunResult list =
+            RunProgram(QStringLiteral("kalvo-cli"), {"--archive", archive.url, "archive", "list"});
+        EXPECT_EQ(list.exitCode, 1);
+        EXPECT_TRUE(list.err.contains(archive.named)) << list.err.toStdString();
+    }
+    EXPECT_EQ(ReadFile(path), junk);
+}
+
+} // namespace
