@@ -14,6 +14,9 @@
 #include "records/ui/RecordWindow.h"
 #include "shell/ui/HelpWindow.h"
 #include "shell/ui/ServiceWindow.h"
+#include "specdb/DefaultLimits.h"
+#include "specdb/SpecEditor.h"
+#include "specdb/ui/DatabaseWindow.h"
 #include "update/ui/TemplateTools.h"
 
 #include <QLabel>
@@ -101,6 +104,20 @@ modem::ui::ModemWindow *ChildWindows::OpenModem(const link::LanguageTable &texts
     return m_modem;
 }
 
+specdb::ui::DatabaseWindow *ChildWindows::OpenDatabase(const link::LanguageTable &texts)
+{
+    if (!m_database) {
+        m_database = new specdb::ui::DatabaseWindow(
+            m_device, texts, specdb::RegulationRules{specdb::ApplyDefaults, specdb::LooserLimits});
+        m_database->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_database, &specdb::ui::DatabaseWindow::testRecordChosen, this,
+                [this, &texts](int number) { OpenRecords(texts.language())->ShowStoredRecord(number); });
+        m_database->SetBusy(m_device.busy());
+    }
+    Present(m_database);
+    return m_database;
+}
+
 archive::ui::ArchiveWindow *ChildWindows::OpenArchive()
 {
     if (!m_archive) {
@@ -162,6 +179,8 @@ void ChildWindows::SetBusy(bool busy)
     }
     if (m_modem)
         m_modem->SetBusy(busy);
+    if (m_database)
+        m_database->SetBusy(busy);
 }
 
 void ChildWindows::CloseAll()
@@ -170,6 +189,7 @@ void ChildWindows::CloseAll()
     delete m_service;
     delete m_records;
     delete m_modem;
+    delete m_database;
     delete m_archive;
     delete m_help;
 }

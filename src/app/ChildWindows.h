@@ -29,6 +29,9 @@ class ArchiveWindow;
 namespace kalvo::modem::ui {
 class ModemWindow;
 }
+namespace kalvo::specdb::ui {
+class DatabaseWindow;
+}
 namespace kalvo::update::ui {
 class TemplateTools;
 }
@@ -46,6 +49,9 @@ public:
     shell::ui::ServiceWindow *OpenService(const link::LanguageTable &texts, const QString &defaultBackupName);
     records::ui::RecordWindow *OpenRecords(const QString &language);
     modem::ui::ModemWindow *OpenModem(const link::LanguageTable &texts);
+    // The test-specification database FRMDB; a test record clicked there opens in the record
+    // window. `texts` must outlive the window.
+    specdb::ui::DatabaseWindow *OpenDatabase(const link::LanguageTable &texts);
     // The record archive named in the user settings (the SQLite file in the user's data folder).
     archive::ui::ArchiveWindow *OpenArchive();
     void ShowHelp(const QString &path, const QString &title);
@@ -74,6 +80,7 @@ private:
     QPointer<records::ui::RecordWindow> m_records;
     QPointer<update::ui::TemplateTools> m_templates; // a child of the record window
     QPointer<modem::ui::ModemWindow> m_modem;
+    QPointer<specdb::ui::DatabaseWindow> m_database;
     QPointer<archive::ui::ArchiveWindow> m_archive;
     QPointer<shell::ui::HelpWindow> m_help;
 };

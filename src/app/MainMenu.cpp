@@ -41,9 +41,8 @@ MainMenu::MainMenu(QMenuBar *bar) : QObject(bar)
     ubez = entry(limits, "Ubez");
     pzhv = entry(limits, "PZHV");
     records = entry(nullptr, "protokolle");
-    // The archive is this program's own and has no entry in the language file: one caption.
+    specifications = entry(nullptr, "datenbank");
     archive = entry(nullptr, "archiv");
-    archive->setText(QStringLiteral("Archiv"));
     service = entry(nullptr, "service");
 
     languages = new shell::ui::LanguageMenu(bar);
@@ -72,6 +71,8 @@ void MainMenu::ApplyTexts(const link::LanguageTable &texts)
                                                            {name, link::TxtMenuName},
                                                            {service, link::TxtMenuService},
                                                            {records, link::TxtMenuRecords},
+                                                           {specifications, link::TxtMenuSpecifications},
+                                                           {archive, link::TxtMenuArchive},
                                                            {mitBez, link::TxtMenuWithDesignation},
                                                            {quillbank, link::TxtMenuQuillbank},
                                                            {setKal, link::TxtMenuRestoreCalibration},

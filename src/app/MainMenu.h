@@ -29,7 +29,7 @@ public:
     shell::ui::LanguageMenu *languages;
     QAction *connection, *config, *clock, *name, *mitBez, *quillbank, *setKal, *modem;
     QAction *kuschl, *ubez, *pzhv;
-    QAction *records, *archive, *service, *helpContents, *info, *development, *exit;
+    QAction *records, *specifications, *archive, *service, *helpContents, *info, *development, *exit;
 };
 
 } // namespace kalvo::app

@@ -166,8 +166,8 @@ int Defaults(CliContext &context, const QStringList &words)
     QStringList codes;
     for (int k = 0; k < specdb::kSentCodes; ++k)
         codes << QString::fromLatin1(record.codes[static_cast<size_t>(k)]);
-    context.out() << "regulation: " << specdb::RegulationList().value(editor.regulationEntry())
-                  << ", class " << record.codes[14] << ", type " << record.codes[15] << '\n'
+    context.out() << "regulation: " << specdb::RegulationList().value(editor.regulationEntry()) << ", class "
+                  << record.codes[14] << ", type " << record.codes[15] << '\n'
                   << "codes 0-19: " << codes.join(QLatin1Char(' ')) << '\n';
     const QList<specdb::BoxDefault> defaults =
         specdb::DefaultsFor(editor.regulationEntry(), record.codes[14], record.codes[15]);

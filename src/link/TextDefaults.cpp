@@ -3,9 +3,9 @@
 
 namespace kalvo::link {
 
-const std::array<TextDefault, 80> &TextDefaults()
+const std::array<TextDefault, 82> &TextDefaults()
 {
-    static const std::array<TextDefault, 80> kDefaults = {{
+    static const std::array<TextDefault, 82> kDefaults = {{
         {TxtPortNotOpen, "port not open",
          "Die Schnittstelle ist nicht geöffnet. Bitte unter Einstellungen die Schnittstelle wählen und mit "
          "OK "
@@ -93,6 +93,8 @@ const std::array<TextDefault, 80> &TextDefaults()
          "Der Kalvomer meldet %1, einstellbar sind %2 bis %3. Angezeigt wird %4."},
         {TxtLimitWriteClamped, "limit write clamped",
          "Der Kalvomer meldete %1 (außerhalb %2 bis %3). Stattdessen %4 schreiben?"},
+        {TxtMenuSpecifications, "menu specifications", "Prüfabläufe"},
+        {TxtMenuArchive, "menu archive", "Archiv"},
     }};
     return kDefaults;
 }

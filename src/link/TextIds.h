@@ -91,6 +91,9 @@ enum TextId : int {
     TxtServiceResetD3 = 79,
     TxtLimitOutOfRange = 80,
     TxtLimitWriteClamped = 81,
+    // The test-specification database and the record archive
+    TxtMenuSpecifications = 82,
+    TxtMenuArchive = 83,
 };
 
 struct TextDefault {
@@ -100,6 +103,6 @@ struct TextDefault {
 };
 
 // Every row the program uses, in row order.
-const std::array<TextDefault, 80> &TextDefaults();
+const std::array<TextDefault, 82> &TextDefaults();
 
 } // namespace kalvo::link

@@ -92,19 +92,23 @@ TEST(CliSpecdbCommands, AddSendsTheRecordInThreeChunksBehindTheRunningNumber)
 
 TEST(CliSpecdbCommands, DefaultsShowTheCodesAndEachBoxWithItsSourceWithoutATester)
 {
-    const RunResult run = RunProgram(QStringLiteral("kalvo-cli"),
-                                     Args({"specdb", "defaults", "--regulation", "vde 0701 t.1", "--class", "05"}));
+    const RunResult run =
+        RunProgram(QStringLiteral("kalvo-cli"),
+                   Args({"specdb", "defaults", "--regulation", "vde 0701 t.1", "--class", "05"}));
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QStringList lines = run.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 24) << run.out.toStdString();
     EXPECT_EQ(lines[0], QStringLiteral("regulation: VDE 0701 T.1, class 05, type 02"));
-    EXPECT_EQ(lines[1], QStringLiteral("codes 0-19: 00 01 00 00 00 00 10 00 20 00 00 00 00 00 05 02 00 1F 02 00"));
-    EXPECT_TRUE(lines[2].startsWith(QStringLiteral("GWert  1  Schutzleiterwiderstand"))) << lines[2].toStdString();
+    EXPECT_EQ(lines[1],
+              QStringLiteral("codes 0-19: 00 01 00 00 00 00 10 00 20 00 00 00 00 00 05 02 00 1F 02 00"));
+    EXPECT_TRUE(lines[2].startsWith(QStringLiteral("GWert  1  Schutzleiterwiderstand")))
+        << lines[2].toStdString();
     EXPECT_TRUE(lines[2].contains(QStringLiteral("<0.300Ohm   VDE 0701-1"))) << lines[2].toStdString();
-    EXPECT_TRUE(lines[3].endsWith(QStringLiteral("  -"))) << "box 2 is left empty: " << lines[3].toStdString();
+    EXPECT_TRUE(lines[3].endsWith(QStringLiteral("  -")))
+        << "box 2 is left empty: " << lines[3].toStdString();
     EXPECT_TRUE(lines[23].startsWith(QStringLiteral("GWert 22"))) << lines[23].toStdString();
-    const RunResult wrong = RunProgram(QStringLiteral("kalvo-cli"),
-                                       Args({"specdb", "defaults", "--regulation", "VDE 9999"}));
+    const RunResult wrong =
+        RunProgram(QStringLiteral("kalvo-cli"), Args({"specdb", "defaults", "--regulation", "VDE 9999"}));
     EXPECT_EQ(wrong.exitCode, 2);
     EXPECT_TRUE(wrong.err.contains(QStringLiteral("VDE 0701 T.1"))) << wrong.err.toStdString();
 }
@@ -136,7 +140,8 @@ TEST(CliSpecdbCommands, NothingIsStoredOrDeletedWhenTheRecordMayNotGo)
          Args({"--baud", "0", "--records", "0", "--specifications"}),
          Args({"--yes", "specdb", "delete", "3"}), QStringLiteral("Datensatz 3 gibt es nicht"), StoreRead(2)},
         {"a limit looser than the regulation's, not confirmed", Args({"--baud", "0", "--records", "0"}),
-         Args({"specdb", "add", "A", "--regulation", "VDE 0702", "--limit", "1=<1.000Ohm", "--limit", "3=>0.300MOhm"}),
+         Args({"specdb", "add", "A", "--regulation", "VDE 0702", "--limit", "1=<1.000Ohm", "--limit",
+               "3=>0.300MOhm"}),
          QStringLiteral("Die Grenzwerte in den Feldern 1, 3 sind schwächer"), StoreRead(0)},
         {"deleting without --yes", Args({"--baud", "0", "--records", "0", "--specifications"}),
          Args({"specdb", "delete", "--all"}),

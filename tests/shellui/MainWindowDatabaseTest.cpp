@@ -1,0 +1,74 @@
+// The main window hosts the database window: the regulations' defaults in its editor, and a test
+// record clicked there shown in the record window.
+#include "WindowFixture.h"
+
+#include "records/ui/RecordWindow.h"
+#include "specdb/ui/DatabaseWindow.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+
+using namespace kalvo;
+using namespace kalvo::testing;
+
+class MainWindowDatabaseTest : public WindowFixture {
+protected:
+    template <typename T> static T *TopLevel()
+    {
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (auto *found = qobject_cast<T *>(widget); found && found->isVisible())
+                return found;
+        }
+        return nullptr;
+    }
+};
+
+TEST_F(MainWindowDatabaseTest, TheEditorProposesTheRegulationsLimitsAndATestRecordOpensItsReport)
+{
+    Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    Trigger("datenbank");
+    auto *database = TopLevel<specdb::ui::DatabaseWindow>();
+    ASSERT_NE(database, nullptr);
+    EXPECT_EQ(m_window->findChild<QAction *>(QStringLiteral("datenbank"))->text(),
+              QStringLiteral("Prüfabläufe"));
+
+    // Choosing a regulation fills the boxes from the regulations' table.
+    auto *regulation = database->findChild<QComboBox *>(QStringLiteral("Vorschrift"));
+    const int entry = regulation->findText(QStringLiteral("VDE 0702"));
+    regulation->setCurrentIndex(entry);
+    emit regulation->activated(entry); // as a person's choice does
+    EXPECT_EQ(database->findChild<QLineEdit *>(QStringLiteral("GWert1"))->text(),
+              QStringLiteral("<0.300Ohm"));
+    EXPECT_EQ(database->findChild<QLineEdit *>(QStringLiteral("GWert3"))->text(),
+              QStringLiteral(">0.500MOhm"));
+    EXPECT_EQ(database->findChild<QLineEdit *>(QStringLiteral("GWert5"))->text(), QStringLiteral("<3.500mA"));
+    EXPECT_TRUE(database->findChild<QLineEdit *>(QStringLiteral("GWert14"))->text().isEmpty());
+
+    // The store of the built-in tester holds test records: one of them opens in the record window.
+    QSignalSpy listed(database, &specdb::ui::DatabaseWindow::listed);
+    database->findChild<QPushButton *>(QStringLiteral("readDB"))->click();
+    ASSERT_TRUE(WaitUntil([&] { return listed.count() > 0 && !m_window->device().busy(); }));
+    auto *list = database->findChild<QListWidget *>(QStringLiteral("IdNr"));
+    ASSERT_GT(list->count(), 0);
+    ASSERT_TRUE(list->item(0)->text().startsWith(QStringLiteral("1:measured: ")))
+        << list->item(0)->text().toStdString();
+    const qsizetype before = LinesSince(0).size();
+    emit list->itemClicked(list->item(0));
+    ASSERT_TRUE(Idle());
+    auto *records = TopLevel<records::ui::RecordWindow>();
+    ASSERT_NE(records, nullptr);
+    EXPECT_FALSE(records->reportBox()->toPlainText().isEmpty());
+    const QList<QByteArray> sent = LinesSince(before);
+    ASSERT_FALSE(sent.isEmpty());
+    // Record 1 printed by the tester with the chosen template.
+    EXPECT_TRUE(std::any_of(sent.begin(), sent.end(), [](const QByteArray &line) {
+        return line.startsWith("prn!") && line.endsWith(",1\r");
+    })) << QByteArrayList(sent).join(' ').toStdString();
+    Screenshot(*database, QStringLiteral("database-window"));
+}
