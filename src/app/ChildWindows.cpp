@@ -118,7 +118,7 @@ specdb::ui::DatabaseWindow *ChildWindows::OpenDatabase(const link::LanguageTable
     return m_database;
 }
 
-archive::ui::ArchiveWindow *ChildWindows::OpenArchive()
+archive::ui::ArchiveWindow *ChildWindows::OpenArchive(const QString &language)
 {
     if (!m_archive) {
         archive::ArchiveTarget target;
@@ -131,6 +131,7 @@ archive::ui::ArchiveWindow *ChildWindows::OpenArchive()
         m_archive = new archive::ui::ArchiveWindow(target);
         m_archive->setAttribute(Qt::WA_DeleteOnClose);
     }
+    m_archive->SetLanguage(language);
     Present(m_archive);
     return m_archive;
 }
@@ -163,6 +164,8 @@ void ChildWindows::ApplyTexts(const link::LanguageTable &texts)
         m_records->SetLanguage(texts.language());
     if (m_modem)
         m_modem->ApplyTexts(texts);
+    if (m_archive)
+        m_archive->SetLanguage(texts.language());
     if (m_help)
         m_help->setWindowTitle(texts.text(link::TxtHelpWindow));
 }

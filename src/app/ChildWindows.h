@@ -53,7 +53,7 @@ public:
     // window. `texts` must outlive the window.
     specdb::ui::DatabaseWindow *OpenDatabase(const link::LanguageTable &texts);
     // The record archive named in the user settings (the SQLite file in the user's data folder).
-    archive::ui::ArchiveWindow *OpenArchive();
+    archive::ui::ArchiveWindow *OpenArchive(const QString &language);
     void ShowHelp(const QString &path, const QString &title);
 
     void ApplyTexts(const link::LanguageTable &texts);

@@ -161,7 +161,7 @@ void MainWindow::ConnectMenus()
         on(entry, [this, entry = entry, kind = kind] { m_limits->Edit(kind, Caption(entry)); });
     on(m_menu->records, [this] { m_windows->OpenRecords(m_texts.language()); });
     on(m_menu->specifications, [this] { m_windows->OpenDatabase(m_texts); });
-    on(m_menu->archive, [this] { m_windows->OpenArchive(); });
+    on(m_menu->archive, [this] { m_windows->OpenArchive(m_texts.language()); });
     on(m_menu->service, [this] {
         const QByteArray &designation = m_identity.shortDesignation;
         m_windows->OpenService(m_texts,

@@ -178,3 +178,31 @@ TEST_F(ArchiveWindowTest, ACorruptArchiveIsNamedAndLeftAlone)
 }
 
 } // namespace
+
+TEST_F(ArchiveWindowTest, TheWindowSpeaksTheProgramsLanguage)
+{
+    Fill({MakeRecord({.device = "H-1", .date = "05.03.21"})});
+    auto &window = Open();
+    const struct {
+        const char *language;
+        const char *title, *search, *verdictAll, *dueBefore, *secondColumn, *status;
+    } cases[] = {
+        {"englisch", "Archive", "Search", "all", "due before", "Test date", "1 test records"},
+        {"französisch", "Archives", "Rechercher", "tous", "échéance avant", "Date d'essai",
+         "1 procès-verbaux"},
+        {"unbekannt", "Archiv", "Suchen", "alle", "fällig vor", "Prüfdatum", "1 Protokolle"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.language);
+        window.SetLanguage(QString::fromUtf8(c.language));
+        window.Search();
+        EXPECT_EQ(window.windowTitle(), QString::fromUtf8(c.title));
+        EXPECT_EQ(Child<QPushButton>("suchen")->text(), QString::fromUtf8(c.search));
+        EXPECT_EQ(Child<QComboBox>("ergebnis")->itemText(0), QString::fromUtf8(c.verdictAll));
+        EXPECT_EQ(Child<QComboBox>("vorschrift")->itemText(0), QString::fromUtf8(c.verdictAll));
+        EXPECT_EQ(Child<QCheckBox>("mitFaellig")->text(), QString::fromUtf8(c.dueBefore));
+        EXPECT_EQ(window.model()->headerData(1, Qt::Horizontal).toString(),
+                  QString::fromUtf8(c.secondColumn));
+        EXPECT_EQ(window.status()->text(), QString::fromUtf8(c.status));
+    }
+}

@@ -1,6 +1,8 @@
 // The archive's records as a table that fetches a page at a time while the list is scrolled.
 #include "ArchiveTableModel.h"
 
+#include "ArchiveCaptions.h"
+
 #include "archive/ArchiveQueries.h"
 
 #include <QBrush>
@@ -15,6 +17,12 @@ enum Column { kNumber, kTested, kDevice, kType, kRegulation, kVerdict, kCustomer
 
 ArchiveTableModel::ArchiveTableModel(QObject *parent) : QAbstractTableModel(parent)
 {}
+
+void ArchiveTableModel::SetLanguage(const QString &language)
+{
+    m_language = language;
+    emit headerDataChanged(Qt::Horizontal, 0, kColumns - 1);
+}
 
 void ArchiveTableModel::Show(Archive *archive, const ArchiveFilter &filter)
 {
@@ -72,11 +80,12 @@ QVariant ArchiveTableModel::data(const QModelIndex &index, int role) const
 
 QVariant ArchiveTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    static const char *const titles[kColumns] = {"Nr",         "Prüfdatum", "ID-Nr", "Typ",
-                                                 "Vorschrift", "Ergebnis",  "Kunde", "Nächste Prüfung"};
+    static const Caption titles[kColumns] = {
+        Caption::ColumnNumber, Caption::ColumnTestDate, Caption::DeviceId, Caption::Type,
+        Caption::Regulation,   Caption::Verdict,        Caption::Customer, Caption::ColumnNextTest};
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= kColumns)
         return {};
-    return QString::fromUtf8(titles[section]);
+    return CaptionText(titles[section], m_language);
 }
 
 bool ArchiveTableModel::canFetchMore(const QModelIndex &parent) const

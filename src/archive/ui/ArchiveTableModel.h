@@ -22,6 +22,8 @@ public:
     // Shows the records `filter` finds in `archive` (none when it is null), the first page at once.
     // Throws ArchiveError when the archive fails; the table is then empty.
     void Show(Archive *archive, const ArchiveFilter &filter);
+    // The column titles in `language` (the language table's names).
+    void SetLanguage(const QString &language);
     qint64 total() const { return m_total; }
     // The record of a row that has been fetched.
     const ArchivedRecord &record(int row) const { return m_rows.at(row); }
@@ -38,6 +40,7 @@ signals:
     void failed(const QString &message);
 
 private:
+    QString m_language;
     Archive *m_archive = nullptr;
     ArchiveFilter m_filter;
     QList<ArchivedRecord> m_rows;

@@ -8,11 +8,12 @@
 #include "archive/ArchiveExport.h"
 #include "archive/ArchiveQueries.h"
 #include "archive/RetestIntervals.h"
+#include "gui/GuiPrompter.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QFileDialog>
+#include <QDir>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -49,8 +50,8 @@ ArchiveWindow::ArchiveWindow(const ArchiveTarget &target, QWidget *parent)
     : QMainWindow(parent), m_model(new ArchiveTableModel(this))
 {
     setObjectName(QStringLiteral("FRMArchiv"));
-    setWindowTitle(QStringLiteral("Archiv"));
     BuildForm();
+    SetLanguage(QString());
     connect(m_model, &ArchiveTableModel::failed, this, &ArchiveWindow::Fail);
     try {
         m_archive = std::make_unique<Archive>(target);
@@ -74,25 +75,26 @@ void ArchiveWindow::BuildForm()
     m_customer = Named(new QLineEdit, "kunde");
     m_text = Named(new QLineEdit, "text");
     m_verdict = Named(new QComboBox, "ergebnis");
-    m_verdict->addItems(
-        {QStringLiteral("alle"), QStringLiteral("bestanden"), QStringLiteral("nicht bestanden")});
+    m_verdict->addItems({QString(), QString(), QString()}); // all, passed, failed
     m_regulation = Named(new QComboBox, "vorschrift");
-    m_regulation->addItem(QStringLiteral("alle"));
+    m_regulation->addItem(QString()); // all
     for (const auto &[name, months] : DefaultRegulationIntervals())
         m_regulation->addItem(name);
     const QDate today = QDate::currentDate();
-    m_useFrom = Named(new QCheckBox(QStringLiteral("von")), "mitVon");
-    m_useTo = Named(new QCheckBox(QStringLiteral("bis")), "mitBis");
-    m_useDue = Named(new QCheckBox(QStringLiteral("fällig vor")), "mitFaellig");
+    m_useFrom = Named(new QCheckBox, "mitVon");
+    m_useTo = Named(new QCheckBox, "mitBis");
+    m_useDue = Named(new QCheckBox, "mitFaellig");
     m_from = DateField("von", today.addYears(-1));
     m_to = DateField("bis", today);
     m_due = DateField("faellig", today.addMonths(1));
-    const std::pair<const char *, QWidget *> fields[] = {
-        {"ID-Nr", m_device}, {"Typ", m_type},         {"Kunde", m_customer},
-        {"Text", m_text},    {"Ergebnis", m_verdict}, {"Vorschrift", m_regulation}};
+    const std::pair<Caption, QWidget *> fields[] = {
+        {Caption::DeviceId, m_device}, {Caption::Type, m_type},       {Caption::Customer, m_customer},
+        {Caption::Text, m_text},       {Caption::Verdict, m_verdict}, {Caption::Regulation, m_regulation}};
     int row = 0;
-    for (const auto &[label, field] : fields) {
-        form->addWidget(new QLabel(QString::fromUtf8(label)), row / 2, (row % 2) * 2);
+    for (const auto &[caption, field] : fields) {
+        auto *label = new QLabel;
+        m_labels.append({label, caption});
+        form->addWidget(label, row / 2, (row % 2) * 2);
         form->addWidget(field, row / 2, (row % 2) * 2 + 1);
         ++row;
     }
@@ -101,7 +103,8 @@ void ArchiveWindow::BuildForm()
         dates->addWidget(check);
         dates->addWidget(date);
     }
-    auto *search = Named(new QPushButton(QStringLiteral("Suchen")), "suchen");
+    auto *search = Named(new QPushButton, "suchen");
+    m_buttons.append({search, Caption::Search});
     search->setDefault(true);
     dates->addStretch();
     dates->addWidget(search);
@@ -129,14 +132,15 @@ void ArchiveWindow::BuildForm()
     m_status = Named(new QLabel, "status");
     m_status->setWordWrap(true);
     auto *buttons = new QHBoxLayout;
-    auto *history = Named(new QPushButton(QStringLiteral("Verlauf des Geräts")), "verlauf");
+    auto *history = Named(new QPushButton, "verlauf");
+    m_buttons.append({history, Caption::History});
     auto *pdf = Named(new QPushButton(QStringLiteral("PDF ...")), "pdf");
     auto *csv = Named(new QPushButton(QStringLiteral("CSV ...")), "csv");
     connect(history, &QPushButton::clicked, this, &ArchiveWindow::ShowHistory);
     connect(pdf, &QPushButton::clicked, this,
-            [this] { AskAndExport(QStringLiteral("PDF (*.pdf)"), &ArchiveWindow::ExportPdf); });
+            [this] { AskAndExport(QStringLiteral("PDF (*.pdf)|*.pdf"), &ArchiveWindow::ExportPdf); });
     connect(csv, &QPushButton::clicked, this,
-            [this] { AskAndExport(QStringLiteral("CSV (*.csv)"), &ArchiveWindow::ExportCsv); });
+            [this] { AskAndExport(QStringLiteral("CSV (*.csv)|*.csv"), &ArchiveWindow::ExportCsv); });
     buttons->addWidget(m_status, 1);
     for (QPushButton *button : {history, pdf, csv})
         buttons->addWidget(button);
@@ -148,6 +152,29 @@ void ArchiveWindow::BuildForm()
     layout->addLayout(buttons);
     setCentralWidget(central);
     resize(900, 700);
+}
+
+void ArchiveWindow::SetLanguage(const QString &language)
+{
+    m_language = language;
+    setWindowTitle(Text(Caption::Title));
+    for (const auto &[label, caption] : std::as_const(m_labels))
+        label->setText(Text(caption));
+    for (const auto &[button, caption] : std::as_const(m_buttons))
+        button->setText(Text(caption));
+    m_verdict->setItemText(0, Text(Caption::All));
+    m_verdict->setItemText(1, Text(Caption::Passed));
+    m_verdict->setItemText(2, Text(Caption::Failed));
+    m_regulation->setItemText(0, Text(Caption::All));
+    m_useFrom->setText(Text(Caption::From));
+    m_useTo->setText(Text(Caption::To));
+    m_useDue->setText(Text(Caption::DueBefore));
+    m_model->SetLanguage(language);
+}
+
+QString ArchiveWindow::Text(Caption caption) const
+{
+    return CaptionText(caption, m_language);
 }
 
 ArchiveFilter ArchiveWindow::Filter() const
@@ -178,7 +205,7 @@ void ArchiveWindow::Search()
     try {
         const ArchiveFilter filter = Filter();
         m_model->Show(m_archive.get(), filter);
-        m_status->setText(QStringLiteral("%1 Protokolle").arg(m_model->total()));
+        m_status->setText(Text(Caption::Records).arg(m_model->total()));
         if (!filter.deviceId.isEmpty())
             ShowDeviceStatus(filter.deviceId);
     } catch (const link::KalvoError &e) {
@@ -205,11 +232,11 @@ void ArchiveWindow::ShowDeviceStatus(const QString &deviceId)
 {
     const std::optional<DueDevice> device = DeviceStatus(*m_archive, deviceId);
     if (!device) {
-        m_status->setText(m_status->text() + QStringLiteral(" - %1: kein datierter Test").arg(deviceId));
+        m_status->setText(m_status->text() + Text(Caption::NoDatedTest).arg(deviceId));
         return;
     }
     m_status->setText(m_status->text() +
-                      QStringLiteral(" - %1: zuletzt geprüft %2, nächste Prüfung %3 (alle %4 Monate)")
+                      Text(Caption::DeviceStatus)
                           .arg(deviceId, device->lastTest.date().toString(QStringLiteral("dd.MM.yyyy")),
                                device->nextTest.toString(QStringLiteral("dd.MM.yyyy")))
                           .arg(device->intervalMonths));
@@ -254,7 +281,7 @@ bool ArchiveWindow::ExportPdf(const QString &path)
         ids.append(record.id);
     try {
         const int count = ExportArchivePdf(*m_archive, ids, path);
-        m_status->setText(QStringLiteral("%1 Berichte -> %2").arg(count).arg(path));
+        m_status->setText(Text(Caption::ReportsSaved).arg(count).arg(QDir::toNativeSeparators(path)));
         return true;
     } catch (const link::KalvoError &e) {
         Fail(e.message());
@@ -268,7 +295,7 @@ bool ArchiveWindow::ExportCsv(const QString &path)
         return false;
     try {
         const qint64 count = WriteArchiveCsv(Chosen(), path);
-        m_status->setText(QStringLiteral("%1 Protokolle -> %2").arg(count).arg(path));
+        m_status->setText(Text(Caption::RecordsSaved).arg(count).arg(QDir::toNativeSeparators(path)));
         return true;
     } catch (const link::KalvoError &e) {
         Fail(e.message());
@@ -280,7 +307,8 @@ void ArchiveWindow::AskAndExport(const QString &filter, bool (ArchiveWindow::*ex
 {
     if (!m_archive)
         return;
-    const QString path = QFileDialog::getSaveFileName(this, windowTitle(), QString(), filter);
+    // The program's save dialog: it belongs to this window and adds the suffix a name lacks.
+    const QString path = gui::GuiPrompter(this, windowTitle()).askSaveFile(filter);
     if (!path.isEmpty())
         (this->*exporter)(path);
 }

@@ -2,6 +2,7 @@
 // report, and the selection exported as PDF or CSV.
 #pragma once
 
+#include "ArchiveCaptions.h"
 #include "archive/ArchiveLocation.h"
 #include "archive/ArchiveTypes.h"
 
@@ -12,6 +13,7 @@ class QCheckBox;
 class QComboBox;
 class QDateEdit;
 class QLabel;
+class QPushButton;
 class QLineEdit;
 class QPlainTextEdit;
 class QTableView;
@@ -31,6 +33,8 @@ public:
     explicit ArchiveWindow(const ArchiveTarget &target, QWidget *parent = nullptr);
     ~ArchiveWindow() override;
 
+    // Every caption in `language` (the language table's names; German for one it does not know).
+    void SetLanguage(const QString &language);
     // Lists what the search fields and filters find, newest first.
     void Search();
     // The selected record's device: its history, newest first, and its next test.
@@ -47,6 +51,7 @@ public:
 
 private:
     void BuildForm();
+    QString Text(Caption caption) const;
     ArchiveFilter Filter() const;
     void ShowSelectedReport();
     void ShowDeviceStatus(const QString &deviceId);
@@ -63,6 +68,9 @@ private:
     QComboBox *m_verdict, *m_regulation;
     QCheckBox *m_useFrom, *m_useTo, *m_useDue;
     QDateEdit *m_from, *m_to, *m_due;
+    QString m_language;
+    QList<std::pair<QLabel *, Caption>> m_labels;
+    QList<std::pair<QPushButton *, Caption>> m_buttons;
 };
 
 } // namespace kalvo::archive::ui

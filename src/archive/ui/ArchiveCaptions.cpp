@@ -1,0 +1,56 @@
+// The texts of the window "Archiv" in the program's seven languages.
+#include "ArchiveCaptions.h"
+
+#include "gui/Phrases.h"
+
+namespace kalvo::archive::ui {
+
+QString CaptionText(Caption caption, const QString &language)
+{
+    // Columns: deutsch, englisch, französisch, italienisch, tschechisch, nederlandske, spain.
+    static const gui::LanguageTexts kTexts[] = {
+        {u"Archiv", u"Archive", u"Archives", u"Archivio", u"Archiv", u"Archief", u"Archivo"},
+        {u"ID-Nr", u"ID no.", u"N° ID", u"N. ID", u"ID č.", u"ID-nr.", u"N.º ID"},
+        {u"Typ", u"Type", u"Type", u"Tipo", u"Typ", u"Type", u"Tipo"},
+        {u"Kunde", u"Customer", u"Client", u"Cliente", u"Zákazník", u"Klant", u"Cliente"},
+        {u"Text", u"Text", u"Texte", u"Testo", u"Text", u"Tekst", u"Texto"},
+        {u"Ergebnis", u"Result", u"Résultat", u"Esito", u"Výsledek", u"Resultaat", u"Resultado"},
+        {u"Vorschrift", u"Regulation", u"Norme", u"Norma", u"Předpis", u"Voorschrift", u"Norma"},
+        {u"alle", u"all", u"tous", u"tutti", u"vše", u"alle", u"todos"},
+        {u"bestanden", u"passed", u"réussi", u"superato", u"vyhověl", u"geslaagd", u"superado"},
+        {u"nicht bestanden", u"failed", u"échoué", u"non superato", u"nevyhověl", u"niet geslaagd",
+         u"no superado"},
+        {u"von", u"from", u"du", u"dal", u"od", u"van", u"desde"},
+        {u"bis", u"to", u"au", u"al", u"do", u"tot", u"hasta"},
+        {u"fällig vor", u"due before", u"échéance avant", u"scadenza prima del", u"splatné před",
+         u"vervalt voor", u"vence antes de"},
+        {u"Suchen", u"Search", u"Rechercher", u"Cerca", u"Hledat", u"Zoeken", u"Buscar"},
+        {u"Verlauf des Geräts", u"Device history", u"Historique de l'appareil", u"Storico dell'apparecchio",
+         u"Historie přístroje", u"Geschiedenis van het apparaat", u"Historial del aparato"},
+        {u"%1 Protokolle", u"%1 test records", u"%1 procès-verbaux", u"%1 verbali", u"%1 protokolů",
+         u"%1 testrapporten", u"%1 informes"},
+        {u" - %1: kein datierter Test", u" - %1: no dated test", u" - %1 : aucun essai daté",
+         u" - %1: nessuna prova datata", u" - %1: žádná datovaná zkouška", u" - %1: geen gedateerde test",
+         u" - %1: ningún ensayo con fecha"},
+        {u" - %1: zuletzt geprüft %2, nächste Prüfung %3 (alle %4 Monate)",
+         u" - %1: last tested %2, next test %3 (every %4 months)",
+         u" - %1 : dernier essai %2, prochain essai %3 (tous les %4 mois)",
+         u" - %1: ultima prova %2, prossima prova %3 (ogni %4 mesi)",
+         u" - %1: naposledy zkoušeno %2, další zkouška %3 (každých %4 měsíců)",
+         u" - %1: laatst getest %2, volgende test %3 (elke %4 maanden)",
+         u" - %1: último ensayo %2, próximo ensayo %3 (cada %4 meses)"},
+        {u"%1 Berichte -> %2", u"%1 reports -> %2", u"%1 rapports -> %2", u"%1 rapporti -> %2",
+         u"%1 zpráv -> %2", u"%1 rapporten -> %2", u"%1 informes -> %2"},
+        {u"%1 Protokolle -> %2", u"%1 test records -> %2", u"%1 procès-verbaux -> %2", u"%1 verbali -> %2",
+         u"%1 protokolů -> %2", u"%1 testrapporten -> %2", u"%1 informes -> %2"},
+        {u"Nr", u"No.", u"N°", u"N.", u"Č.", u"Nr.", u"N.º"},
+        {u"Prüfdatum", u"Test date", u"Date d'essai", u"Data prova", u"Datum zkoušky", u"Testdatum",
+         u"Fecha de ensayo"},
+        {u"Nächste Prüfung", u"Next test", u"Prochain essai", u"Prossima prova", u"Další zkouška",
+         u"Volgende test", u"Próximo ensayo"},
+    };
+    static_assert(std::size(kTexts) == static_cast<size_t>(Caption::ColumnNextTest) + 1);
+    return gui::InLanguage(kTexts[static_cast<size_t>(caption)], language);
+}
+
+} // namespace kalvo::archive::ui

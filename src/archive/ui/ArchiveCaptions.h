@@ -1,0 +1,37 @@
+// The texts of the window "Archiv" in the program's seven languages.
+#pragma once
+
+#include <QString>
+
+namespace kalvo::archive::ui {
+
+enum class Caption {
+    Title,
+    DeviceId,
+    Type,
+    Customer,
+    Text,
+    Verdict,
+    Regulation,
+    All,
+    Passed,
+    Failed,
+    From,
+    To,
+    DueBefore,
+    Search,
+    History,
+    Records,      // %1 how many
+    NoDatedTest,  // %1 the device
+    DeviceStatus, // %1 the device, %2 last test, %3 next test, %4 months
+    ReportsSaved, // %1 how many, %2 the file
+    RecordsSaved, // %1 how many, %2 the file
+    ColumnNumber,
+    ColumnTestDate,
+    ColumnNextTest,
+};
+
+// `caption` in `language` (the language table's names); German for a name it does not know.
+QString CaptionText(Caption caption, const QString &language);
+
+} // namespace kalvo::archive::ui
