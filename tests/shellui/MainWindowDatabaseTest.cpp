@@ -50,6 +50,20 @@ TEST_F(MainWindowDatabaseTest, TheEditorProposesTheRegulationsLimitsAndATestReco
     EXPECT_EQ(database->findChild<QLineEdit *>(QStringLiteral("GWert5"))->text(), QStringLiteral("<3.500mA"));
     EXPECT_TRUE(database->findChild<QLineEdit *>(QStringLiteral("GWert14"))->text().isEmpty());
 
+    // A limit looser than the regulation's stands out; a stricter one does not.
+    const auto type = [&](const char *box, const QString &text) {
+        auto *edit = database->findChild<QLineEdit *>(QString::fromLatin1(box));
+        edit->setText(text);
+        edit->setModified(true);
+        emit edit->editingFinished();
+        return edit->property("looser").toBool();
+    };
+    EXPECT_FALSE(database->findChild<QLineEdit *>(QStringLiteral("GWert1"))->property("looser").toBool());
+    EXPECT_TRUE(type("GWert1", QStringLiteral("<1.000Ohm")));
+    EXPECT_FALSE(type("GWert3", QStringLiteral(">2.000MOhm")));
+    EXPECT_TRUE(type("GWert5", QString())); // the measurement switched off
+    EXPECT_FALSE(type("GWert1", QStringLiteral("<0.300Ohm")));
+
     // The store of the built-in tester holds test records: one of them opens in the record window.
     QSignalSpy listed(database, &specdb::ui::DatabaseWindow::listed);
     database->findChild<QPushButton *>(QStringLiteral("readDB"))->click();

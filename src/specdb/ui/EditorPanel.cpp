@@ -162,6 +162,7 @@ void EditorPanel::LimitEdited(int box)
     // The record holds what the box shows, fitting or not: storing it says so again.
     const QByteArray text = LimitFromText(edit->text());
     m_editor.SetLimit(box, text);
+    MarkLooser();
     if (LimitFits(box, text)) {
         edit->setModified(false);
         return;
@@ -207,6 +208,22 @@ void EditorPanel::Refresh()
         QLineEdit *edit = m_limits[static_cast<size_t>(box)];
         edit->setText(link::ConvertDisplayText(m_editor.record().limits[static_cast<size_t>(box)]));
         edit->setModified(false);
+    }
+    MarkLooser();
+}
+
+void EditorPanel::MarkLooser()
+{
+    // A limit that lets through what the regulation stops stands out before anyone stores it.
+    const QList<int> looser = m_editor.LooserBoxes(m_rules);
+    for (int box = 1; box <= kLimitBoxes; ++box) {
+        QLineEdit *edit = m_limits[static_cast<size_t>(box)];
+        const bool marked = looser.contains(box);
+        if (edit->property("looser").toBool() == marked)
+            continue;
+        edit->setProperty("looser", marked);
+        edit->setStyleSheet(marked ? QStringLiteral("QLineEdit { background-color: #ffd9a0; }") : QString());
+        edit->setToolTip(marked ? QStringLiteral("Schwächer, als die Vorschrift verlangt") : QString());
     }
 }
 

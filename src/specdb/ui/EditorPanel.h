@@ -35,6 +35,9 @@ private:
     void BuildLimits();
     // A limit box left after editing: its text must fit, or the focus goes back to it.
     void LimitEdited(int box);
+    // Marks the boxes whose limit is looser than the regulation's (property "looser", a colour and
+    // a tool tip), and unmarks the others.
+    void MarkLooser();
 
     SpecEditor m_editor;
     RegulationRules m_rules;
