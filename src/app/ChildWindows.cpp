@@ -3,6 +3,7 @@
 #include "ChildWindows.h"
 
 #include "archive/ArchiveLocation.h"
+#include "archive/ArchiveSession.h"
 #include "archive/RecordKeeping.h"
 #include "archive/ui/ArchiveWindow.h"
 #include "config/ui/ServiceConfigPanel.h"
@@ -136,15 +137,33 @@ archive::ui::ArchiveWindow *ChildWindows::OpenArchive(const QString &language)
     return m_archive;
 }
 
+void ChildWindows::SetTester(const QString &name, const QString &serialNumber)
+{
+    m_tester = name;
+    m_testerSerial = serialNumber;
+}
+
 void ChildWindows::KeepInArchive(const QList<QByteArray> &records, const QString &file, bool fromAccessory)
 {
-    const archive::RecordSource source{QString(), QString(),
+    // Records loaded from a file name the file; records read now name the tester they came from.
+    const bool fromTester = file.isEmpty();
+    const archive::RecordSource source{fromTester ? m_tester : QString(),
+                                       fromTester ? m_testerSerial : QString(),
                                        fromAccessory ? QStringLiteral("KYM") : QString(), file};
-    const archive::KeepOutcome outcome = archive::KeepReadRecords(records, source);
-    if (!outcome.messages.isEmpty())
-        QMessageBox::warning(m_main, QStringLiteral("Archiv"), outcome.messages.join(QLatin1Char('\n')));
-    if (outcome.kept && m_archive)
-        m_archive->Search();
+    if (!m_keeper)
+        m_keeper = new archive::ArchiveSession(this);
+    const auto tell = [this](const QStringList &messages) {
+        if (!messages.isEmpty())
+            QMessageBox::warning(m_main, QStringLiteral("Archiv"), messages.join(QLatin1Char('\n')));
+    };
+    m_keeper->Run(
+        this, [records, source] { return archive::KeepReadRecords(records, source); },
+        [this, tell](const archive::KeepOutcome &outcome) {
+            if (outcome.kept && m_archive)
+                m_archive->Search();
+            tell(outcome.messages);
+        },
+        [tell](const QString &message) { tell({message}); });
 }
 
 void ChildWindows::ShowHelp(const QString &path, const QString &title)

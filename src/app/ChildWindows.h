@@ -23,6 +23,9 @@ class ServiceConfigPanel;
 namespace kalvo::records::ui {
 class RecordWindow;
 }
+namespace kalvo::archive {
+class ArchiveSession;
+}
 namespace kalvo::archive::ui {
 class ArchiveWindow;
 }
@@ -55,6 +58,8 @@ public:
     // The record archive named in the user settings (the SQLite file in the user's data folder).
     archive::ui::ArchiveWindow *OpenArchive(const QString &language);
     void ShowHelp(const QString &path, const QString &title);
+    // The tester connected now (empty when none): records read from it are archived as its.
+    void SetTester(const QString &name, const QString &serialNumber);
 
     void ApplyTexts(const link::LanguageTable &texts);
     void SetBusy(bool busy);
@@ -69,12 +74,15 @@ signals:
 
 private:
     void Present(QWidget *window);
-    // Records a window read go into the archive too; the user is told what could not be kept.
+    // Records a window read go into the archive too, on the archive's thread; the user is told
+    // what could not be kept.
     void KeepInArchive(const QList<QByteArray> &records, const QString &file, bool fromAccessory);
 
     gui::DeviceThread &m_device;
     QWidget *m_main;
     QString m_programDir;
+    QString m_tester, m_testerSerial;
+    archive::ArchiveSession *m_keeper = nullptr;
     QPointer<shell::ui::ServiceWindow> m_service;
     QPointer<config::ui::ServiceConfigPanel> m_servicePanel;
     QPointer<records::ui::RecordWindow> m_records;

@@ -296,6 +296,8 @@ void MainWindow::ShowIdentity(const link::ConnectionState &state, const link::Te
     SetLanguage(identity.language.name);
     m_settings->ShowIdentity(identity, m_texts);
     const QString name = QString::fromLatin1(identity.shortDesignation).trimmed();
+    m_windows->SetTester(open ? name : QString(),
+                         open ? QString::fromLatin1(identity.serialNumber).trimmed() : QString());
     setWindowTitle(name.isEmpty() ? kTitle : QStringLiteral("%1 - %2").arg(kTitle, name));
     m_connected = open;
     if (open)

@@ -1,23 +1,29 @@
-// The window "Archiv" on an SQLite archive, offscreen: searching, scrolling, a device's history,
-// a record's report, and the selection as PDF and CSV.
+// The window "Archiv" offscreen: searching, scrolling, a device's history, a record's report, the
+// selection as PDF and CSV, the re-test intervals, and a window that keeps going while the
+// database server makes it wait.
 #include "ArchiveSamples.h"
 
 #include "archive/ArchiveQueries.h"
 #include "archive/RecordImport.h"
 #include "archive/ui/ArchiveTableModel.h"
 #include "archive/ui/ArchiveWindow.h"
+#include "archive/ui/IntervalDialog.h"
 #include "support/TestFiles.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDateEdit>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTableView>
+#include <QTableWidget>
+#include <QTimer>
 
 using namespace kalvo;
 using namespace kalvo::archive;
@@ -32,11 +38,38 @@ protected:
         Archive archive(ParseArchiveUrl(Path()));
         ImportRecords(archive, records, {});
     }
-    ui::ArchiveWindow &Open()
+    ui::ArchiveWindow &Open(const QString &url = QString())
     {
-        m_window = std::make_unique<ui::ArchiveWindow>(ParseArchiveUrl(Path()));
+        m_window = std::make_unique<ui::ArchiveWindow>(ParseArchiveUrl(url.isEmpty() ? Path() : url));
         m_window->show();
+        EXPECT_TRUE(Idle());
         return *m_window;
+    }
+    // Serves events until the window's queries are answered (at most 20 s).
+    bool Idle() const
+    {
+        QElapsedTimer clock;
+        clock.start();
+        while (m_window->busy() && clock.elapsed() < 20'000)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QCoreApplication::processEvents();
+        return !m_window->busy();
+    }
+    void Click(const char *button)
+    {
+        Child<QPushButton>(button)->click();
+        EXPECT_TRUE(Idle()) << button;
+    }
+    // Exports through `exporter` and says whether the window reported success.
+    bool Export(void (ui::ArchiveWindow::*exporter)(const QString &), const QString &path)
+    {
+        std::optional<bool> ok;
+        QObject::connect(
+            m_window.get(), &ui::ArchiveWindow::exported, m_window.get(),
+            [&ok](const QString &, bool done) { ok = done; }, Qt::SingleShotConnection);
+        (m_window.get()->*exporter)(path);
+        EXPECT_TRUE(Idle());
+        return ok.value_or(false);
     }
     template <typename W> W *Child(const char *name) const
     {
@@ -60,6 +93,7 @@ protected:
                                             QItemSelectionModel::Select | QItemSelectionModel::Rows);
         table->selectionModel()->setCurrentIndex(m_window->model()->index(rows.first(), 0),
                                                  QItemSelectionModel::NoUpdate);
+        EXPECT_TRUE(Idle());
     }
     QString Path() const { return m_dir.filePath(QStringLiteral("archive.sqlite")); }
 
@@ -77,6 +111,7 @@ TEST_F(ArchiveWindowTest, ALongListIsFetchedAsItIsScrolled)
     for (int i = 0; i < 10 && window.model()->rowCount() < 450; ++i) {
         window.table()->scrollToBottom();
         QCoreApplication::processEvents();
+        ASSERT_TRUE(Idle());
     }
     ASSERT_EQ(window.model()->rowCount(), 450);
     for (int row = 1; row < 450; ++row)
@@ -92,7 +127,7 @@ TEST_F(ArchiveWindowTest, ADevicesHistoryNewestFirstWithItsNextTest)
     auto &window = Open();
     ASSERT_EQ(ListedDevices(), (QStringList{"OTHER", "H-1", "H-1", "H-1"}));
     Select({2});
-    Child<QPushButton>("verlauf")->click();
+    Click("verlauf");
     EXPECT_EQ(ListedDevices(), (QStringList{"H-1", "H-1", "H-1"}));
     EXPECT_EQ(window.model()->record(0).testedAt.date(), QDate(2022, 3, 5));
     EXPECT_EQ(window.model()->record(2).testedAt.date(), QDate(2020, 3, 4));
@@ -112,7 +147,7 @@ TEST_F(ArchiveWindowTest, TheFieldsAndFiltersNarrowTheList)
                       .more = {{61, "Klinik Nord"}}})});
     Open();
     const auto search = [&] {
-        Child<QPushButton>("suchen")->click();
+        Click("suchen");
         return ListedDevices();
     };
     Child<QLineEdit>("typ")->setText(QStringLiteral("bohr"));
@@ -145,7 +180,7 @@ TEST_F(ArchiveWindowTest, ARecordShowsItsReportAndTheSelectionGoesToPdfAndCsv)
                                                         QString::fromLatin1(first.sha256)));
 
     const QString pdf = m_dir.filePath(QStringLiteral("auswahl.pdf"));
-    ASSERT_TRUE(window.ExportPdf(pdf)) << window.status()->text().toStdString();
+    ASSERT_TRUE(Export(&ui::ArchiveWindow::ExportPdf, pdf)) << window.status()->text().toStdString();
     QProcess pdftotext;
     pdftotext.start(QStringLiteral("pdftotext"), {pdf, QStringLiteral("-")});
     ASSERT_TRUE(pdftotext.waitForFinished(30000));
@@ -156,11 +191,20 @@ TEST_F(ArchiveWindowTest, ARecordShowsItsReportAndTheSelectionGoesToPdfAndCsv)
     EXPECT_TRUE(pages[1].contains(QStringLiteral("R-1")));
 
     const QString csv = m_dir.filePath(QStringLiteral("auswahl.csv"));
-    ASSERT_TRUE(window.ExportCsv(csv));
+    ASSERT_TRUE(Export(&ui::ArchiveWindow::ExportCsv, csv));
     const QList<QByteArray> lines = ReadFile(csv).split('\n');
     ASSERT_EQ(lines.size(), 4); // header, two records, the end
     EXPECT_TRUE(lines[1].contains(";R-3;"));
     EXPECT_TRUE(lines[2].contains(";R-1;"));
+
+    // Nothing selected: everything the search finds, not only the rows fetched so far.
+    window.table()->clearSelection();
+    Child<QLineEdit>("idNr")->setText(QStringLiteral("R-2"));
+    Click("suchen");
+    ASSERT_TRUE(Export(&ui::ArchiveWindow::ExportCsv, csv));
+    const QList<QByteArray> found = ReadFile(csv).split('\n');
+    ASSERT_EQ(found.size(), 3);
+    EXPECT_TRUE(found[1].contains(";R-2;"));
 }
 
 TEST_F(ArchiveWindowTest, ACorruptArchiveIsNamedAndLeftAlone)
@@ -171,8 +215,10 @@ TEST_F(ArchiveWindowTest, ACorruptArchiveIsNamedAndLeftAlone)
     EXPECT_TRUE(window.status()->text().contains(Path())) << window.status()->text().toStdString();
     EXPECT_EQ(window.model()->rowCount(), 0);
     window.Search();
-    EXPECT_FALSE(window.ExportCsv(m_dir.filePath(QStringLiteral("x.csv"))));
-    EXPECT_FALSE(window.ExportPdf(m_dir.filePath(QStringLiteral("x.pdf"))));
+    EXPECT_TRUE(Idle());
+    EXPECT_TRUE(window.status()->text().contains(Path()));
+    EXPECT_FALSE(Export(&ui::ArchiveWindow::ExportCsv, m_dir.filePath(QStringLiteral("x.csv"))));
+    EXPECT_FALSE(Export(&ui::ArchiveWindow::ExportPdf, m_dir.filePath(QStringLiteral("x.pdf"))));
     EXPECT_FALSE(QFile::exists(m_dir.filePath(QStringLiteral("x.csv"))));
     EXPECT_EQ(ReadFile(Path()), junk);
 }
@@ -196,6 +242,7 @@ TEST_F(ArchiveWindowTest, TheWindowSpeaksTheProgramsLanguage)
         SCOPED_TRACE(c.language);
         window.SetLanguage(QString::fromUtf8(c.language));
         window.Search();
+        ASSERT_TRUE(Idle());
         EXPECT_EQ(window.windowTitle(), QString::fromUtf8(c.title));
         EXPECT_EQ(Child<QPushButton>("suchen")->text(), QString::fromUtf8(c.search));
         EXPECT_EQ(Child<QComboBox>("ergebnis")->itemText(0), QString::fromUtf8(c.verdictAll));
@@ -205,4 +252,125 @@ TEST_F(ArchiveWindowTest, TheWindowSpeaksTheProgramsLanguage)
                   QString::fromUtf8(c.secondColumn));
         EXPECT_EQ(window.status()->text(), QString::fromUtf8(c.status));
     }
+}
+
+namespace {
+
+QDate NextTestOf(const ui::ArchiveTableModel &model, const char *device)
+{
+    for (int row = 0; row < model.rowCount(); ++row)
+        if (model.record(row).deviceId == QLatin1String(device))
+            return model.record(row).nextTest;
+    return {};
+}
+
+} // namespace
+
+TEST_F(ArchiveWindowTest, IntervalsSetInTheWindowMoveTheNextTests)
+{
+    Fill({MakeRecord({.device = "A", .date = "01.02.22"}), MakeRecord({.device = "B", .date = "01.06.22"}),
+          MakeRecord({.device = "C", .date = "01.09.22", .regulation = '6'})});
+    auto &window = Open();
+    const ui::ArchiveTableModel &model = *window.model();
+    ASSERT_EQ(ListedDevices(), (QStringList{"C", "B", "A"}));
+    const QString regulation = model.record(2).regulation;
+    EXPECT_EQ(NextTestOf(model, "C"), QDate(2024, 9, 1)); // medical: 24 months
+
+    ui::IntervalDialog *dialog = nullptr;
+    QObject::connect(&window, &ui::ArchiveWindow::intervalsShown, &window,
+                     [&dialog](QDialog *shown) { dialog = qobject_cast<ui::IntervalDialog *>(shown); });
+    const auto openFor = [&](int row) {
+        dialog = nullptr;
+        Select({row});
+        Click("intervalle");
+        return dialog;
+    };
+    ASSERT_TRUE(openFor(2));
+    EXPECT_EQ(dialog->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(dialog->parentWidget(), &window);
+    QTableWidget *table = dialog->table();
+    ASSERT_EQ(table->rowCount(), 10);
+    int regulationRow = -1;
+    for (int row = 0; row < table->rowCount(); ++row)
+        if (table->item(row, 0)->text() == regulation)
+            regulationRow = row;
+    ASSERT_GE(regulationRow, 0) << regulation.toStdString();
+    auto *months = qobject_cast<QSpinBox *>(table->cellWidget(regulationRow, 1));
+    EXPECT_EQ(months->value(), 12);
+    months->setValue(36);
+    EXPECT_FALSE(dialog->ownInterval()->isChecked());
+    dialog->ownInterval()->setChecked(true);
+    dialog->deviceMonths()->setValue(6);
+    dialog->accept();
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(NextTestOf(model, "A"), QDate(2022, 8, 1)); // its own 6 months
+    EXPECT_EQ(NextTestOf(model, "B"), QDate(2025, 6, 1)); // the regulation's 36
+    EXPECT_EQ(NextTestOf(model, "C"), QDate(2024, 9, 1)); // another regulation
+
+    // The dialog shows what is set now; without its own interval A follows its regulation again.
+    ASSERT_TRUE(openFor(ListedDevices().indexOf(QStringLiteral("A"))));
+    EXPECT_EQ(qobject_cast<QSpinBox *>(dialog->table()->cellWidget(regulationRow, 1))->value(), 36);
+    ASSERT_TRUE(dialog->ownInterval()->isChecked());
+    EXPECT_EQ(dialog->deviceMonths()->value(), 6);
+    dialog->ownInterval()->setChecked(false);
+    dialog->accept();
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(NextTestOf(model, "A"), QDate(2025, 2, 1));
+
+    // Cancelled, nothing changes.
+    ASSERT_TRUE(openFor(0));
+    qobject_cast<QSpinBox *>(dialog->table()->cellWidget(regulationRow, 1))->setValue(1);
+    dialog->reject();
+    ASSERT_TRUE(Idle());
+    Click("suchen");
+    EXPECT_EQ(NextTestOf(model, "B"), QDate(2025, 6, 1));
+}
+
+TEST_F(ArchiveWindowTest, TheWindowKeepsServingWhileTheServerMakesItWaitAndClosesWithoutIt)
+{
+    ArchivePlace place(Backend::PostgreSQL);
+    ASSERT_TRUE(place.error().isEmpty()) << place.error().toStdString();
+    ImportRecords(*place.Open(), ManyRecords(30, 3), {});
+    auto &window = Open(place.url());
+    ASSERT_EQ(window.model()->total(), 30) << window.status()->text().toStdString();
+
+    // Another program holds the records table: every query of the window waits for it.
+    const auto holdTheTable = [&place] {
+        auto locker = place.Open();
+        EXPECT_TRUE(locker->database().transaction());
+        locker->Exec(QStringLiteral("LOCK TABLE records IN ACCESS EXCLUSIVE MODE"));
+        return locker;
+    };
+    const auto serveFor = [](int ms) {
+        int ticks = 0;
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&ticks] { ++ticks; });
+        timer.start(10);
+        QElapsedTimer clock;
+        clock.start();
+        while (clock.elapsed() < ms)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        return ticks;
+    };
+    auto locker = holdTheTable();
+    window.Search();
+    EXPECT_GE(serveFor(800), 20); // the window's thread serves its events
+    EXPECT_TRUE(window.busy());
+    EXPECT_EQ(window.status()->text(), QStringLiteral("Bitte warten ..."));
+    EXPECT_EQ(window.cursor().shape(), Qt::BusyCursor);
+    ASSERT_TRUE(locker->database().commit());
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(window.status()->text(), QStringLiteral("30 Protokolle"));
+    EXPECT_NE(window.cursor().shape(), Qt::BusyCursor);
+
+    // Closed while it waits: the window goes after a short wait, its query ends on its own thread
+    // when the table is free, and its answer is dropped.
+    locker = holdTheTable();
+    window.Search();
+    serveFor(100);
+    m_window.reset();
+    ASSERT_TRUE(locker->database().commit());
+    serveFor(500);
+    locker.reset();
+    EXPECT_EQ(place.Open()->Exec(QStringLiteral("SELECT COUNT(*) FROM records")).next(), true);
 }

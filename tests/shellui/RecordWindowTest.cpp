@@ -163,8 +163,15 @@ TEST_F(RecordWindowTest, RecordsReadInTheWindowGoIntoTheArchiveOnceAndShowInTheW
         if (w->objectName() == QLatin1String("FRMArchiv"))
             window = qobject_cast<archive::ui::ArchiveWindow *>(w);
     ASSERT_NE(window, nullptr);
-    EXPECT_EQ(window->model()->total(), 14) << window->status()->text().toStdString();
-    EXPECT_EQ(window->model()->record(13).source.file, QString()); // read from the tester
+    // The archive works on its own thread: the window shows the records when they are in.
+    ASSERT_TRUE(WaitUntil([&] { return !window->busy() && window->model()->total() == 14; }))
+        << window->status()->text().toStdString();
+    // Read from the tester, which the archive names with its serial number.
+    const archive::RecordSource &source = window->model()->record(13).source;
+    EXPECT_EQ(source.file, QString());
+    EXPECT_EQ(source.tester, QString::fromLatin1(m_window->identity().shortDesignation).trimmed());
+    EXPECT_FALSE(source.tester.isEmpty());
+    EXPECT_EQ(source.testerSerial, QStringLiteral("0471 1203 5567"));
     EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
 
     // Switched off, a read leaves the archive as it was.
@@ -172,7 +179,9 @@ TEST_F(RecordWindowTest, RecordsReadInTheWindowGoIntoTheArchiveOnceAndShowInTheW
     ASSERT_TRUE(WriteFile(Path("neu.txt"), RecordText({{2, CodeString('0', '5')}, {3, "NEU-1"}})));
     m_dialogs.files.push_back(Path("neu.txt"));
     Trigger("ausDatei");
+    QTest::qWait(200); // a keeping that would happen is posted by now
     window->Search();
+    ASSERT_TRUE(WaitUntil([&] { return !window->busy(); }));
     EXPECT_EQ(window->model()->total(), 14);
 }
 

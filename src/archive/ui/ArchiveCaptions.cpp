@@ -48,8 +48,18 @@ QString CaptionText(Caption caption, const QString &language)
          u"Fecha de ensayo"},
         {u"Nächste Prüfung", u"Next test", u"Prochain essai", u"Prossima prova", u"Další zkouška",
          u"Volgende test", u"Próximo ensayo"},
+        {u"Prüfintervalle", u"Test intervals", u"Intervalles d'essai", u"Intervalli di prova",
+         u"Intervaly zkoušek", u"Testintervallen", u"Intervalos de ensayo"},
+        {u"Intervall", u"Interval", u"Intervalle", u"Intervallo", u"Interval", u"Interval", u"Intervalo"},
+        {u"Monate", u"months", u"mois", u"mesi", u"měsíců", u"maanden", u"meses"},
+        {u"eigenes Intervall für Gerät %1", u"own interval for device %1",
+         u"intervalle propre à l'appareil %1", u"intervallo proprio per l'apparecchio %1",
+         u"vlastní interval pro přístroj %1", u"eigen interval voor apparaat %1",
+         u"intervalo propio para el aparato %1"},
+        {u"Bitte warten ...", u"Please wait ...", u"Veuillez patienter ...", u"Attendere prego ...",
+         u"Čekejte prosím ...", u"Even geduld ...", u"Espere, por favor ..."},
     };
-    static_assert(std::size(kTexts) == static_cast<size_t>(Caption::ColumnNextTest) + 1);
+    static_assert(std::size(kTexts) == static_cast<size_t>(Caption::Busy) + 1);
     return gui::InLanguage(kTexts[static_cast<size_t>(caption)], language);
 }
 

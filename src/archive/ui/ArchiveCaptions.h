@@ -29,6 +29,11 @@ enum class Caption {
     ColumnNumber,
     ColumnTestDate,
     ColumnNextTest,
+    IntervalsTitle,
+    Interval,
+    Months,
+    OwnInterval, // %1 the device
+    Busy,
 };
 
 // `caption` in `language` (the language table's names); German for a name it does not know.

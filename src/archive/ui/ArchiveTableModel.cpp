@@ -4,6 +4,7 @@
 #include "ArchiveCaptions.h"
 
 #include "archive/ArchiveQueries.h"
+#include "archive/ArchiveSession.h"
 
 #include <QBrush>
 
@@ -15,7 +16,8 @@ enum Column { kNumber, kTested, kDevice, kType, kRegulation, kVerdict, kCustomer
 
 } // namespace
 
-ArchiveTableModel::ArchiveTableModel(QObject *parent) : QAbstractTableModel(parent)
+ArchiveTableModel::ArchiveTableModel(ArchiveSession &session, QObject *parent)
+    : QAbstractTableModel(parent), m_session(session)
 {}
 
 void ArchiveTableModel::SetLanguage(const QString &language)
@@ -24,25 +26,47 @@ void ArchiveTableModel::SetLanguage(const QString &language)
     emit headerDataChanged(Qt::Horizontal, 0, kColumns - 1);
 }
 
-void ArchiveTableModel::Show(Archive *archive, const ArchiveFilter &filter)
+template <typename Job, typename Use> void ArchiveTableModel::Ask(Job job, Use use)
+{
+    m_fetching = true;
+    const quint64 search = m_search;
+    m_session.Ask(
+        this, std::move(job),
+        [this, search, use = std::move(use)](const auto &answer) {
+            if (search != m_search)
+                return;
+            m_fetching = false;
+            use(answer);
+        },
+        [this, search](const QString &message) {
+            if (search != m_search)
+                return;
+            m_fetching = false;
+            m_total = m_rows.size(); // no endless retries while the list is scrolled
+            emit failed(message);
+        });
+}
+
+void ArchiveTableModel::Show(const ArchiveFilter &filter)
 {
     beginResetModel();
-    m_archive = archive;
+    ++m_search;
     m_filter = filter;
     m_rows.clear();
     m_total = 0;
-    try {
-        if (m_archive) {
-            m_total = CountRecords(*m_archive, m_filter);
-            m_rows = ListRecords(*m_archive, m_filter, kPage, 0);
-        }
-    } catch (...) {
-        m_total = 0;
-        m_rows.clear();
-        endResetModel();
-        throw;
-    }
     endResetModel();
+    Ask(
+        [filter](Archive &archive) {
+            const qint64 total = CountRecords(archive, filter);
+            return std::pair{total, ListRecords(archive, filter, kPage, 0)};
+        },
+        [this](const std::pair<qint64, QList<ArchivedRecord>> &first) {
+            beginResetModel();
+            m_total = first.first;
+            m_rows = first.second;
+            endResetModel();
+            emit shown(m_total);
+        });
 }
 
 int ArchiveTableModel::rowCount(const QModelIndex &parent) const
@@ -90,29 +114,25 @@ QVariant ArchiveTableModel::headerData(int section, Qt::Orientation orientation,
 
 bool ArchiveTableModel::canFetchMore(const QModelIndex &parent) const
 {
-    return !parent.isValid() && m_archive && m_rows.size() < m_total;
+    return !parent.isValid() && !m_fetching && m_rows.size() < m_total;
 }
 
 void ArchiveTableModel::fetchMore(const QModelIndex &parent)
 {
     if (!canFetchMore(parent))
         return;
-    QList<ArchivedRecord> page;
-    try {
-        page = ListRecords(*m_archive, m_filter, kPage, m_rows.size());
-    } catch (const ArchiveError &e) {
-        m_total = m_rows.size(); // no endless retries while the list is scrolled
-        emit failed(e.message());
-        return;
-    }
-    if (page.isEmpty()) {
-        m_total = m_rows.size(); // records went away since the count
-        return;
-    }
-    const int first = static_cast<int>(m_rows.size());
-    beginInsertRows({}, first, first + static_cast<int>(page.size()) - 1);
-    m_rows += page;
-    endInsertRows();
+    Ask([filter = m_filter,
+         offset = m_rows.size()](Archive &archive) { return ListRecords(archive, filter, kPage, offset); },
+        [this](const QList<ArchivedRecord> &page) {
+            if (page.isEmpty()) {
+                m_total = m_rows.size(); // records went away since the count
+                return;
+            }
+            const int first = static_cast<int>(m_rows.size());
+            beginInsertRows({}, first, first + static_cast<int>(page.size()) - 1);
+            m_rows += page;
+            endInsertRows();
+        });
 }
 
 } // namespace kalvo::archive::ui

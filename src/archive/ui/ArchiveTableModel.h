@@ -7,7 +7,7 @@
 #include <QList>
 
 namespace kalvo::archive {
-class Archive;
+class ArchiveSession;
 }
 
 namespace kalvo::archive::ui {
@@ -17,11 +17,12 @@ class ArchiveTableModel : public QAbstractTableModel {
 public:
     static constexpr int kPage = 200;
 
-    explicit ArchiveTableModel(QObject *parent = nullptr);
+    // Asks `session` for its rows.
+    explicit ArchiveTableModel(ArchiveSession &session, QObject *parent = nullptr);
 
-    // Shows the records `filter` finds in `archive` (none when it is null), the first page at once.
-    // Throws ArchiveError when the archive fails; the table is then empty.
-    void Show(Archive *archive, const ArchiveFilter &filter);
+    // Empties the table and asks for the records `filter` finds; `shown` follows with the first
+    // page, or `failed`. An answer to an earlier search that comes in later is dropped.
+    void Show(const ArchiveFilter &filter);
     // The column titles in `language` (the language table's names).
     void SetLanguage(const QString &language);
     qint64 total() const { return m_total; }
@@ -36,15 +37,22 @@ public:
     void fetchMore(const QModelIndex &parent) override;
 
 signals:
-    // A page could not be fetched (the message says why); the rows fetched before stay.
+    // The first page of a search is there; `total` records match.
+    void shown(qint64 total);
+    // A search or a page failed (the message says why); the rows fetched before stay.
     void failed(const QString &message);
 
 private:
+    // Runs `use` with the answer to `job` only when no other search has begun since.
+    template <typename Job, typename Use> void Ask(Job job, Use use);
+
+    ArchiveSession &m_session;
     QString m_language;
-    Archive *m_archive = nullptr;
     ArchiveFilter m_filter;
     QList<ArchivedRecord> m_rows;
     qint64 m_total = 0;
+    quint64 m_search = 0; // counts searches, to know an answer to an old one
+    bool m_fetching = false;
 };
 
 } // namespace kalvo::archive::ui

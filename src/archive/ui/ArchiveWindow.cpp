@@ -3,10 +3,11 @@
 #include "ArchiveWindow.h"
 
 #include "ArchiveTableModel.h"
+#include "IntervalDialog.h"
 
-#include "archive/Archive.h"
 #include "archive/ArchiveExport.h"
 #include "archive/ArchiveQueries.h"
+#include "archive/ArchiveSession.h"
 #include "archive/RetestIntervals.h"
 #include "gui/GuiPrompter.h"
 
@@ -47,24 +48,32 @@ template <typename W> W *Named(W *widget, const char *name)
 } // namespace
 
 ArchiveWindow::ArchiveWindow(const ArchiveTarget &target, QWidget *parent)
-    : QMainWindow(parent), m_model(new ArchiveTableModel(this))
+    : QMainWindow(parent), m_session(new ArchiveSession(this)),
+      m_model(new ArchiveTableModel(*m_session, this))
 {
     setObjectName(QStringLiteral("FRMArchiv"));
     BuildForm();
     SetLanguage(QString());
     connect(m_model, &ArchiveTableModel::failed, this, &ArchiveWindow::Fail);
-    try {
-        m_archive = std::make_unique<Archive>(target);
-    } catch (const link::KalvoError &e) {
-        Fail(e.message());
-        return;
-    }
+    // The model drops answers to old searches; a device's status is added to the count shown.
+    connect(m_model, &ArchiveTableModel::shown, this,
+            [this](qint64 total) { ShowStatus(Text(Caption::Records).arg(total)); });
+    connect(m_session, &ArchiveSession::busyChanged, this, [this](bool waiting) {
+        if (waiting)
+            setCursor(Qt::BusyCursor);
+        else
+            unsetCursor();
+        ShowStatus(m_statusText);
+    });
+    m_session->Open(target);
     Search();
 }
 
-ArchiveWindow::~ArchiveWindow()
+ArchiveWindow::~ArchiveWindow() = default;
+
+bool ArchiveWindow::busy() const
 {
-    m_model->Show(nullptr, {}); // the model lets go of the archive before it closes
+    return m_session->busy();
 }
 
 void ArchiveWindow::BuildForm()
@@ -134,15 +143,18 @@ void ArchiveWindow::BuildForm()
     auto *buttons = new QHBoxLayout;
     auto *history = Named(new QPushButton, "verlauf");
     m_buttons.append({history, Caption::History});
+    auto *intervals = Named(new QPushButton, "intervalle");
+    m_buttons.append({intervals, Caption::IntervalsTitle});
     auto *pdf = Named(new QPushButton(QStringLiteral("PDF ...")), "pdf");
     auto *csv = Named(new QPushButton(QStringLiteral("CSV ...")), "csv");
     connect(history, &QPushButton::clicked, this, &ArchiveWindow::ShowHistory);
+    connect(intervals, &QPushButton::clicked, this, &ArchiveWindow::EditIntervals);
     connect(pdf, &QPushButton::clicked, this,
             [this] { AskAndExport(QStringLiteral("PDF (*.pdf)|*.pdf"), &ArchiveWindow::ExportPdf); });
     connect(csv, &QPushButton::clicked, this,
             [this] { AskAndExport(QStringLiteral("CSV (*.csv)|*.csv"), &ArchiveWindow::ExportCsv); });
     buttons->addWidget(m_status, 1);
-    for (QPushButton *button : {history, pdf, csv})
+    for (QPushButton *button : {history, intervals, pdf, csv})
         buttons->addWidget(button);
 
     auto *central = new QWidget;
@@ -161,7 +173,8 @@ void ArchiveWindow::SetLanguage(const QString &language)
     for (const auto &[label, caption] : std::as_const(m_labels))
         label->setText(Text(caption));
     for (const auto &[button, caption] : std::as_const(m_buttons))
-        button->setText(Text(caption));
+        button->setText(Text(caption) +
+                        (caption == Caption::IntervalsTitle ? QStringLiteral(" ...") : QString()));
     m_verdict->setItemText(0, Text(Caption::All));
     m_verdict->setItemText(1, Text(Caption::Passed));
     m_verdict->setItemText(2, Text(Caption::Failed));
@@ -199,26 +212,20 @@ ArchiveFilter ArchiveWindow::Filter() const
 
 void ArchiveWindow::Search()
 {
-    if (!m_archive)
-        return;
     m_report->clear();
-    try {
-        const ArchiveFilter filter = Filter();
-        m_model->Show(m_archive.get(), filter);
-        m_status->setText(Text(Caption::Records).arg(m_model->total()));
-        if (!filter.deviceId.isEmpty())
-            ShowDeviceStatus(filter.deviceId);
-    } catch (const link::KalvoError &e) {
-        Fail(e.message());
-    }
+    const ArchiveFilter filter = Filter();
+    ++m_search;
+    m_model->Show(filter);
+    if (!filter.deviceId.isEmpty())
+        ShowDeviceStatus(filter.deviceId);
 }
 
 void ArchiveWindow::ShowHistory()
 {
-    const QModelIndex current = m_table->currentIndex();
-    if (!current.isValid())
+    const QString device = CurrentDevice();
+    if (device.isEmpty())
         return;
-    m_device->setText(m_model->record(current.row()).deviceId);
+    m_device->setText(device);
     for (QLineEdit *edit : {m_type, m_customer, m_text})
         edit->clear();
     m_verdict->setCurrentIndex(0);
@@ -230,92 +237,147 @@ void ArchiveWindow::ShowHistory()
 
 void ArchiveWindow::ShowDeviceStatus(const QString &deviceId)
 {
-    const std::optional<DueDevice> device = DeviceStatus(*m_archive, deviceId);
-    if (!device) {
-        m_status->setText(m_status->text() + Text(Caption::NoDatedTest).arg(deviceId));
-        return;
-    }
-    m_status->setText(m_status->text() +
-                      Text(Caption::DeviceStatus)
-                          .arg(deviceId, device->lastTest.date().toString(QStringLiteral("dd.MM.yyyy")),
-                               device->nextTest.toString(QStringLiteral("dd.MM.yyyy")))
-                          .arg(device->intervalMonths));
+    const quint64 search = m_search;
+    m_session->Ask(
+        this, [deviceId](Archive &archive) { return DeviceStatus(archive, deviceId); },
+        [this, search, deviceId](const std::optional<DueDevice> &device) {
+            if (search != m_search)
+                return;
+            if (!device) {
+                ShowStatus(m_statusText + Text(Caption::NoDatedTest).arg(deviceId));
+                return;
+            }
+            ShowStatus(m_statusText + Text(Caption::DeviceStatus)
+                                          .arg(deviceId,
+                                               device->lastTest.date().toString(QStringLiteral("dd.MM.yyyy")),
+                                               device->nextTest.toString(QStringLiteral("dd.MM.yyyy")))
+                                          .arg(device->intervalMonths));
+        },
+        [this](const QString &message) { Fail(message); });
 }
 
 void ArchiveWindow::ShowSelectedReport()
 {
     const QModelIndex current = m_table->currentIndex();
-    if (!current.isValid() || !m_archive)
+    if (!current.isValid())
         return;
-    try {
-        const std::optional<StoredRecord> stored = FetchRecord(*m_archive, m_model->record(current.row()).id);
-        if (stored)
-            m_report->setPlainText(ReportWithHash(stored->raw, stored->record.sha256));
-    } catch (const link::KalvoError &e) {
-        Fail(e.message());
-    }
+    const qint64 id = m_model->record(current.row()).id;
+    m_session->Ask(
+        this,
+        [id](Archive &archive) {
+            const std::optional<StoredRecord> stored = FetchRecord(archive, id);
+            return stored ? ReportWithHash(stored->raw, stored->record.sha256) : QString();
+        },
+        [this, id](const QString &report) {
+            // Only when that record is still the chosen one: the arrows may have moved on.
+            const QModelIndex now = m_table->currentIndex();
+            if (now.isValid() && m_model->record(now.row()).id == id)
+                m_report->setPlainText(report);
+        },
+        [this](const QString &message) { Fail(message); });
 }
 
-QList<ArchivedRecord> ArchiveWindow::Chosen() const
+QList<ArchivedRecord> ArchiveWindow::Selected() const
 {
     // In the order of the list, whatever order they were selected in.
     QList<int> rows;
     for (const QModelIndex &index : m_table->selectionModel()->selectedRows())
         rows.append(index.row());
     std::sort(rows.begin(), rows.end());
-    if (rows.isEmpty())
-        for (int row = 0; row < m_model->rowCount(); ++row)
-            rows.append(row);
     QList<ArchivedRecord> chosen;
     for (const int row : rows)
         chosen.append(m_model->record(row));
     return chosen;
 }
 
-bool ArchiveWindow::ExportPdf(const QString &path)
+QString ArchiveWindow::CurrentDevice() const
 {
-    if (!m_archive)
-        return false; // the window says why already
+    const QModelIndex current = m_table->currentIndex();
+    return current.isValid() ? m_model->record(current.row()).deviceId : QString();
+}
+
+template <typename Job> void ArchiveWindow::Export(const QString &path, Caption saved, Job job)
+{
+    m_session->Ask(
+        this, std::move(job),
+        [this, path, saved](qint64 count) {
+            ShowStatus(Text(saved).arg(count).arg(QDir::toNativeSeparators(path)));
+            emit exported(path, true);
+        },
+        [this, path](const QString &message) {
+            Fail(message);
+            emit exported(path, false);
+        });
+}
+
+void ArchiveWindow::ExportPdf(const QString &path)
+{
     QList<qint64> ids;
-    for (const ArchivedRecord &record : Chosen())
+    for (const ArchivedRecord &record : Selected())
         ids.append(record.id);
-    try {
-        const int count = ExportArchivePdf(*m_archive, ids, path);
-        m_status->setText(Text(Caption::ReportsSaved).arg(count).arg(QDir::toNativeSeparators(path)));
-        return true;
-    } catch (const link::KalvoError &e) {
-        Fail(e.message());
-        return false;
-    }
+    Export(path, Caption::ReportsSaved, [ids, filter = Filter(), path](Archive &archive) -> qint64 {
+        QList<qint64> chosen = ids;
+        if (chosen.isEmpty())
+            ForEachRecord(archive, filter,
+                          [&chosen](const ArchivedRecord &record) { chosen.append(record.id); });
+        return ExportArchivePdf(archive, chosen, path);
+    });
 }
 
-bool ArchiveWindow::ExportCsv(const QString &path)
+void ArchiveWindow::ExportCsv(const QString &path)
 {
-    if (!m_archive)
-        return false;
-    try {
-        const qint64 count = WriteArchiveCsv(Chosen(), path);
-        m_status->setText(Text(Caption::RecordsSaved).arg(count).arg(QDir::toNativeSeparators(path)));
-        return true;
-    } catch (const link::KalvoError &e) {
-        Fail(e.message());
-        return false;
-    }
+    Export(path, Caption::RecordsSaved, [selected = Selected(), filter = Filter(), path](Archive &archive) {
+        return selected.isEmpty() ? ExportArchiveCsv(archive, filter, path) : WriteArchiveCsv(selected, path);
+    });
 }
 
-void ArchiveWindow::AskAndExport(const QString &filter, bool (ArchiveWindow::*exporter)(const QString &))
+void ArchiveWindow::AskAndExport(const QString &filter, void (ArchiveWindow::*exporter)(const QString &))
 {
-    if (!m_archive)
-        return;
     // The program's save dialog: it belongs to this window and adds the suffix a name lacks.
     const QString path = gui::GuiPrompter(this, windowTitle()).askSaveFile(filter);
     if (!path.isEmpty())
         (this->*exporter)(path);
 }
 
+void ArchiveWindow::EditIntervals()
+{
+    m_session->Ask(
+        this, [](Archive &archive) { return LoadIntervals(archive); },
+        [this, device = CurrentDevice()](const RetestIntervals &current) {
+            // Opened, not executed: the archive's answers keep coming while it is open.
+            auto *dialog = new IntervalDialog(current, device, m_language, this);
+            dialog->setAttribute(Qt::WA_DeleteOnClose);
+            connect(dialog, &QDialog::accepted, this, [this, dialog] { ApplyIntervals(dialog->Changes()); });
+            dialog->open();
+            emit intervalsShown(dialog);
+        },
+        [this](const QString &message) { Fail(message); });
+}
+
+void ArchiveWindow::ApplyIntervals(const IntervalChanges &changes)
+{
+    if (changes.IsEmpty())
+        return;
+    m_session->Ask(
+        this,
+        [changes](Archive &archive) {
+            for (const auto &[regulation, months] : changes.regulations)
+                SetRegulationInterval(archive, regulation, months);
+            if (changes.deviceChanged)
+                SetDeviceInterval(archive, changes.device, changes.deviceMonths);
+        },
+        [this] { Search(); }, [this](const QString &message) { Fail(message); });
+}
+
 void ArchiveWindow::Fail(const QString &message)
 {
-    m_status->setText(message);
+    ShowStatus(message);
+}
+
+void ArchiveWindow::ShowStatus(const QString &text)
+{
+    m_statusText = text;
+    m_status->setText(busy() ? Text(Caption::Busy) : text);
 }
 
 } // namespace kalvo::archive::ui

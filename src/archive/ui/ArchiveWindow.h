@@ -7,9 +7,9 @@
 #include "archive/ArchiveTypes.h"
 
 #include <QMainWindow>
-#include <memory>
 
 class QCheckBox;
+class QDialog;
 class QComboBox;
 class QDateEdit;
 class QLabel;
@@ -19,17 +19,20 @@ class QPlainTextEdit;
 class QTableView;
 
 namespace kalvo::archive {
-class Archive;
+class ArchiveSession;
 }
 
 namespace kalvo::archive::ui {
 
 class ArchiveTableModel;
+struct IntervalChanges;
 
 class ArchiveWindow : public QMainWindow {
     Q_OBJECT
 public:
-    // Opens the archive at `target`; when that fails the window says why and searches nothing.
+    // Opens the archive at `target`; when that fails the window says why and finds nothing.
+    // Every query runs on the archive's own thread (ArchiveSession): a slow server never stops
+    // the window, which shows that it waits.
     explicit ArchiveWindow(const ArchiveTarget &target, QWidget *parent = nullptr);
     ~ArchiveWindow() override;
 
@@ -39,15 +42,27 @@ public:
     void Search();
     // The selected record's device: its history, newest first, and its next test.
     void ShowHistory();
-    // The selected records (all listed ones when none is selected) into `path`; false, with the
-    // reason shown, when that failed (the old file stays).
-    bool ExportPdf(const QString &path);
-    bool ExportCsv(const QString &path);
+    // The selected records (everything the search finds when none is selected) into `path`; the
+    // status line says how many, or why nothing was written (the old file stays). `exported`
+    // follows.
+    void ExportPdf(const QString &path);
+    void ExportCsv(const QString &path);
+    // The re-test intervals, with the selected record's device, in a dialog of this window; what
+    // is changed there moves the next tests, and the list is searched again.
+    void EditIntervals();
+    // Queries asked for and not yet answered.
+    bool busy() const;
 
     ArchiveTableModel *model() const { return m_model; }
     QTableView *table() const { return m_table; }
     QPlainTextEdit *report() const { return m_report; }
     QLabel *status() const { return m_status; }
+
+signals:
+    // An export has ended; `ok` false when nothing was written.
+    void exported(const QString &path, bool ok);
+    // The interval dialog is open (window-modal; for whoever needs to see or answer it).
+    void intervalsShown(QDialog *dialog);
 
 private:
     void BuildForm();
@@ -55,11 +70,16 @@ private:
     ArchiveFilter Filter() const;
     void ShowSelectedReport();
     void ShowDeviceStatus(const QString &deviceId);
-    QList<ArchivedRecord> Chosen() const;
+    QList<ArchivedRecord> Selected() const;
+    QString CurrentDevice() const;
     void Fail(const QString &message);
-    void AskAndExport(const QString &filter, bool (ArchiveWindow::*exporter)(const QString &));
+    void AskAndExport(const QString &filter, void (ArchiveWindow::*exporter)(const QString &));
+    // Runs `job(Archive &)` on the archive's thread: `done(path, count)` says what was saved.
+    template <typename Job> void Export(const QString &path, Caption saved, Job job);
+    void ApplyIntervals(const IntervalChanges &changes);
+    void ShowStatus(const QString &text);
 
-    std::unique_ptr<Archive> m_archive;
+    ArchiveSession *m_session;
     ArchiveTableModel *m_model;
     QTableView *m_table;
     QPlainTextEdit *m_report;
@@ -69,6 +89,8 @@ private:
     QCheckBox *m_useFrom, *m_useTo, *m_useDue;
     QDateEdit *m_from, *m_to, *m_due;
     QString m_language;
+    quint64 m_search = 0; // counts searches, to know an answer to an old one
+    QString m_statusText; // what the status line says when the window does not wait
     QList<std::pair<QLabel *, Caption>> m_labels;
     QList<std::pair<QPushButton *, Caption>> m_buttons;
 };
