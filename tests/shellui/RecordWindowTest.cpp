@@ -12,6 +12,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QFile>
 #include <QFileDialog>
 #include <QLabel>
@@ -20,6 +21,7 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProcess>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 
@@ -173,6 +175,16 @@ TEST_F(RecordWindowTest, RecordsReadInTheWindowGoIntoTheArchiveOnceAndShowInTheW
     EXPECT_FALSE(source.tester.isEmpty());
     EXPECT_EQ(source.testerSerial, QStringLiteral("0471 1203 5567"));
     EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
+    window->table()->selectRow(2);
+    ASSERT_TRUE(WaitUntil([&] { return !window->busy(); }));
+    Screenshot(*window, QStringLiteral("archive-window"));
+    QDialog *intervals = nullptr;
+    QObject::connect(window, &archive::ui::ArchiveWindow::intervalsShown, window,
+                     [&intervals](QDialog *dialog) { intervals = dialog; });
+    window->findChild<QAbstractButton *>(QStringLiteral("intervalle"))->click();
+    ASSERT_TRUE(WaitUntil([&] { return intervals != nullptr; }));
+    Screenshot(*intervals, QStringLiteral("archive-intervals"));
+    intervals->reject();
 
     // Switched off, a read leaves the archive as it was.
     archive::WriteArchiveSettings({false, Path("archiv.sqlite")});
