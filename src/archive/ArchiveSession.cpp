@@ -50,6 +50,7 @@ void ArchiveSession::Open(const ArchiveTarget &target)
     QMetaObject::invokeMethod(
         m_context,
         [worker = m_worker, target] {
+            worker->archive.reset();
             try {
                 worker->archive = std::make_unique<Archive>(target);
             } catch (const link::KalvoError &e) {

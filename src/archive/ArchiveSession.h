@@ -28,8 +28,8 @@ public:
     // answer) finishes on its own thread, its result dropped, and the connection closes after it.
     ~ArchiveSession() override;
 
-    // Opens `target` on the session's thread. Until it is open every job waits; when it cannot be
-    // opened, every job's `failed` receives the reason.
+    // Opens `target` on the session's thread, in place of the archive open before. Until it is
+    // open every job waits; when it cannot be opened, every job's `failed` receives the reason.
     void Open(const ArchiveTarget &target);
 
     // Runs `job(Archive &)` on the session's thread; then `done(result)` (or `done()` for a job

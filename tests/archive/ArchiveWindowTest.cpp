@@ -5,6 +5,7 @@
 
 #include "archive/ArchiveQueries.h"
 #include "archive/RecordImport.h"
+#include "archive/ui/ArchiveSettingsDialog.h"
 #include "archive/ui/ArchiveTableModel.h"
 #include "archive/ui/ArchiveWindow.h"
 #include "archive/ui/IntervalDialog.h"
@@ -373,4 +374,43 @@ TEST_F(ArchiveWindowTest, TheWindowKeepsServingWhileTheServerMakesItWaitAndClose
     serveFor(500);
     locker.reset();
     EXPECT_EQ(place.Open()->Exec(QStringLiteral("SELECT COUNT(*) FROM records")).next(), true);
+}
+
+TEST_F(ArchiveWindowTest, TheSettingsTakeOnlyAnAddressThatCanBeUsedAndTheWindowOpensIt)
+{
+    const ArchiveSettings saved = ReadArchiveSettings();
+    Fill({MakeRecord({.device = "HIER"})});
+    const QString other = m_dir.filePath(QStringLiteral("anderes.sqlite"));
+    ImportRecords(*std::make_unique<Archive>(ParseArchiveUrl(other)),
+                  {MakeRecord({.device = "DORT-1", .date = "01.01.22"}),
+                   MakeRecord({.device = "DORT-2", .date = "02.01.22"})},
+                  {});
+    WriteArchiveSettings({true, Path()});
+    auto &window = Open();
+    ASSERT_EQ(ListedDevices(), QStringList{"HIER"});
+
+    ui::ArchiveSettingsDialog *dialog = nullptr;
+    QObject::connect(&window, &ui::ArchiveWindow::settingsShown, &window, [&dialog](QDialog *shown) {
+        dialog = qobject_cast<ui::ArchiveSettingsDialog *>(shown);
+    });
+    Click("einstellungen");
+    ASSERT_TRUE(dialog);
+    EXPECT_EQ(dialog->windowModality(), Qt::WindowModal);
+    EXPECT_TRUE(dialog->keepRead()->isChecked());
+    EXPECT_EQ(dialog->address()->text(), Path());
+
+    dialog->address()->setText(QStringLiteral("mysql://server/archiv"));
+    dialog->accept();
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_TRUE(dialog->problem()->text().contains(QStringLiteral("mysql://server/archiv")));
+    EXPECT_EQ(ReadArchiveSettings().url, Path()); // nothing taken
+
+    dialog->address()->setText(other);
+    dialog->keepRead()->setChecked(false);
+    dialog->accept();
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(ListedDevices(), (QStringList{"DORT-2", "DORT-1"}));
+    EXPECT_EQ(ReadArchiveSettings().url, other);
+    EXPECT_FALSE(ReadArchiveSettings().enabled);
+    WriteArchiveSettings(saved);
 }

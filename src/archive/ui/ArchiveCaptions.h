@@ -34,6 +34,10 @@ enum class Caption {
     Months,
     OwnInterval, // %1 the device
     Busy,
+    SettingsTitle,
+    KeepRead,
+    Address,
+    AddressHint,
 };
 
 // `caption` in `language` (the language table's names); German for a name it does not know.

@@ -2,6 +2,7 @@
 // report, and the selection exported as PDF or CSV.
 #include "ArchiveWindow.h"
 
+#include "ArchiveSettingsDialog.h"
 #include "ArchiveTableModel.h"
 #include "IntervalDialog.h"
 
@@ -145,16 +146,19 @@ void ArchiveWindow::BuildForm()
     m_buttons.append({history, Caption::History});
     auto *intervals = Named(new QPushButton, "intervalle");
     m_buttons.append({intervals, Caption::IntervalsTitle});
+    auto *settings = Named(new QPushButton, "einstellungen");
+    m_buttons.append({settings, Caption::SettingsTitle});
     auto *pdf = Named(new QPushButton(QStringLiteral("PDF ...")), "pdf");
     auto *csv = Named(new QPushButton(QStringLiteral("CSV ...")), "csv");
     connect(history, &QPushButton::clicked, this, &ArchiveWindow::ShowHistory);
     connect(intervals, &QPushButton::clicked, this, &ArchiveWindow::EditIntervals);
+    connect(settings, &QPushButton::clicked, this, &ArchiveWindow::EditSettings);
     connect(pdf, &QPushButton::clicked, this,
             [this] { AskAndExport(QStringLiteral("PDF (*.pdf)|*.pdf"), &ArchiveWindow::ExportPdf); });
     connect(csv, &QPushButton::clicked, this,
             [this] { AskAndExport(QStringLiteral("CSV (*.csv)|*.csv"), &ArchiveWindow::ExportCsv); });
     buttons->addWidget(m_status, 1);
-    for (QPushButton *button : {history, intervals, pdf, csv})
+    for (QPushButton *button : {history, intervals, settings, pdf, csv})
         buttons->addWidget(button);
 
     auto *central = new QWidget;
@@ -172,9 +176,12 @@ void ArchiveWindow::SetLanguage(const QString &language)
     setWindowTitle(Text(Caption::Title));
     for (const auto &[label, caption] : std::as_const(m_labels))
         label->setText(Text(caption));
+    // A button that opens a dialog says so.
     for (const auto &[button, caption] : std::as_const(m_buttons))
         button->setText(Text(caption) +
-                        (caption == Caption::IntervalsTitle ? QStringLiteral(" ...") : QString()));
+                        (caption == Caption::IntervalsTitle || caption == Caption::SettingsTitle
+                             ? QStringLiteral(" ...")
+                             : QString()));
     m_verdict->setItemText(0, Text(Caption::All));
     m_verdict->setItemText(1, Text(Caption::Passed));
     m_verdict->setItemText(2, Text(Caption::Failed));
@@ -344,14 +351,35 @@ void ArchiveWindow::EditIntervals()
     m_session->Ask(
         this, [](Archive &archive) { return LoadIntervals(archive); },
         [this, device = CurrentDevice()](const RetestIntervals &current) {
-            // Opened, not executed: the archive's answers keep coming while it is open.
             auto *dialog = new IntervalDialog(current, device, m_language, this);
-            dialog->setAttribute(Qt::WA_DeleteOnClose);
-            connect(dialog, &QDialog::accepted, this, [this, dialog] { ApplyIntervals(dialog->Changes()); });
-            dialog->open();
+            OpenDialog(dialog, [this, dialog] { ApplyIntervals(dialog->Changes()); });
             emit intervalsShown(dialog);
         },
         [this](const QString &message) { Fail(message); });
+}
+
+template <typename Dialog, typename Accepted>
+void ArchiveWindow::OpenDialog(Dialog *dialog, Accepted accepted)
+{
+    // Opened, not executed: the archive's answers keep coming while it is open.
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::accepted, this, accepted);
+    dialog->open();
+}
+
+void ArchiveWindow::EditSettings()
+{
+    const ArchiveSettings before = ReadArchiveSettings();
+    auto *dialog = new ArchiveSettingsDialog(before, m_language, this);
+    OpenDialog(dialog, [this, dialog, before] {
+        const ArchiveSettings after = dialog->Settings();
+        WriteArchiveSettings(after);
+        if (after.url != before.url) {
+            m_session->Open(ParseArchiveUrl(after.url)); // the dialog took only an address that parses
+            Search();
+        }
+    });
+    emit settingsShown(dialog);
 }
 
 void ArchiveWindow::ApplyIntervals(const IntervalChanges &changes)

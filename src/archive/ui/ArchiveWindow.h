@@ -50,6 +50,9 @@ public:
     // The re-test intervals, with the selected record's device, in a dialog of this window; what
     // is changed there moves the next tests, and the list is searched again.
     void EditIntervals();
+    // Whether records read go into the archive and which archive, in a dialog of this window;
+    // a new address is opened here at once and searched.
+    void EditSettings();
     // Queries asked for and not yet answered.
     bool busy() const;
 
@@ -61,8 +64,10 @@ public:
 signals:
     // An export has ended; `ok` false when nothing was written.
     void exported(const QString &path, bool ok);
-    // The interval dialog is open (window-modal; for whoever needs to see or answer it).
+    // The interval or the settings dialog is open (window-modal; for whoever needs to see or
+    // answer it).
     void intervalsShown(QDialog *dialog);
+    void settingsShown(QDialog *dialog);
 
 private:
     void BuildForm();
@@ -78,6 +83,9 @@ private:
     template <typename Job> void Export(const QString &path, Caption saved, Job job);
     void ApplyIntervals(const IntervalChanges &changes);
     void ShowStatus(const QString &text);
+
+    // Opens `dialog` window-modal; `accepted` runs when it is accepted.
+    template <typename Dialog, typename Accepted> void OpenDialog(Dialog *dialog, Accepted accepted);
 
     ArchiveSession *m_session;
     ArchiveTableModel *m_model;
