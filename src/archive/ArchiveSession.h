@@ -37,30 +37,16 @@ public:
     // runs once `receiver`, an object of the main thread, is gone.
     template <typename Job, typename Done> void Ask(QObject *receiver, Job job, Done done, Failed failed)
     {
-        Post(
-            receiver,
-            [job = std::move(job), done = std::move(done)](Archive *archive) -> std::function<void()> {
-                if constexpr (std::is_void_v<std::invoke_result_t<Job &, Archive &>>) {
-                    job(*archive);
-                    return done;
-                } else {
-                    auto result = job(*archive);
-                    return [done, result = std::move(result)] { done(result); };
-                }
-            },
-            std::move(failed), true);
+        Post(receiver,
+             Answering([job = std::move(job)](Archive *archive) { return job(*archive); }, std::move(done)),
+             std::move(failed), true);
     }
 
     // Runs `job()`, which needs no open archive (it opens its own), the same way.
     template <typename Job, typename Done> void Run(QObject *receiver, Job job, Done done, Failed failed)
     {
-        Post(
-            receiver,
-            [job = std::move(job), done = std::move(done)](Archive *) -> std::function<void()> {
-                auto result = job();
-                return [done, result = std::move(result)] { done(result); };
-            },
-            std::move(failed), false);
+        Post(receiver, Answering([job = std::move(job)](Archive *) { return job(); }, std::move(done)),
+             std::move(failed), false);
     }
 
     // Jobs asked for and not yet answered.
@@ -73,6 +59,19 @@ signals:
 private:
     struct Worker;
     using Work = std::function<std::function<void()>(Archive *)>;
+    // The work of `call`: it runs `call` and hands back what passes its result to `done`.
+    template <typename Call, typename Done> static Work Answering(Call call, Done done)
+    {
+        return [call = std::move(call), done = std::move(done)](Archive *archive) -> std::function<void()> {
+            if constexpr (std::is_void_v<std::invoke_result_t<Call &, Archive *>>) {
+                call(archive);
+                return done;
+            } else {
+                auto result = call(archive);
+                return [done, result = std::move(result)] { done(result); };
+            }
+        };
+    }
     void Post(QObject *receiver, Work work, Failed failed, bool needsArchive);
     void Answered();
 

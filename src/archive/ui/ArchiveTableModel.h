@@ -26,6 +26,8 @@ public:
     // The column titles in `language` (the language table's names).
     void SetLanguage(const QString &language);
     qint64 total() const { return m_total; }
+    // Counts the searches shown, so that an answer to an older one can be told apart.
+    quint64 search() const { return m_search; }
     // The record of a row that has been fetched.
     const ArchivedRecord &record(int row) const { return m_rows.at(row); }
 

@@ -221,7 +221,6 @@ void ArchiveWindow::Search()
 {
     m_report->clear();
     const ArchiveFilter filter = Filter();
-    ++m_search;
     m_model->Show(filter);
     if (!filter.deviceId.isEmpty())
         ShowDeviceStatus(filter.deviceId);
@@ -244,11 +243,11 @@ void ArchiveWindow::ShowHistory()
 
 void ArchiveWindow::ShowDeviceStatus(const QString &deviceId)
 {
-    const quint64 search = m_search;
+    const quint64 search = m_model->search();
     m_session->Ask(
         this, [deviceId](Archive &archive) { return DeviceStatus(archive, deviceId); },
         [this, search, deviceId](const std::optional<DueDevice> &device) {
-            if (search != m_search)
+            if (search != m_model->search())
                 return;
             if (!device) {
                 ShowStatus(m_statusText + Text(Caption::NoDatedTest).arg(deviceId));

@@ -97,7 +97,6 @@ private:
     QCheckBox *m_useFrom, *m_useTo, *m_useDue;
     QDateEdit *m_from, *m_to, *m_due;
     QString m_language;
-    quint64 m_search = 0; // counts searches, to know an answer to an old one
     QString m_statusText; // what the status line says when the window does not wait
     QList<std::pair<QLabel *, Caption>> m_labels;
     QList<std::pair<QPushButton *, Caption>> m_buttons;
