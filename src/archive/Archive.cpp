@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QThread>
@@ -208,6 +209,20 @@ void Archive::InTransaction(const std::function<void()> &work)
     }
 }
 
+void Archive::InBulkTransaction(const std::function<void()> &work)
+{
+    if (isPostgres()) {
+        InTransaction(work);
+        return;
+    }
+    // Set outside the transaction: SQLite decides where the undo copies go when it begins. Only
+    // speed depends on it, so a connection that cannot change it now writes them to a file.
+    QSqlQuery(m_db).exec(QStringLiteral("PRAGMA temp_store = MEMORY"));
+    const auto restore =
+        qScopeGuard([this] { QSqlQuery(m_db).exec(QStringLiteral("PRAGMA temp_store = DEFAULT")); });
+    InTransaction(work);
+}
+
 ArchiveError Archive::StatementFailure(const QString &sql, const QSqlError &error) const
 {
     const ArchiveError failure =
@@ -233,16 +248,48 @@ QString ArchiveSql(const Archive &archive, QString sql)
     return sql;
 }
 
+namespace {
+
+// "yyyy-MM-dd" or "yyyy-MM-dd HH:mm:ss", written directly: an import stores two of them a record,
+// and QDateTime::toString goes through the calendar and locale for each.
+QString IsoText(const QDate &date, const QTime &time, bool withTime)
+{
+    int year = 0, month = 0, day = 0;
+    date.getDate(&year, &month, &day);
+    if (year < 0 || year > 9999) // QDate's range is wider than four digits
+        return withTime ? QDateTime(date, time, Qt::UTC).toString(QLatin1String(kTimestampFormat))
+                        : date.toString(QLatin1String(kDateFormat));
+    QString text(withTime ? 19 : 10, Qt::Uninitialized);
+    QChar *out = text.data();
+    const auto put = [&out](int value, int digits, char16_t after) {
+        for (int i = digits - 1; i >= 0; --i, value /= 10)
+            out[i] = QChar(u'0' + value % 10);
+        out += digits;
+        if (after)
+            *out++ = QChar(after);
+    };
+    put(year, 4, u'-');
+    put(month, 2, u'-');
+    put(day, 2, withTime ? u' ' : 0);
+    if (withTime) {
+        put(time.hour(), 2, u':');
+        put(time.minute(), 2, u':');
+        put(time.second(), 2, 0);
+    }
+    return text;
+}
+
+} // namespace
+
 QVariant TimestampValue(const QDateTime &time)
 {
-    return time.isValid() ? QVariant(time.toString(QLatin1String(kTimestampFormat)))
+    return time.isValid() ? QVariant(IsoText(time.date(), time.time(), true))
                           : QVariant(QMetaType::fromType<QString>());
 }
 
 QVariant DateValue(const QDate &date)
 {
-    return date.isValid() ? QVariant(date.toString(QLatin1String(kDateFormat)))
-                          : QVariant(QMetaType::fromType<QString>());
+    return date.isValid() ? QVariant(IsoText(date, {}, false)) : QVariant(QMetaType::fromType<QString>());
 }
 
 QDateTime TimestampFrom(const QVariant &value)

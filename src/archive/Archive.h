@@ -44,6 +44,9 @@ public:
     // exception passed on. A transaction that lost a race with another writer (a deadlock, a
     // busy file) is tried again a few times.
     void InTransaction(const std::function<void()> &work);
+    // InTransaction for work that writes many rows a statement. SQLite keeps the undo copy a
+    // statement makes of the pages it changes in memory for it, not in a temporary file.
+    void InBulkTransaction(const std::function<void()> &work);
 
     // An ArchiveError naming the archive, `what` was being done and the driver's reason.
     ArchiveError Failure(const QString &what, const QString &reason) const;

@@ -11,6 +11,7 @@
 #include <QHash>
 #include <QMap>
 #include <QSqlQuery>
+#include <QtConcurrent/QtConcurrentMap>
 
 #include <map>
 
@@ -53,8 +54,12 @@ QList<int> Numbers(const QByteArray &text, char separator)
 // SQLite to step through (26 values a row stay far below either database's limit).
 constexpr int kRowsPerStatement = 64;
 
+// %2: " OR IGNORE" on SQLite. Of the records' constraints only the hash can conflict, and that
+// conflict is to be passed over; every NOT NULL column gets a value (text "" rather than NULL). Saying
+// so tells SQLite that the statement cannot fail half-way, which spares it the undo copy of every
+// page the statement touches: that copy costs an import more than the rows themselves.
 const char kInsertRecord[] =
-    "INSERT INTO records (sha256, raw, tester_name, device_id, device_type, tested_at, regulation, failed,"
+    "INSERT%2 INTO records (sha256, raw, tester_name, device_id, device_type, tested_at, regulation, failed,"
     " protection_class, applied_part, accessory_kind, accessory_type, maker, accessory_device_id, customer,"
     " street, post_code, town, source_tester, source_serial, source_accessory, source_file, imported_at,"
     " type_key, customer_key, search_key) VALUES %1"
@@ -73,18 +78,34 @@ const char kUpsertDevice[] =
     "devices.last_record_id)";
 const int kDeviceColumns = 6;
 
-// `sql` with its %1 replaced by `rows` groups of `columns` placeholders.
-QString MultiRow(const char *sql, int rows, int columns)
+// Placeholder names ":p0", ":p1", ..., made once. Qt makes such a name afresh for every value bound
+// by position, and for the thousands of values of an import that costs more than storing them.
+const QStringList &PlaceholderNames()
 {
-    const QString group = QLatin1Char('(') +
-                          QStringList(columns, QStringLiteral("?")).join(QLatin1Char(',')) + QLatin1Char(')');
-    return QString::fromLatin1(sql).arg(QStringList(rows, group).join(QLatin1Char(',')));
+    static const QStringList names = [] {
+        QStringList list;
+        for (int i = 0; i < kRowsPerStatement * kRecordColumns; ++i)
+            list.append(QStringLiteral(":p%1").arg(i));
+        return list;
+    }();
+    return names;
+}
+
+// `sql` with its %1 replaced by `rows` groups of `columns` placeholders.
+QString MultiRow(const QString &sql, int rows, int columns)
+{
+    QStringList groups;
+    for (int row = 0; row < rows; ++row)
+        groups.append(QLatin1Char('(') +
+                      PlaceholderNames().mid(row * columns, columns).join(QLatin1Char(',')) +
+                      QLatin1Char(')'));
+    return QString(sql).replace(QLatin1String("%1"), groups.join(QLatin1Char(',')));
 }
 
 // Prepared statements by their number of rows, made when first needed and kept for the import.
 class Statements {
 public:
-    Statements(Archive &archive, const char *sql, int columns)
+    Statements(Archive &archive, const QString &sql, int columns)
         : m_archive(archive), m_sql(sql), m_columns(columns)
     {}
     QSqlQuery &ForRows(int rows)
@@ -92,13 +113,20 @@ public:
         auto it = m_prepared.find(rows);
         if (it == m_prepared.end())
             it = m_prepared.emplace(rows, m_archive.Prepare(MultiRow(m_sql, rows, m_columns))).first;
+        m_bound = 0;
         return it->second;
+    }
+    // Binds the next value of the statement ForRows() returned last.
+    void Bind(QSqlQuery &query, const QVariant &value)
+    {
+        query.bindValue(PlaceholderNames()[m_bound++], value);
     }
 
 private:
     Archive &m_archive;
-    const char *m_sql;
+    QString m_sql;
     int m_columns;
+    int m_bound = 0;
     std::map<int, QSqlQuery> m_prepared;
 };
 
@@ -115,6 +143,21 @@ QString SearchKey(const ArchivedRecord &r)
                        r.customer,      r.street,        r.postCode,   r.town}
         .join(QLatin1Char('\n'))
         .toLower();
+}
+
+// A record described, or why it cannot be.
+struct Described {
+    ArchivedRecord record;
+    QString refusal;
+};
+
+Described Describe(const QByteArray &raw)
+{
+    try {
+        return {DescribeRecord(raw), {}};
+    } catch (const link::KalvoError &e) {
+        return {{}, e.message()};
+    }
 }
 
 } // namespace
@@ -174,23 +217,24 @@ ArchivedRecord DescribeRecord(const QByteArray &raw)
 
 ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, const RecordSource &source)
 {
-    // Decoding needs no database: refused records are known before the transaction starts.
-    QList<ArchivedRecord> described;
-    QList<qsizetype> rawIndex;
+    // Decoding needs no database: it runs on every core before the transaction starts, and the
+    // refused records are known then.
+    const QList<Described> decoded = QtConcurrent::blockingMapped(records, Describe);
+    QList<qsizetype> accepted; // the records that can be stored, by their place in `records`
     ImportResult result;
     for (qsizetype i = 0; i < records.size(); ++i) {
-        try {
-            described.append(DescribeRecord(records[i]));
-            rawIndex.append(i);
-        } catch (const link::KalvoError &e) {
-            result.refused.append(QStringLiteral("Protokoll %1: %2").arg(i + 1).arg(e.message()));
+        if (decoded[i].refusal.isEmpty()) {
+            accepted.append(i);
+        } else {
+            result.refused.append(QStringLiteral("Protokoll %1: %2").arg(i + 1).arg(decoded[i].refusal));
         }
     }
+    const auto described = [&](qsizetype k) -> const ArchivedRecord & { return decoded[accepted[k]].record; };
     const QVariant importedAt = TimestampValue(QDateTime::currentDateTimeUtc());
     const auto recordValues = [&](qsizetype k) {
-        const ArchivedRecord &r = described[k];
+        const ArchivedRecord &r = described(k);
         return QVariantList{QString::fromLatin1(r.sha256),
-                            records[rawIndex[k]],
+                            records[accepted[k]],
                             Text(r.testerName),
                             Text(r.deviceId),
                             Text(r.deviceType),
@@ -218,19 +262,20 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
     };
     // Prepared outside the transaction, so that they outlive its rollback (PostgreSQL cannot free a
     // statement inside a failed transaction).
-    Statements inserts(archive, kInsertRecord, kRecordColumns);
-    Statements devices(archive, kUpsertDevice, kDeviceColumns);
-    archive.InTransaction([&] {
+    const QLatin1String orIgnore(archive.isPostgres() ? "" : " OR IGNORE");
+    Statements inserts(archive, QString::fromLatin1(kInsertRecord).replace(QLatin1String("%2"), orIgnore),
+                       kRecordColumns);
+    Statements devices(archive, QString::fromLatin1(kUpsertDevice), kDeviceColumns);
+    archive.InBulkTransaction([&] {
         result.added = result.known = 0; // a retried transaction counts afresh
         const RetestIntervals intervals = LoadIntervals(archive);
-        for (qsizetype first = 0; first < described.size(); first += kRowsPerStatement) {
+        for (qsizetype first = 0; first < accepted.size(); first += kRowsPerStatement) {
             const int rows =
-                static_cast<int>(std::min<qsizetype>(kRowsPerStatement, described.size() - first));
+                static_cast<int>(std::min<qsizetype>(kRowsPerStatement, accepted.size() - first));
             QSqlQuery &insert = inserts.ForRows(rows);
-            int position = 0;
             for (qsizetype k = first; k < first + rows; ++k)
                 for (const QVariant &value : recordValues(k))
-                    insert.bindValue(position++, value);
+                    inserts.Bind(insert, value);
             archive.Run(insert);
             // The rows the database kept, by hash: a record already there, or twice in this import,
             // comes back once or not at all.
@@ -241,7 +286,7 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
             // Each device once a statement, with its newest test of these rows.
             QMap<QString, std::pair<qsizetype, qint64>> newest;
             for (qsizetype k = first; k < first + rows; ++k) {
-                const ArchivedRecord &r = described[k];
+                const ArchivedRecord &r = described(k);
                 const qint64 id = newIds.take(r.sha256);
                 if (id == 0) {
                     ++result.known;
@@ -251,21 +296,20 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
                 if (r.deviceId.isEmpty() || !r.testedAt.isValid())
                     continue; // no device to follow, or no date to count from
                 const auto it = newest.constFind(r.deviceId);
-                if (it == newest.cend() || described[it->first].testedAt <= r.testedAt)
+                if (it == newest.cend() || described(it->first).testedAt <= r.testedAt)
                     newest.insert(r.deviceId, {k, id});
             }
             if (newest.isEmpty())
                 continue;
             QSqlQuery &device = devices.ForRows(static_cast<int>(newest.size()));
-            position = 0;
             for (const auto &[k, id] : std::as_const(newest)) {
-                const ArchivedRecord &r = described[k];
+                const ArchivedRecord &r = described(k);
                 const int months = intervals.MonthsFor(r.deviceId, r.regulation);
                 for (const QVariant &value :
                      {QVariant(r.deviceId), QVariant(r.deviceType), QVariant(r.regulation),
                       TimestampValue(r.testedAt), QVariant(id),
                       DateValue(NextTestDate(r.testedAt.date(), months))})
-                    device.bindValue(position++, value);
+                    devices.Bind(device, value);
             }
             archive.Run(device);
         }
