@@ -169,9 +169,13 @@ void ForEachRecord(Archive &archive, const ArchiveFilter &filter,
 qint64 CountRecords(Archive &archive, const ArchiveFilter &filter)
 {
     const Where where = WhereFor(filter);
-    // Counting due devices needs no record: each device has exactly one latest.
-    const QString from =
-        filter.dueBefore.isValid() && !where.onRecords ? QStringLiteral(" FROM devices d") : FromSql(filter);
+    // Counting due devices needs no record: each device has exactly one latest. Counting records
+    // needs no device: a record has at most one (device ids are unique there).
+    QString from = FromSql(filter);
+    if (filter.dueBefore.isValid() && !where.onRecords)
+        from = QStringLiteral(" FROM devices d");
+    else if (!filter.dueBefore.isValid())
+        from = QStringLiteral(" FROM records r");
     QSqlQuery query = RunWhere(archive, QStringLiteral("SELECT count(*)") + from + where.Sql(), where.values);
     return query.next() ? query.value(0).toLongLong() : 0;
 }
