@@ -123,7 +123,9 @@ TEST_P(OddStyle, EveryCommandDoesWhatItDoesAgainstThePlainStyle)
     EXPECT_TRUE(broken.isEmpty()) << command.id.toStdString() << ": "
                                   << broken.join(QStringLiteral("; ")).toStdString()
                                   << "\n  clean output: " << m_clean.run.out.toStdString()
-                                  << "\n  odd output:   " << odd.run.out.toStdString() << Describe(odd);
+                                  << "\n  odd output:   " << odd.run.out.toStdString() << Describe(odd)
+                                  << "\n  clean run sent: "
+                                  << m_clean.sent.join(QLatin1Char(' ')).left(600).toStdString();
 }
 
 namespace {
