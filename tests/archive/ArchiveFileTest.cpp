@@ -1,6 +1,7 @@
 // What the archive makes of addresses, dates and files it did not write, and what it writes out.
 #include "ArchiveSamples.h"
 
+#include "archive/Archive.h"
 #include "archive/ArchiveExport.h"
 #include "archive/ArchiveQueries.h"
 #include "archive/RecordImport.h"
@@ -67,6 +68,18 @@ TEST(ArchiveTimestamp, ReadsTheTestersDateAndTime)
     };
     for (const auto &c : cases)
         EXPECT_EQ(TestTimestamp(c.date, c.time), c.expected) << c.date << ' ' << c.time;
+}
+
+// The stored text must sort like the time it stands for: every part at its full width.
+TEST(ArchiveTimestamp, IsStoredAtFullWidthAndReadBack)
+{
+    const QDateTime early(QDate(2009, 1, 2), QTime(3, 4, 5), Qt::UTC);
+    EXPECT_EQ(TimestampValue(early).toString(), QStringLiteral("2009-01-02 03:04:05"));
+    EXPECT_EQ(TimestampFrom(TimestampValue(early)), early);
+    EXPECT_EQ(DateValue(QDate(987, 11, 30)).toString(), QStringLiteral("0987-11-30"));
+    EXPECT_EQ(DateFrom(DateValue(QDate(2079, 12, 31))), QDate(2079, 12, 31));
+    EXPECT_TRUE(TimestampValue({}).isNull());
+    EXPECT_TRUE(DateValue({}).isNull());
 }
 
 class ArchiveFileTest : public ::testing::Test {
