@@ -171,11 +171,9 @@ qint64 CountRecords(Archive &archive, const ArchiveFilter &filter)
     const Where where = WhereFor(filter);
     // Counting due devices needs no record: each device has exactly one latest. Counting records
     // needs no device: a record has at most one (device ids are unique there).
-    QString from = FromSql(filter);
-    if (filter.dueBefore.isValid() && !where.onRecords)
-        from = QStringLiteral(" FROM devices d");
-    else if (!filter.dueBefore.isValid())
-        from = QStringLiteral(" FROM records r");
+    const QString from = !filter.dueBefore.isValid() ? QStringLiteral(" FROM records r")
+                         : where.onRecords           ? FromSql(filter)
+                                                     : QStringLiteral(" FROM devices d");
     QSqlQuery query = RunWhere(archive, QStringLiteral("SELECT count(*)") + from + where.Sql(), where.values);
     return query.next() ? query.value(0).toLongLong() : 0;
 }

@@ -113,19 +113,18 @@ public:
         auto it = m_prepared.find(rows);
         if (it == m_prepared.end())
             it = m_prepared.emplace(rows, m_archive.Prepare(MultiRow(m_sql, rows, m_columns))).first;
+        m_current = &it->second;
         m_bound = 0;
         return it->second;
     }
     // Binds the next value of the statement ForRows() returned last.
-    void Bind(QSqlQuery &query, const QVariant &value)
-    {
-        query.bindValue(PlaceholderNames()[m_bound++], value);
-    }
+    void Bind(const QVariant &value) { m_current->bindValue(PlaceholderNames()[m_bound++], value); }
 
 private:
     Archive &m_archive;
     QString m_sql;
     int m_columns;
+    QSqlQuery *m_current = nullptr;
     int m_bound = 0;
     std::map<int, QSqlQuery> m_prepared;
 };
@@ -275,7 +274,7 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
             QSqlQuery &insert = inserts.ForRows(rows);
             for (qsizetype k = first; k < first + rows; ++k)
                 for (const QVariant &value : recordValues(k))
-                    inserts.Bind(insert, value);
+                    inserts.Bind(value);
             archive.Run(insert);
             // The rows the database kept, by hash: a record already there, or twice in this import,
             // comes back once or not at all.
@@ -309,7 +308,7 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
                      {QVariant(r.deviceId), QVariant(r.deviceType), QVariant(r.regulation),
                       TimestampValue(r.testedAt), QVariant(id),
                       DateValue(NextTestDate(r.testedAt.date(), months))})
-                    devices.Bind(device, value);
+                    devices.Bind(value);
             }
             archive.Run(device);
         }
