@@ -129,6 +129,9 @@ PtyHost::End PtyHost::Run(const volatile std::sig_atomic_t &stop)
         else if (fd.revents & POLLIN)
             ReadInput();
     }
+    // What reached the terminal before the stop is still taken and logged: the last bytes of a
+    // client that has just ended may not have been read yet.
+    ReadInput();
     CloseTerminal();
     return End::Stopped;
 }

@@ -57,6 +57,8 @@ Outcome RunMatrixCommand(const MatrixCommand &command, const QStringList &simExt
         RunCli(sim, QStringList{QStringLiteral("--timeout"), QStringLiteral("1")} + command.arguments,
                work.path(), kGuardSeconds);
     outcome.seconds = static_cast<double>(timer.elapsed()) / 1000.0;
+    // The client's last bytes (the EOT after a restart, say) may still be in the terminal.
+    sim.Stop();
     for (const ReceivedLine &line : sim.ReceivedLines()) {
         outcome.sent << line.bytes;
         outcome.exchanges << line.exchange;

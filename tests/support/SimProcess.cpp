@@ -27,6 +27,11 @@ SimProcess::SimProcess(const QStringList &arguments)
 
 SimProcess::~SimProcess()
 {
+    Stop();
+}
+
+void SimProcess::Stop()
+{
     if (m_process.state() != QProcess::NotRunning) {
         m_process.terminate();
         if (!m_process.waitForFinished(5000))

@@ -20,6 +20,9 @@ public:
 
     bool started() const { return !m_pty.isEmpty(); }
     const QString &pty() const { return m_pty; }
+    // Stops the virtual tester. It takes what is still in its terminal first, so that the lines it
+    // received are then all that the client sent.
+    void Stop();
     // The command lines the virtual tester received, in order.
     QList<ReceivedLine> ReceivedLines() const;
     QProcess &process() { return m_process; }
