@@ -7,27 +7,57 @@
 #include "link/ServiceSession.h"
 #include "link/TextRules.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 
 namespace kalvo::update {
 
 namespace {
 
 constexpr qsizetype kValue29Width = 5;
+// The most significant digits the number-to-text conversion writes.
+constexpr int kSignificantDigits = 15;
 
-// The number `text` begins with (blanks, a sign, digits with a decimal point), when there is one.
-std::optional<double> LeadingNumber(const QByteArray &text)
+bool IsDigit(char c)
 {
-    qsizetype i = 0;
-    while (i < text.size() && (text[i] == ' ' || text[i] == '\t'))
-        ++i;
-    if (i < text.size() && (text[i] == '-' || text[i] == '+'))
-        ++i;
-    if (i < text.size() && text[i] == '.')
-        ++i;
-    if (i >= text.size() || text[i] < '0' || text[i] > '9')
-        return std::nullopt;
-    return link::NumericValue(text);
+    return c >= '0' && c <= '9';
+}
+
+// Digits with at most one decimal point, at least one digit: no sign, no exponent, no prefix.
+bool IsPlainNumber(const QByteArray &text)
+{
+    bool point = false, digit = false;
+    for (char c : text) {
+        if (c == '.' && !point)
+            point = true;
+        else if (IsDigit(c))
+            digit = true;
+        else
+            return false;
+    }
+    return digit;
+}
+
+// The value text of the answer to "kal?" + `entry`, as CalibrationValue's rule says; empty when
+// the answer does not hold one.
+QByteArray CalibrationValueText(const QByteArray &answer, int entry)
+{
+    QByteArray payload = answer.endsWith(link::kDC1) ? answer.chopped(1) : answer;
+    while (payload.endsWith('\r') || payload.endsWith('\n'))
+        payload.chop(1);
+    const qsizetype colon = payload.indexOf(':');
+    const qsizetype comma = payload.indexOf(',');
+    if (colon < 0 || comma < colon || !payload.endsWith(".Y"))
+        return {};
+    // The tester names the entry it answers for in front of the ":".
+    const QByteArray named = payload.left(colon).trimmed();
+    const QByteArray number = QByteArray::number(entry);
+    if (!named.endsWith(number) ||
+        (named.size() > number.size() && IsDigit(named[named.size() - number.size() - 1])))
+        return {};
+    const QByteArray value = payload.mid(comma + 1, payload.size() - 2 - comma - 1).trimmed();
+    return IsPlainNumber(value) ? value : QByteArray();
 }
 
 // Sends a write of the fix-up; false (counted as a refusal) unless the tester says ".Y".
@@ -49,6 +79,11 @@ double ReadValue(link::Link &link, const QByteArray &command,
     return *value;
 }
 
+QString ExpectedValue(int entry)
+{
+    return QStringLiteral("\"%1:\", dann \",\", eine Zahl ohne Vorzeichen und \".Y\" am Ende").arg(entry);
+}
+
 } // namespace
 
 bool FixUpNeeded(double firmwareVersion)
@@ -58,30 +93,38 @@ bool FixUpNeeded(double firmwareVersion)
 
 std::optional<double> Value29(const QByteArray &answer)
 {
-    const qsizetype colon = answer.indexOf(':');
-    const qsizetype comma = answer.indexOf(',');
-    if (colon < 0 || comma < colon)
+    const QByteArray value = CalibrationValueText(answer, 29);
+    if (value.isEmpty())
         return std::nullopt;
-    return LeadingNumber(answer.mid(comma + 1, kValue29Width));
+    return link::NumericValue(value.left(kValue29Width));
 }
 
 std::optional<double> Value50(const QByteArray &answer)
 {
-    const qsizetype comma = answer.indexOf(',');
-    if (comma < 0)
+    const QByteArray value = CalibrationValueText(answer, 50);
+    if (value.isEmpty())
         return std::nullopt;
-    return LeadingNumber(answer.mid(comma + 1));
+    return link::NumericValue(value);
 }
 
 QByteArray ScaledValue29(double b)
 {
-    const float product = static_cast<float>(b) * kValue29Factor;
-    if (product == 0)
+    const double product = b * kValue29Factor;
+    if (product == 0 || !std::isfinite(product))
         return "0"; // never "-0"
-    char text[64];
-    // The shortest digits that read back as this very single; fixed, for the tester reads no exponent.
-    const auto result = std::to_chars(text, text + sizeof text, product, std::chars_format::fixed);
-    return QByteArray(text, result.ptr - text);
+    // Fixed, for the tester reads no exponent, with as many decimals as 15 significant digits leave.
+    const int magnitude = static_cast<int>(std::floor(std::log10(std::fabs(product))));
+    const int decimals = std::clamp(kSignificantDigits - 1 - magnitude, 0, 2 * kSignificantDigits);
+    char text[128];
+    const auto result = std::to_chars(text, text + sizeof text, product, std::chars_format::fixed, decimals);
+    QByteArray digits(text, result.ptr - text);
+    if (digits.contains('.')) {
+        while (digits.endsWith('0'))
+            digits.chop(1);
+        if (digits.endsWith('.'))
+            digits.chop(1);
+    }
+    return digits == "-0" ? QByteArray("0") : digits;
 }
 
 FixUpResult FixUpCalibration(link::Link &link, link::Prompter &prompter)
@@ -90,12 +133,11 @@ FixUpResult FixUpCalibration(link::Link &link, link::Prompter &prompter)
     bool refused = false;
     link::OpenServiceSession(link);
     try {
-        const double b =
-            ReadValue(link, "kal?29", Value29, QStringLiteral("\":\", dann \",\" und eine Zahl dahinter"));
+        const double b = ReadValue(link, "kal?29", Value29, ExpectedValue(29));
         if (b < kValue29Limit)
             result.changed29 =
                 Write(link, "wer!29,0", refused) && Write(link, "wer!29," + ScaledValue29(b), refused);
-        const double c = ReadValue(link, "kal?50", Value50, QStringLiteral("\",\" und eine Zahl dahinter"));
+        const double c = ReadValue(link, "kal?50", Value50, ExpectedValue(50));
         if (c < kValue50Limit)
             result.changed50 = Write(link, "wer!50,1204", refused);
     } catch (const link::FormatError &) {

@@ -14,18 +14,22 @@ namespace kalvo::update {
 // Firmware above this version gets the fix-up (compared in single precision, so 1.4 itself does not).
 constexpr float kFixUpAfterVersion = 1.4f;
 constexpr double kValue29Limit = 3000;
-constexpr float kValue29Factor = 1.69f;
+constexpr double kValue29Factor = 1.69;
 constexpr double kValue50Limit = 500;
 
 bool FixUpNeeded(double firmwareVersion);
 
-// B of a "kal?29" answer: the number in the five characters after its first ",", which must come
-// after its first ":". nullopt when they hold no number.
+// A calibration answer holds its value only when it is the whole answer to "kal?N": the entry
+// number N in front of its first ":", a "," after that, then a plain number that is not negative
+// (blanks around it allowed) and the ".Y" that closes the answer. Anything else (a sign, "0x1F",
+// "1e3", nothing, no ".Y") holds no value, so that nothing is ever computed from it.
+// B of a "kal?29" answer: the number in the first five characters of that value.
 std::optional<double> Value29(const QByteArray &answer);
-// C of a "kal?50" answer: the number after its first ","; nullopt when there is none.
+// C of a "kal?50" answer: the whole value.
 std::optional<double> Value50(const QByteArray &answer);
-// B × 1.69 in single precision, as the shortest decimal text that reads back as the same single
-// ("2085.46", not "2085.4600830078125"), never with an exponent or a leading blank.
+// B × 1.69 in double precision, as the number-to-text conversion writes it: at most 15
+// significant digits, no trailing zeros, never an exponent nor a leading blank ("1691.69" for
+// 1001, "16.9" for 10).
 QByteArray ScaledValue29(double b);
 
 struct FixUpResult {
