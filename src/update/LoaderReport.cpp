@@ -1,7 +1,6 @@
 // What an update loader reports after a file, collected from the line with a deadline per phase.
 #include "LoaderReport.h"
 
-#include "link/Errors.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
 
@@ -27,20 +26,29 @@ QString LoaderReport::Shown() const
     return shown;
 }
 
-bool LoaderReport::Ended() const
+bool LoaderReport::Ended(qsizetype from) const
 {
-    return m_bytes.indexOf(link::kDC1, 1) >= 0;
+    return m_bytes.indexOf(link::kDC1, std::max<qsizetype>(from, 1)) >= 0;
 }
 
-void LoaderReport::ReadMore(link::Duration deadline, const QString &waitingFor)
+bool LoaderReport::Refusal() const
+{
+    const qsizetype refusal = m_bytes.indexOf("Protokoll");
+    return refusal >= 0 && m_bytes.indexOf(".N", refusal) >= 0 && Ended(refusal);
+}
+
+link::Timeout LoaderReport::TimedOut(const QString &waitingFor) const
+{
+    return link::Timeout(QStringLiteral("Der Kalvomer hat %1 s lang nicht geantwortet (erwartet: %2). %3")
+                             .arg(link::ToSeconds(m_link.timeout()))
+                             .arg(waitingFor, RepeatUpdateText()));
+}
+
+bool LoaderReport::ReadMore(link::Duration deadline, const QString &waitingFor)
 {
     const auto remaining = deadline - m_link.clock().now();
-    if (remaining <= link::Duration::zero()) {
-        m_link.ClosePort();
-        throw link::Timeout(QStringLiteral("Der Kalvomer hat %1 s lang nicht geantwortet (erwartet: %2). %3")
-                                .arg(link::ToSeconds(m_link.timeout()))
-                                .arg(waitingFor, RepeatUpdateText()));
-    }
+    if (remaining <= link::Duration::zero())
+        return false;
     const QByteArray chunk = m_link.ReadRaw(std::chrono::ceil<std::chrono::milliseconds>(remaining));
     if (m_bytes.size() + chunk.size() > kMaxReportBytes) {
         m_link.DiscardInput();
@@ -49,6 +57,7 @@ void LoaderReport::ReadMore(link::Duration deadline, const QString &waitingFor)
             QStringLiteral("höchstens %1 Bytes. %2").arg(kMaxReportBytes).arg(RepeatUpdateText()));
     }
     m_bytes += chunk;
+    return true;
 }
 
 LoaderReport::Outcome LoaderReport::WaitFor(const QByteArray &mark, const QString &waitingFor)
@@ -59,15 +68,31 @@ LoaderReport::Outcome LoaderReport::WaitFor(const QByteArray &mark, const QStrin
             return Outcome::Found;
         if (Ended())
             return Outcome::Ended;
-        ReadMore(deadline, waitingFor);
+        if (!ReadMore(deadline, waitingFor))
+            throw TimedOut(waitingFor);
     }
 }
 
-void LoaderReport::WaitForEnd(const QString &waitingFor)
+LoaderReport::Outcome LoaderReport::WaitForWord(const QByteArray &mark)
 {
     const auto deadline = m_link.clock().now() + m_link.timeout();
-    while (!Ended())
-        ReadMore(deadline, waitingFor);
+    for (;;) {
+        if (m_bytes.contains(mark))
+            return Outcome::Found;
+        if (Refusal())
+            return Outcome::Refused;
+        if (!ReadMore(deadline, QString::fromLatin1(mark)))
+            return Outcome::TimedOut;
+    }
+}
+
+void LoaderReport::WaitForEnd(qsizetype from, const QString &waitingFor)
+{
+    const auto deadline = m_link.clock().now() + m_link.timeout();
+    while (!Ended(from)) {
+        if (!ReadMore(deadline, waitingFor))
+            throw TimedOut(waitingFor);
+    }
 }
 
 } // namespace kalvo::update

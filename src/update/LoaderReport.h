@@ -2,6 +2,7 @@
 #pragma once
 
 #include "link/Clock.h"
+#include "link/Errors.h"
 
 #include <QByteArray>
 #include <QString>
@@ -20,16 +21,26 @@ public:
     explicit LoaderReport(link::Link &link) : m_link(link) {}
 
     enum class Outcome {
-        Found, // the mark has come
-        Ended  // the tester closed its report (DC1 after its first character) without the mark
+        Found,    // the mark has come
+        Ended,    // the tester closed its report (DC1 after its first character) without the mark
+        Refused,  // the report is a refusal ("Protokoll" and ".N"), closed by DC1
+        TimedOut, // the link's time-out passed without the mark
     };
-    // Reads until `mark` stands in what was collected, or the report has ended without it. After
-    // the link's time-out the port is closed and link::Timeout thrown with `waitingFor` (what
-    // did not come) and the advice to repeat the update. More than kMaxReportBytes is a
+    // For a line's acknowledgement: reads until `mark` stands in what was collected, or the
+    // report has ended without it. After the link's time-out link::Timeout is thrown with
+    // `waitingFor` (what did not come) and the advice to repeat the update; the port stays open,
+    // so that the run can still restart the tester. More than kMaxReportBytes is a
     // link::FormatError.
     Outcome WaitFor(const QByteArray &mark, const QString &waitingFor);
-    // Reads until DC1 stands at or after the second byte: a DC1 in front is left over from before.
-    void WaitForEnd(const QString &waitingFor);
+    // For a word of the erase or programming report: reads until `mark` has come, the report is a
+    // refusal, or the time-out has passed. A DC1 in between ends nothing: a tester may close
+    // each part of its report, or send one before it, while it is still at work.
+    Outcome WaitForWord(const QByteArray &mark);
+    // Reads until DC1 stands at or after the second byte, and after the byte at `from`: a DC1 in
+    // front is left over from before or closed an earlier part of the report. Throws as WaitFor.
+    void WaitForEnd(qsizetype from, const QString &waitingFor);
+    // The time-out of a phase that waited for `waitingFor`.
+    link::Timeout TimedOut(const QString &waitingFor) const;
 
     // Forgets what was collected.
     void Clear() { m_bytes.clear(); }
@@ -40,9 +51,11 @@ public:
     QString Shown() const;
 
 private:
-    bool Ended() const;
-    // Reads once more before `deadline`; throws as WaitFor says.
-    void ReadMore(link::Duration deadline, const QString &waitingFor);
+    bool Ended(qsizetype from = 1) const;
+    bool Refusal() const;
+    // Reads once more before `deadline`; false when it has passed. Throws link::FormatError when
+    // the report grows beyond kMaxReportBytes.
+    bool ReadMore(link::Duration deadline, const QString &waitingFor);
 
     link::Link &m_link;
     QByteArray m_bytes;

@@ -21,6 +21,8 @@ constexpr qsizetype kHeaderBytes = 9;
 // The size bytes hold these until the body is complete.
 constexpr char kSizePlaceholderLow = 0x14;
 constexpr char kSizePlaceholderHigh = 0x31;
+// Below it a byte of the body is a run count or a line end to the tester.
+constexpr unsigned char kFirstPrintable = 0x20;
 
 } // namespace
 
@@ -72,7 +74,19 @@ QList<QByteArray> ReadTemplateLines(const QString &path)
                                 QStringLiteral("eine Vorlage von höchstens %1 Bytes, nicht %2 Bytes")
                                     .arg(kMaxTemplateFileBytes)
                                     .arg(file.size()));
-    return SplitLines(file.read(kMaxTemplateFileBytes));
+    const QList<QByteArray> lines = SplitLines(file.read(kMaxTemplateFileBytes));
+    for (qsizetype l = 0; l < lines.size(); ++l) {
+        for (qsizetype c = 0; c < lines[l].size(); ++c) {
+            const auto byte = static_cast<unsigned char>(lines[l][c]);
+            if (byte < kFirstPrintable)
+                throw link::FormatError(
+                    where, static_cast<int>(l + 1),
+                    QStringLiteral("in Spalte %1 ein Zeichen ab 0x20, nicht das Steuerzeichen 0x%2")
+                        .arg(c + 1)
+                        .arg(byte, 2, 16, QLatin1Char('0')));
+        }
+    }
+    return lines;
 }
 
 PFileBuild BuildPFile(const QList<QByteArray> &lines, int slot)

@@ -26,7 +26,9 @@ std::optional<unsigned char> SlotByte(int slot);
 QByteArray PackLine(const QByteArray &line);
 
 // The template file's lines: 8-bit text, lines ending at CR LF, LF or CR. Throws
-// link::FormatError when the file cannot be read or is larger than kMaxTemplateFileBytes.
+// link::FormatError when the file cannot be read or is larger than kMaxTemplateFileBytes, and,
+// naming the line and the column, for a control byte (below 0x20) in a line: the tester would
+// read 0x02 to 0x1F as a run count, and takes no control character into a template.
 QList<QByteArray> ReadTemplateLines(const QString &path);
 
 struct PFileBuild {

@@ -3,11 +3,14 @@
 
 #include "FileBytes.h"
 #include "PFile.h"
+#include "RunFailure.h"
 #include "Transfers.h"
 #include "UpdateKinds.h"
 #include "link/Link.h"
 #include "link/Prompter.h"
 #include "link/ServiceSession.h"
+
+#include <QFileInfo>
 
 namespace kalvo::update {
 
@@ -27,19 +30,26 @@ std::optional<MadePFile> MakePFile(link::Prompter &prompter, const QString &temp
 bool LoadPFile(link::Link &link, link::Prompter &prompter, const MadePFile &pfile)
 {
     const link::RefusalWatch session(link);
+    RunFailure failure(link);
     link.SendCommand(QByteArray{} + link::kEOT + link::kCR);
     link.Wait(kPFileWakePause);
     link::OpenServiceSession(link);
-    AnnounceLoader(link, session, InfoFor(ContentKind::Pictures).announce, pfile.path);
     const bool send = pfile.bytes.size() >= kShortestPackageBytes;
-    if (send) {
+    failure.Attempt([&] {
+        AnnounceLoader(link, session, InfoFor(ContentKind::Pictures).announce, pfile.path);
+        if (!send) {
+            prompter.message(NotFoundText(pfile.path), link::Prompter::Icon::Warning);
+            return;
+        }
         StreamBytes(link, prompter, pfile.bytes);
-        link.ReceiveAnswer();
-    } else {
-        prompter.message(NotFoundText(pfile.path), link::Prompter::Icon::Warning);
-    }
-    link.Wait(kPFileSettlePause);
-    link::RestartTester(link);
+        // The loader reports on a template as on a picture set: taken only when it says so.
+        AwaitPackageReport(link, QFileInfo(pfile.path).fileName());
+    });
+    // Whatever the loader made of it, the tester leaves its loader and configuration mode.
+    failure.Finish([&] {
+        link.Wait(kPFileSettlePause);
+        link::RestartTester(link);
+    });
     return send;
 }
 

@@ -28,9 +28,11 @@ struct MadePFile {
 std::optional<MadePFile> MakePFile(link::Prompter &prompter, const QString &templatePath, int slot,
                                    const QString &outPath = {});
 
-// EOT CR, 1.2 s, "idn!99", "kal!ein", "kal!upd3", the P-file's bytes and one answer, 1 s, "rst!0",
-// EOT. A P-file of 100 bytes or less is not sent (" nicht gefunden" in its place). True when the
-// bytes went out. Throws as the transfers do; a refused "kal!upd3" gets no bytes and no restart.
+// EOT CR, 1.2 s, "idn!99", "kal!ein", "kal!upd3", the P-file's bytes and the loader's report
+// (judged as a package's: AwaitPackageReport), 1 s, "rst!0", EOT. A P-file of 100 bytes or less is
+// not sent (" nicht gefunden" in its place). True when the bytes went out. A refused "kal!upd3"
+// (or any refusal before it) gets no bytes; a failed transfer or a refusal still gets the pause and
+// the restart, then throws as the transfers do.
 bool LoadPFile(link::Link &link, link::Prompter &prompter, const MadePFile &pfile);
 
 // MakePFile, then LoadPFile of the new file. When no new P-file could be made nothing is loaded,

@@ -70,39 +70,54 @@ QString ProgrammingReportText(const QString &name, const QString &fault, const L
         .arg(name, fault, report.Shown(), RepeatUpdateText());
 }
 
-// The erase report; a report that ended without it is a refusal of the file when it says so, a
-// missing erase report (31998), or, when it holds the programming report, one out of place (31997).
-void AwaitErasing(link::Link &link, LoaderReport &report, const QByteArray &mark, const QString &name)
+// A report that refuses the file: counted as a refusal and told.
+[[noreturn]] void Refused(link::Link &link, const LoaderReport &report, const QString &name)
 {
-    if (report.WaitFor(mark, QStringLiteral("\"%1\" nach %2").arg(QString::fromLatin1(mark), name)) ==
-        LoaderReport::Outcome::Found)
-        return;
-    if (report.bytes().contains("Protokoll") && report.bytes().contains(".N")) {
-        link.NoteRefusal(name.toLatin1());
-        throw link::ProtocolError(link.protocolErrorNumber(),
-                                  QStringLiteral("Der Kalvomer hat %1 abgelehnt: \"%2\". %3")
-                                      .arg(name, report.Shown(), RepeatUpdateText()));
+    link.NoteRefusal(name.toLatin1());
+    throw link::ProtocolError(link.protocolErrorNumber(),
+                              QStringLiteral("Der Kalvomer hat %1 abgelehnt: \"%2\". %3")
+                                  .arg(name, report.Shown(), RepeatUpdateText()));
+}
+
+// The erase report, waited for up to the time-out whatever else comes. A tester that said nothing
+// at all has not answered (3); one that reported without it has not erased (31998), unless, in a
+// package's report, the programming report stands first: then it is out of place (31997).
+// Returns where the erase word ends.
+qsizetype AwaitErasing(link::Link &link, LoaderReport &report, const QByteArray &mark, const QString &name,
+                       bool package)
+{
+    const QString waitingFor = QStringLiteral("\"%1\" nach %2").arg(QString::fromLatin1(mark), name);
+    switch (report.WaitForWord(mark)) {
+    case LoaderReport::Outcome::Found: return report.bytes().indexOf(mark) + mark.size();
+    case LoaderReport::Outcome::Refused: Refused(link, report, name);
+    default: break;
     }
-    if (report.bytes().contains("ramming"))
+    if (report.bytes().isEmpty())
+        throw report.TimedOut(waitingFor);
+    if (package && report.bytes().startsWith("ramming"))
         throw link::TransferError(
             kProgrammingReportMisplaced,
-            ProgrammingReportText(name, QStringLiteral("steht ohne Löschbericht da"), report));
+            ProgrammingReportText(name, QStringLiteral("steht ohne Löschbericht vorne"), report));
     throw link::TransferError(kEraseReportMissing,
                               QStringLiteral("Der Kalvomer hat nach %1 kein Löschen gemeldet: \"%2\". %3")
                                   .arg(name, report.Shown(), RepeatUpdateText()));
 }
 
-// After the erase report: the programming report, which never stands first.
-void AwaitProgramming(LoaderReport &report, const QString &name)
+// After the erase report: the programming report, which never stands first. Returns where its
+// word ends.
+qsizetype AwaitProgramming(link::Link &link, LoaderReport &report, const QString &name)
 {
-    if (report.WaitFor("ramming", QStringLiteral("\"...ramming\" nach %1").arg(name)) ==
-        LoaderReport::Outcome::Ended)
-        throw link::TransferError(kProgrammingReportMisplaced,
-                                  ProgrammingReportText(name, QStringLiteral("fehlt"), report));
+    const QString waitingFor = QStringLiteral("\"...ramming\" nach %1").arg(name);
+    switch (report.WaitForWord("ramming")) {
+    case LoaderReport::Outcome::Found: break;
+    case LoaderReport::Outcome::Refused: Refused(link, report, name);
+    default: throw report.TimedOut(waitingFor);
+    }
     if (report.bytes().startsWith("ramming"))
         throw link::TransferError(
             kProgrammingReportMisplaced,
             ProgrammingReportText(name, QStringLiteral("steht ohne Löschbericht vorne"), report));
+    return report.bytes().indexOf("ramming") + 7;
 }
 
 } // namespace
@@ -187,9 +202,9 @@ bool SendHexFile(link::Link &link, link::Prompter &prompter, const HexFile &hex)
         }
         // What came behind the last "!" belongs to the erase report.
         report.DropThrough("!");
-        AwaitErasing(link, report, "Erasing", name);
+        const qsizetype erased = AwaitErasing(link, report, "Erasing", name, false);
         progress.Show(100);
-        report.WaitForEnd(QStringLiteral("das Ende (DC1) nach %1").arg(name));
+        report.WaitForEnd(erased, QStringLiteral("das Ende (DC1) nach %1").arg(name));
     });
     return true;
 }
@@ -205,15 +220,20 @@ bool SendPackageFile(link::Link &link, link::Prompter &prompter, const QString &
     }
     const BusyScope busy(prompter);
     const QString name = FileName(path);
-    LoaderReport report(link);
     Transferring(name, [&] {
         StreamBytes(link, prompter, bytes);
-        // The package loaders' erase report is matched without its first letter, as it always was.
-        AwaitErasing(link, report, "rasing", name);
-        AwaitProgramming(report, name);
-        report.WaitForEnd(QStringLiteral("das Ende (DC1) nach %1").arg(name));
+        AwaitPackageReport(link, name);
     });
     return true;
+}
+
+void AwaitPackageReport(link::Link &link, const QString &name)
+{
+    LoaderReport report(link);
+    // The package loaders' erase report is matched without its first letter, as it always was.
+    AwaitErasing(link, report, "rasing", name, true);
+    const qsizetype programmed = AwaitProgramming(link, report, name);
+    report.WaitForEnd(programmed, QStringLiteral("das Ende (DC1) nach %1").arg(name));
 }
 
 } // namespace kalvo::update

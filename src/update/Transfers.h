@@ -28,18 +28,25 @@ constexpr int kEraseReportMissing = 31998;
 constexpr int kProgrammingReportMisplaced = 31997;
 
 // The line transfer: each line + CR, waiting up to the time-out for the tester's "!"; then
-// "Erasing" (31998 when the report ends without it) and DC1 at or after the report's second byte.
+// "Erasing" (waited for up to the time-out whatever else comes: 3 when nothing came, 31998 when
+// the report lacks it) and DC1 behind it.
 // Returns false, after the message path + " nicht gefunden", when the file has 10 lines or fewer.
 // Throws link::Timeout (3), link::TransferError, link::ProtocolError (a line answered without
 // "!"); each message says that the update must be repeated.
 bool SendHexFile(link::Link &link, link::Prompter &prompter, const HexFile &hex);
 
-// The character stream: exactly the file's bytes, then "rasing" (31998), "ramming" (31997 when
-// missing or first in the report) and DC1 at or after the second byte. Returns false, after
-// " nicht gefunden", for a file of 100 bytes or less. Throws as SendHexFile (link::ProtocolError
+// The character stream: exactly the file's bytes, then the loader's report (AwaitPackageReport). Returns
+// false, after " nicht gefunden", for a file of 100 bytes or less. Throws as SendHexFile (link::ProtocolError
 // when the loader's report refuses the file), and link::FormatError for a file larger than
 // kMaxPackageFileBytes.
 bool SendPackageFile(link::Link &link, link::Prompter &prompter, const QString &path);
+
+// What a package loader reports after the stream: the erase report ("rasing", waited for up to
+// the time-out whatever else comes: 3 when nothing came, 31998 when the report lacks it, 31997 when
+// it begins with "ramming"), the programming report ("ramming", never first; 3 when it does not
+// come) and DC1 behind it. A report that refuses the package ("Protokoll" and ".N") is a
+// link::ProtocolError. `name` names the file in the messages, which ask for the update again.
+void AwaitPackageReport(link::Link &link, const QString &name);
 
 // Throws link::FormatError naming the size when `path` is larger than kMaxPackageFileBytes.
 void CheckPackageFileSize(const QString &path);

@@ -3,6 +3,7 @@
 #include "UpdateRun.h"
 
 #include "HexFile.h"
+#include "RunFailure.h"
 #include "Transfers.h"
 #include "link/Link.h"
 #include "link/PackageFiles.h"
@@ -21,7 +22,8 @@ class Steps {
 public:
     Steps(link::Link &link, link::Prompter &prompter, const UpdatePermission &permission,
           const UpdateContext &context)
-        : m_link(link), m_prompter(prompter), m_permission(permission), m_context(context), m_session(link)
+        : m_link(link), m_prompter(prompter), m_permission(permission), m_context(context), m_session(link),
+          m_failure(link)
     {}
 
     QString PathOf(const QString &fileName) const { return QDir(m_context.directory).filePath(fileName); }
@@ -49,9 +51,10 @@ public:
         }
         if (!m_hex || m_hex->path() != path)
             CheckBeforeSending(ContentKind::System, path);
-        TellFile(path);
-        AnnounceLoader(m_link, m_session, InfoFor(ContentKind::System).announce, path);
-        Count(SendHexFile(m_link, m_prompter, *m_hex), path);
+        Transfer(path, [&] {
+            AnnounceLoader(m_link, m_session, InfoFor(ContentKind::System).announce, path);
+            Count(SendHexFile(m_link, m_prompter, *m_hex), path);
+        });
     }
 
     // A package file: its loader and the stream when permitted, otherwise the refusal.
@@ -61,9 +64,10 @@ public:
             Refuse(kind);
             return;
         }
-        TellFile(path);
-        AnnounceLoader(m_link, m_session, InfoFor(kind).announce, path);
-        Count(SendPackageFile(m_link, m_prompter, path), path);
+        Transfer(path, [&] {
+            AnnounceLoader(m_link, m_session, InfoFor(kind).announce, path);
+            Count(SendPackageFile(m_link, m_prompter, path), path);
+        });
     }
 
     void Send(ContentKind kind, const QString &path)
@@ -79,9 +83,22 @@ public:
         m_outcome.identity = link::IdentifyTester(m_link, {m_context.directory, m_context.dateOrder});
     }
 
+    // What ends a run, done even after a failed transfer; the failure is told after it.
+    template <typename Closing> void Finish(Closing closing) { m_failure.Finish(closing); }
+    bool failed() const { return m_failure.failed(); }
+
     UpdateOutcome &outcome() { return m_outcome; }
 
 private:
+    // A file's loader and transfer; after a failed one no loader opens, and the file is not sent.
+    template <typename Send> void Transfer(const QString &path, Send send)
+    {
+        if (m_failure.failed())
+            return;
+        TellFile(path);
+        m_failure.Attempt(send);
+    }
+
     void TellFile(const QString &path) const
     {
         if (m_context.fileStarting)
@@ -104,6 +121,7 @@ private:
     const UpdatePermission &m_permission;
     const UpdateContext &m_context;
     const link::RefusalWatch m_session; // from the start of the run: no loader opens after a refusal
+    RunFailure m_failure;
     std::optional<HexFile> m_hex;
     UpdateOutcome m_outcome;
 };
@@ -141,9 +159,11 @@ UpdateOutcome UpdateSingleFile(link::Link &link, link::Prompter &prompter, Updat
     steps.CheckBeforeSending(kind, path);
     link::OpenServiceSession(link);
     steps.Send(kind, path);
-    if (kind != ContentKind::System)
-        link::RestartTester(link);
-    steps.ReadIdentity();
+    steps.Finish([&] {
+        if (kind != ContentKind::System)
+            link::RestartTester(link);
+        steps.ReadIdentity();
+    });
     return steps.outcome();
 }
 
@@ -173,8 +193,10 @@ UpdateOutcome UpdateByName(link::Link &link, link::Prompter &prompter, const Upd
     link::OpenServiceSession(link);
     if (kind)
         steps.Send(*kind, path);
-    link::RestartTester(link);
-    steps.ReadIdentity();
+    steps.Finish([&] {
+        link::RestartTester(link);
+        steps.ReadIdentity();
+    });
     return steps.outcome();
 }
 
@@ -199,14 +221,17 @@ UpdateOutcome UpdatePackage(link::Link &link, link::Prompter &prompter, UpdatePe
     if (permission.upoc)
         permission.permitted = true;
     steps.SendFirmware(steps.PathOf(files.system));
-    // The tester has restarted after its firmware.
-    link::OpenServiceSession(link);
-    for (const auto &[name, kind] : packages)
-        steps.SendPackage(kind, steps.PathOf(name));
-    link::RestartTester(link);
-    steps.ReadIdentity();
-    if (FixUpNeeded(steps.outcome().identity->firmwareVersion))
-        steps.outcome().fixUp = FixUpCalibration(link, prompter);
+    steps.Finish([&] {
+        // The tester has restarted after its firmware.
+        link::OpenServiceSession(link);
+        for (const auto &[name, kind] : packages)
+            steps.SendPackage(kind, steps.PathOf(name));
+        link::RestartTester(link);
+        steps.ReadIdentity();
+        // Calibration values are changed only after a package that went in whole.
+        if (!steps.failed() && FixUpNeeded(steps.outcome().identity->firmwareVersion))
+            steps.outcome().fixUp = FixUpCalibration(link, prompter);
+    });
     return steps.outcome();
 }
 

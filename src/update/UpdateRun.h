@@ -42,11 +42,12 @@ struct UpdateOutcome {
 };
 
 // Whatever goes wrong before the first command throws and sends nothing: a firmware file that is
-// not Intel HEX, a file beyond its size limit (link::FormatError). A failed transfer ends the run
-// where it failed (link::Timeout, link::TransferError, link::ProtocolError), as does a loader
-// command the tester refuses: nothing is sent to a loader that did not open. A file that is
-// missing or too short is reported " nicht gefunden" and the run goes on. Nothing is sent while
-// the port is closed (the user is told).
+// not Intel HEX, a file beyond its size limit (link::FormatError). A failed transfer (link::Timeout,
+// link::TransferError, link::ProtocolError), or a loader command the tester refuses, ends that
+// transfer: no loader opens after it, but the run still restarts the tester and reads its identity
+// where it would have, then throws the failure (a package run makes no calibration fix-up then). A
+// port that is gone ends the run at once. A file that is missing or too short is reported
+// " nicht gefunden" and the run goes on. Nothing is sent while the port is closed (the user is told).
 
 // A file chosen in the file list of `kind`: "idn!99", "kal!ein", the loader command and the
 // file; after a package file also "rst!0" and EOT (firmware restarts the tester by itself); then

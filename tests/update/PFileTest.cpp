@@ -152,7 +152,7 @@ TEST_F(PFileFiles, TemplateLinesEndAtCrLfLfOrCrAndKeepTheirBytes)
         {"mixed, last line without an end", "a\r\n\nb\rc", {"a", "", "b", "c"}},
         {"LF CR is two line ends", "a\n\rb", {"a", "", "b"}},
         {"empty lines at the end are lines", "a\r\n\r\n\r\n", {"a", "", ""}},
-        {"8-bit bytes and tabs kept", "\xC9\xCD\t\x84\r\n", {"\xC9\xCD\t\x84"}},
+        {"8-bit bytes kept", "\xC9\xCD \x84\xFF\r\n", {"\xC9\xCD \x84\xFF"}},
         {"empty file", "", {}},
     };
     for (const auto &c : cases)
@@ -232,7 +232,82 @@ TEST_F(PFileFiles, AShortPFileIsReportedMissingAndATooLongTemplateLoadsNothing)
     }
 }
 
-TEST_F(PFileFiles, ARefusedLoaderGetsNoBytes)
+TEST_F(PFileFiles, AControlByteInATemplateIsRefusedWithItsLineAndColumnAndNothingIsSent)
+{
+    // The tester would take 0x02 to 0x1F as a run count of the packed line.
+    const struct {
+        QByteArray bytes;
+        const char *says;
+    } cases[] = {
+        {"Kopf\r\nGer\xE4t:\t@1\r\n",
+         "Zeile 2: erwartet in Spalte 7 ein Zeichen ab 0x20, nicht das Steuerzeichen 0x09"},
+        {"\x02"
+         "abc\r\n",
+         "Zeile 1: erwartet in Spalte 1 ein Zeichen ab 0x20, nicht das Steuerzeichen 0x02"},
+        {"a\r\nb\r\nxyz\x1F",
+         "Zeile 3: erwartet in Spalte 4 ein Zeichen ab 0x20, nicht das Steuerzeichen 0x1f"},
+        {"ab\x1B[1m\r\n", "Zeile 1: erwartet in Spalte 3"},
+        {Unpackable(200) + "\r\n\x0C\r\n", "Zeile 2: erwartet in Spalte 1"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(EscapeBytes(c.bytes).toStdString());
+        const QString path = Template(c.bytes, "4.pr");
+        ScriptedLink s;
+        try {
+            BuildAndLoadPFile(s.link, s.prompter, path, 4);
+            ADD_FAILURE() << "no FormatError";
+        } catch (const FormatError &e) {
+            EXPECT_TRUE(e.message().contains(QString::fromUtf8(c.says))) << e.message().toStdString();
+            EXPECT_TRUE(e.message().contains(QStringLiteral("4.pr"))) << e.message().toStdString();
+        }
+        EXPECT_TRUE(s.transport.writes().empty());
+        EXPECT_FALSE(QFile::exists(m_dir.filePath(QStringLiteral("4.P"))));
+    }
+}
+
+TEST_F(PFileFiles, TheLoadersReportIsJudgedAndTheTesterIsRestartedWhateverItSays)
+{
+    const QString path = Template(JoinLines({Unpackable(200)}), "2.pr");
+    const QByteArray bytes = BuildPFile(ReadTemplateLines(path), 2).bytes;
+    const struct {
+        const char *name;
+        std::vector<QByteArray> report; // 300 ms apart after the P-file
+        int number;                     // 0: loaded
+        const char *says;
+    } cases[] = {
+        {"taken", {kPackageReport}, 0, ""},
+        {"a DC1 closes the erase report", {"Erasing ...\r\n\x11", "... Programming\r\n\x11"}, 0, ""},
+        {"refused", {"Vorlage zu lang Protokoll .N\r\n\x11"}, kProtocolErrorNumber, "2.P abgelehnt"},
+        {"not erased", {"Checksum error\r\n\x11"}, kEraseReportMissing, "kein Löschen gemeldet"},
+        {"programming first", {"ramming\r\n\x11"}, kProgrammingReportMisplaced, "ohne Löschbericht"},
+        {"no report at all", {}, 3, "\"rasing\" nach 2.P"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        ScriptedLink s;
+        ExpectLoadStart(s.transport);
+        auto &last = ExpectStream(s.transport, bytes);
+        for (size_t k = 0; k < c.report.size(); ++k)
+            last.Reply(c.report[k], 300ms * (k + 1));
+        ExpectRestart(s.transport);
+        int number = 0;
+        QString message;
+        try {
+            EXPECT_TRUE(BuildAndLoadPFile(s.link, s.prompter, path, 2));
+        } catch (const KalvoError &e) {
+            number = e.number();
+            message = e.message();
+        }
+        EXPECT_EQ(number, c.number) << message.toStdString();
+        EXPECT_TRUE(message.contains(QString::fromUtf8(c.says))) << message.toStdString();
+        if (number != 0)
+            EXPECT_TRUE(message.contains(QStringLiteral("Update wiederholen"))) << message.toStdString();
+        EXPECT_TRUE(s.transport.allExpectationsMet());
+        EXPECT_EQ(s.link.refusals(), number == kProtocolErrorNumber ? 1 : 0);
+    }
+}
+
+TEST_F(PFileFiles, ARefusedLoaderGetsNoBytesAndTheTesterIsRestarted)
 {
     const QString path = Template(JoinLines({Unpackable(200)}), "2.pr");
     ScriptedLink s;
@@ -240,9 +315,14 @@ TEST_F(PFileFiles, ARefusedLoaderGetsNoBytes)
     ExpectSetting(s.transport, "idn!99");
     ExpectSetting(s.transport, "kal!ein");
     s.transport.Expect("kal!upd3\r").Reply("kal!upd3 Protokoll .N\r\n\x11");
+    // Not left in configuration mode: the pause and the restart follow as after a load.
+    ExpectRestart(s.transport);
     EXPECT_THROW(BuildAndLoadPFile(s.link, s.prompter, path, 2), ProtocolError);
     EXPECT_TRUE(s.transport.allExpectationsMet());
     EXPECT_EQ(s.link.refusals(), 1);
+    const auto &writes = s.transport.writes();
+    ASSERT_EQ(writes.size(), 6u);
+    EXPECT_EQ(writes[4].at - writes[3].at, 1s);
 }
 
 } // namespace

@@ -185,7 +185,7 @@ TEST(SingleFileUpdate, ABrokenFirmwareFileSendsNothingAtAll)
     EXPECT_TRUE(s.transport.writes().empty());
 }
 
-TEST(SingleFileUpdate, NoLoaderOpensAfterARefusalOrABadAnswerAndTheRunStops)
+TEST(SingleFileUpdate, NoLoaderOpensAfterARefusalOrABadAnswerYetTheTesterIsRestarted)
 {
     const struct {
         const char *name;
@@ -208,6 +208,9 @@ TEST(SingleFileUpdate, NoLoaderOpensAfterARefusalOrABadAnswerAndTheRunStops)
         s.transport.Expect("kal!ein\r").Reply(QByteArray(c.ein) + "\r\n\x11");
         if (c.announce)
             s.transport.Expect("kal!upd1\r").Reply(QByteArray(c.announce) + "\r\n\x11");
+        // Not left in configuration mode.
+        ExpectRestart(s.transport);
+        ExpectIdentity(s.transport);
         UpdatePermission permission;
         try {
             UpdateSingleFile(s.link, s.prompter, permission, ContentKind::Sequences,
@@ -221,6 +224,67 @@ TEST(SingleFileUpdate, NoLoaderOpensAfterARefusalOrABadAnswerAndTheRunStops)
         EXPECT_TRUE(s.transport.allExpectationsMet()); // and nothing beyond them: no stream
         EXPECT_EQ(s.link.refusedCommands().value(0), QByteArray(c.refused));
     }
+}
+
+TEST(SingleFileUpdate, AFailedTransferStillRestartsTheTesterThenAsksForTheUpdateAgain)
+{
+    const struct {
+        const char *name;
+        QByteArray report; // after the stream
+        int number;
+    } cases[] = {
+        {"no report", {}, 3},
+        {"no erase report", "\r\nChecksum error\r\n\x11", kEraseReportMissing},
+        {"the programming report first", "ramming\r\n\x11", kProgrammingReportMisplaced},
+        {"erased, never programmed", "\r\nErasing\r\n", 3},
+        {"the package refused", "Kopf fehlerhaft Protokoll .N\r\n\x11", kProtocolErrorNumber},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        Package package;
+        ScriptedLink s;
+        ExpectSession(s.transport);
+        ExpectSetting(s.transport, "kal!upd2");
+        auto &last = ExpectStream(s.transport, package.Bytes(package.files.help));
+        if (!c.report.isEmpty())
+            last.Reply(c.report, 30ms);
+        ExpectRestart(s.transport);
+        ExpectIdentity(s.transport);
+        UpdatePermission permission;
+        try {
+            UpdateSingleFile(s.link, s.prompter, permission, ContentKind::Help,
+                             package.Path(package.files.help), package.context);
+            ADD_FAILURE() << "no failure told";
+        } catch (const KalvoError &e) {
+            EXPECT_EQ(e.number(), c.number) << e.message().toStdString();
+            EXPECT_TRUE(e.message().contains(QStringLiteral("Update wiederholen")))
+                << e.message().toStdString();
+        }
+        EXPECT_TRUE(s.transport.allExpectationsMet());
+        EXPECT_TRUE(s.link.IsOpen());
+    }
+}
+
+TEST(SingleFileUpdate, AFailureAfterAFailedTransferTellsTheFirst)
+{
+    // The tester stopped answering while it flashed: the restart goes unanswered too, and the
+    // message is about the transfer.
+    Package package;
+    ScriptedLink s;
+    ExpectSession(s.transport);
+    ExpectSetting(s.transport, "kal!upd1");
+    ExpectStream(s.transport, package.Bytes(package.files.sequences)).Reply("\r\nChecksum error\r\n", 30ms);
+    s.transport.Expect("rst!0\r");
+    UpdatePermission permission;
+    try {
+        UpdateSingleFile(s.link, s.prompter, permission, ContentKind::Sequences,
+                         package.Path(package.files.sequences), package.context);
+        ADD_FAILURE() << "no failure told";
+    } catch (const KalvoError &e) {
+        EXPECT_EQ(e.number(), kEraseReportMissing) << e.message().toStdString();
+    }
+    EXPECT_TRUE(s.transport.allExpectationsMet());
+    EXPECT_FALSE(s.link.IsOpen());
 }
 
 TEST(SingleFileUpdate, ALoaderAnsweringInUpperCaseIsListening)
@@ -366,7 +430,7 @@ TEST(PackageUpdate, AMissingFileIsReportedAndTheRunGoesOn)
     EXPECT_TRUE(s.prompter.messages[0].text.endsWith(QStringLiteral("bilder.p nicht gefunden")));
 }
 
-TEST(PackageUpdate, AFailedTransferStopsTheRunThere)
+TEST(PackageUpdate, AfterAFailedTransferNoLoaderOpensTheTesterIsRestartedAndNothingIsFixedUp)
 {
     Package package;
     ScriptedLink s;
@@ -375,6 +439,9 @@ TEST(PackageUpdate, AFailedTransferStopsTheRunThere)
     ExpectSession(s.transport);
     ExpectSetting(s.transport, "kal!upd3");
     ExpectStream(s.transport, package.Bytes("bilder.p")).Reply("\r\nFlash defect\r\n\x11", 30ms);
+    // Neither sequences nor help, but the restart and the identity; no fix-up on firmware 1.52.
+    ExpectRestart(s.transport);
+    ExpectIdentity(s.transport, "1.52");
     UpdatePermission permission;
     try {
         UpdatePackage(s.link, s.prompter, permission, QStringLiteral("ge"), package.context);
