@@ -111,8 +111,12 @@ std::optional<QByteArray> RecordCommands::TemplateText(const QByteArray &argumen
     const auto number = RecordNumber(argument);
     if (!number || *number >= kPrintTemplates)
         return std::nullopt;
-    return " Vorlage " + QByteArray::number(*number) + " \\v" + m_templates[static_cast<size_t>(*number)] +
-           ".Y";
+    // Everything behind "\\v" is the template, as a reader keeps it: the answer's own line end
+    // closes its last line, and no ".Y" follows.
+    QByteArray text = m_templates[static_cast<size_t>(*number)];
+    if (text.endsWith("\r\n"))
+        text.chop(2);
+    return " Vorlage " + QByteArray::number(*number) + " \\v" + text;
 }
 
 } // namespace kalvo::sim

@@ -14,6 +14,7 @@ constexpr char kDC1 = '\x11';
 const QByteArray kAck = "!";
 const QByteArray kErasing = "Erasing ...\r\n";
 const QByteArray kProgramming = "... Programming\r\n";
+const QByteArray kFlashReady = "Flash ok\r\n";
 // Far beyond the longest record (255 data bytes); a longer line is not taken whole.
 constexpr qsizetype kLongestHexLine = 600;
 constexpr qsizetype kSizeBytesRead = 3; // the mark and the two size bytes
@@ -36,8 +37,8 @@ int VersionPart(UpdateLoader::Kind kind)
 
 } // namespace
 
-UpdateLoader::UpdateLoader(Kind kind, std::optional<FaultKind> fault, TesterModel &model)
-    : m_kind(kind), m_fault(fault), m_model(model)
+UpdateLoader::UpdateLoader(Kind kind, std::optional<FaultKind> fault, TesterModel &model, AnswerStyle style)
+    : m_kind(kind), m_fault(fault), m_style(style), m_model(model)
 {}
 
 UpdateLoader::Step UpdateLoader::Take(char byte)
@@ -168,8 +169,14 @@ QList<UpdateLoader::Piece> UpdateLoader::Report(link::Duration start) const
         return {Piece{whole.mid(whole.indexOf("ramming")) + kDC1, start + kEraseTime}};
     }
     QList<Piece> pieces;
+    const bool odd = m_style == AnswerStyle::Odd;
+    if (odd && m_kind == Kind::Firmware) {
+        // A word of the loader's own, closed, before it erases.
+        pieces << Piece{kFlashReady + kDC1, start};
+        start += kReportGap;
+    }
     if (!Has(FaultKind::NoErase))
-        pieces << Piece{kErasing, start};
+        pieces << Piece{odd && m_kind != Kind::Firmware ? kErasing + kDC1 : kErasing, start};
     pieces << Piece{kProgramming + kDC1, start + kEraseTime};
     return pieces;
 }

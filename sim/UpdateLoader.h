@@ -1,6 +1,7 @@
 // The tester's four update loaders: what it does with the raw bytes that follow "kal!updN".
 #pragma once
 
+#include "AnswerStyle.h"
 #include "FaultPlan.h"
 #include "TesterModel.h"
 #include "link/Clock.h"
@@ -40,7 +41,11 @@ public:
     // The most of a package that is kept; more is counted but not held.
     static constexpr qsizetype kKeptBytes = 1024 * 1024;
 
-    UpdateLoader(Kind kind, std::optional<FaultKind> fault, TesterModel &model);
+    // In the odd style the report carries a DC1 inside: the firmware loader closes a word of its
+    // own before its erase report, a package loader closes its erase report; the DC1 after the
+    // programming report still ends it.
+    UpdateLoader(Kind kind, std::optional<FaultKind> fault, TesterModel &model,
+                 AnswerStyle style = AnswerStyle::Plain);
 
     Kind kind() const { return m_kind; }
     // One byte from the line.
@@ -63,6 +68,7 @@ private:
 
     Kind m_kind;
     std::optional<FaultKind> m_fault;
+    AnswerStyle m_style;
     TesterModel &m_model;
     QByteArray m_line; // the firmware line so far
     int m_lines = 0;   // firmware lines taken, the bad one included

@@ -98,7 +98,7 @@ void VirtualTester::HandleLine(const QByteArray &line, link::Duration at)
     if (reply.loader) {
         // What follows the announce line is the loader's: raw bytes, no command lines.
         m_loader.emplace(static_cast<UpdateLoader::Kind>(*reply.loader),
-                         m_faults.TakeLoader(line, m_exchanges), m_model);
+                         m_faults.TakeLoader(line, m_exchanges), m_model, m_style);
         m_loaderByteAt = at;
     }
     QByteArray answer = m_style == AnswerStyle::Odd ? OddAnswer(line, reply.answer) : reply.answer;

@@ -3,7 +3,9 @@
 #include "CliContext.h"
 #include "CliWords.h"
 
+#include "link/Errors.h"
 #include "link/Identification.h"
+#include "link/Link.h"
 #include "link/PackageFiles.h"
 #include "update/PFile.h"
 #include "update/PFileLoad.h"
@@ -16,6 +18,25 @@
 namespace kalvo::cli {
 
 namespace {
+
+// Starts as every command that talks to the tester, and as the window on connecting: the tester
+// woken, its state read, then identified (a package run's fix-up goes by the firmware it reports).
+// After a refusal the command neither writes a file nor sends anything more; one that goes on to
+// change the tester does not after an unconfirmed answer either, not even to "mes!0" or
+// "kal!aus", which connecting alone does not look at.
+void ConnectAndIdentify(CliContext &context, bool changes, const QString &updateDir = {})
+{
+    link::Link &link = context.link();
+    const link::RefusalWatch command(link);
+    const link::ConnectionState state = link::ConnectTester(link, context.portName());
+    link::IdentifyTester(link, {updateDir, link::SystemDateOrder()});
+    for (const QByteArray &unconfirmed : changes ? state.unconfirmed : QList<QByteArray>())
+        link.NoteRefusal(unconfirmed);
+    if (command.refused())
+        throw link::ProtocolError(link.protocolErrorNumber(),
+                                  QStringLiteral("Der Kalvomer hat %1 abgelehnt; es wurde nichts gesendet.")
+                                      .arg(command.Describe()));
+}
 
 void PrintOutcome(QTextStream &out, const update::UpdateOutcome &outcome)
 {
@@ -49,7 +70,9 @@ int Update(CliContext &context, const QStringList &words)
             throw UsageError{
                 QStringLiteral("%1 passt zu keiner Maske (*.hex, b*.p, a*.p, h*.p)").arg(file.fileName())};
         setup.directory = file.absolutePath();
-        context.OpenPort();
+        // A bad file ends the command before the tester is woken.
+        update::CheckBeforeSending(*kind, file.absoluteFilePath());
+        ConnectAndIdentify(context, true, setup.directory);
         outcome = update::UpdateSingleFile(context.link(), context.prompter(), permission, *kind,
                                            file.absoluteFilePath(), setup);
     } else if (action == QLatin1String("package") && w.positional.size() == 2 &&
@@ -62,7 +85,8 @@ int Update(CliContext &context, const QStringList &words)
         if (!QFileInfo(setup.directory).isDir())
             throw UsageError{
                 QStringLiteral("%1 ist kein Verzeichnis").arg(QDir::toNativeSeparators(setup.directory))};
-        context.OpenPort();
+        update::CheckPackageBeforeSending(setup.directory, code);
+        ConnectAndIdentify(context, true, setup.directory);
         outcome = update::UpdatePackage(context.link(), context.prompter(), permission, code, setup);
     } else {
         throw UsageError{QStringLiteral("file PATH | package DIR --lang ge|gb|fr|it|nl|es|ts|pl")};
@@ -100,7 +124,7 @@ int PFile(CliContext &context, const QStringList &words)
     if (action == QLatin1String("load")) {
         // Read the template before the port is opened: a bad file ends the command untouched.
         update::ReadTemplateLines(w.positional[1]);
-        context.OpenPort();
+        ConnectAndIdentify(context, true);
         if (!update::BuildAndLoadPFile(context.link(), context.prompter(), w.positional[1], slot))
             return kExitFailed;
         context.out() << QDir::toNativeSeparators(update::PFileName(w.positional[1])) << " -> slot " << slot
@@ -119,7 +143,7 @@ int Templates(CliContext &context, const QStringList &words)
     if (k < update::kFirstTemplate || k > update::kLastTemplate)
         throw UsageError{QStringLiteral("K muss zwischen 0 und 4 liegen, nicht %1").arg(k)};
     const QString path = w.positional.value(2, update::TemplateFileName(k));
-    context.OpenPort();
+    ConnectAndIdentify(context, false);
     if (!update::SaveTemplateFromTester(context.link(), k, path))
         return kExitFailed;
     context.out() << "template " << k << " -> " << QDir::toNativeSeparators(path) << '\n';

@@ -48,8 +48,11 @@ ConnectionState ConnectTester(Link &link, const QString &portName, bool developm
     ConnectionState state;
     if (developmentTerminal)
         return state;
-    link.Exchange("mes!0");
-    link.Exchange("kal!aus");
+    for (const QByteArray command : {QByteArray("mes!0"), QByteArray("kal!aus")}) {
+        const QByteArray answer = link.Exchange(command);
+        if (!answer.contains(".Y") || answer.contains(".N"))
+            state.unconfirmed << command;
+    }
     // A plain search for "1" anywhere in the answer, as the tester's tools have always done; but
     // only in an answer that holds a register value at all.
     state.quillbankPresent = ReadRegisterAnswer(link, "var?E3").contains('1');

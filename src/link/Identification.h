@@ -20,6 +20,9 @@ struct ConnectionState {
     bool flagsRead = false;        // false in development-terminal mode
     bool quillbankPresent = false; // register E3: the accessory switch is offered
     bool d3Option = false;         // register D3
+    // Of "mes!0" and "kal!aus", those not answered ".Y" without ".N": connecting does not look at
+    // them, but a command that goes on to change the tester does.
+    QList<QByteArray> unconfirmed;
 };
 
 // Closes and reopens the port, wakes the tester, stops any measurement, leaves any

@@ -5,6 +5,8 @@
 #include "PFileLoad.h"
 #include "link/Errors.h"
 #include "link/Link.h"
+#include "link/Prompter.h"
+#include "link/TextRules.h"
 
 namespace kalvo::update {
 
@@ -15,33 +17,24 @@ QByteArray TemplateReadCommand(int k)
 
 namespace {
 
-QByteArray WithoutTerminator(const QByteArray &answer)
+// An answer without a template that closes with the tester's "no" instead of a text.
+bool ClosedByNo(const QByteArray &answer)
 {
-    return answer.endsWith(link::kDC1) ? answer.chopped(1) : answer;
-}
-
-// Where the success mark that closes an answer ends (line ends may follow it); 0 when there is none.
-qsizetype SuccessMarkEnd(const QByteArray &payload)
-{
-    qsizetype end = payload.size();
-    while (end > 0 && (payload[end - 1] == '\r' || payload[end - 1] == '\n'))
-        --end;
-    return payload.left(end).endsWith(".Y") ? end : 0;
+    QByteArray payload = answer;
+    while (!payload.isEmpty() &&
+           (payload.back() == link::kDC1 || payload.back() == '\r' || payload.back() == '\n'))
+        payload.chop(1);
+    return !answer.contains("\\v") && (payload.endsWith(".N") || payload.endsWith(".Nx"));
 }
 
 } // namespace
 
 QByteArray TemplateText(const QByteArray &answer)
 {
-    // Without the success mark that closes it.
-    QByteArray payload = WithoutTerminator(answer);
-    if (const qsizetype end = SuccessMarkEnd(payload))
-        payload.truncate(end - 2);
-    const qsizetype start = payload.indexOf("\\v");
-    if (start >= 0)
-        payload.remove(0, start + 2);
+    const qsizetype start = answer.indexOf("\\v");
+    const QByteArray payload = start < 0 ? answer : answer.mid(start + 2);
     QByteArray text;
-    for (char ch : std::as_const(payload)) {
+    for (char ch : payload) {
         const auto c = static_cast<unsigned char>(ch);
         if (c == '\n' || c == '\r' || c >= 32)
             text += ch;
@@ -54,21 +47,36 @@ QString TemplateFileName(int k)
     return QString::number(k) + QStringLiteral(".pr");
 }
 
-std::optional<QByteArray> ReadTemplate(link::Link &link, int k)
+std::optional<TemplateTable> ReadTemplates(link::Link &link)
 {
     if (link.PortClosed())
         return std::nullopt;
     const link::RefusalWatch watch(link);
-    const QByteArray command = TemplateReadCommand(k);
-    const QByteArray answer = link.Exchange(command);
+    TemplateTable table;
+    for (int k = kFirstTemplate; k <= kLastTemplate; ++k) {
+        const QByteArray command = TemplateReadCommand(k);
+        const link::RefusalWatch read(link);
+        const QByteArray answer = link.Exchange(command);
+        if (!read.refused() && ClosedByNo(answer)) {
+            link.NoteRefusal(command);
+            link.prompter().message(
+                QStringLiteral("Der Kalvomer hat %1 abgelehnt: \"%2\"")
+                    .arg(QString::fromLatin1(command), link::EscapeBytes(answer.left(80))),
+                link::Prompter::Icon::Warning);
+        }
+        table[static_cast<size_t>(k - kFirstTemplate)] = TemplateText(answer);
+    }
     if (watch.refused())
         return std::nullopt;
-    // A template begins behind its marker, or, where a tester sends none, is closed by the success
-    // mark; an answer with neither (garbled, or refused with ".Nx") holds no template.
-    if (!answer.contains("\\v") && SuccessMarkEnd(WithoutTerminator(answer)) == 0)
-        throw link::FormatError::ForAnswer(
-            command, answer, QStringLiteral("eine Vorlage hinter \"\\v\" oder mit \".Y\" am Ende"));
-    return TemplateText(answer);
+    return table;
+}
+
+std::optional<QByteArray> ReadTemplate(link::Link &link, int k)
+{
+    const std::optional<TemplateTable> table = ReadTemplates(link);
+    if (!table)
+        return std::nullopt;
+    return table->at(static_cast<size_t>(k - kFirstTemplate));
 }
 
 bool SaveTemplateFromTester(link::Link &link, int k, const QString &path)

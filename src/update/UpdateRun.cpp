@@ -28,17 +28,10 @@ public:
 
     QString PathOf(const QString &fileName) const { return QDir(m_context.directory).filePath(fileName); }
 
-    // Everything that can be found wrong in a file before anything is sent. Files that are
-    // missing or short are left to their step, which reports them and goes on.
     void CheckBeforeSending(ContentKind kind, const QString &path)
     {
-        if (InfoFor(kind).lineTransfer) {
-            m_hex = HexFile::Read(path);
-            if (!m_hex->missing())
-                m_hex->Check();
-        } else {
-            CheckPackageFileSize(path);
-        }
+        if (auto hex = update::CheckBeforeSending(kind, path))
+            m_hex = std::move(hex);
     }
 
     // The firmware: its loader and the lines when permitted, otherwise the refusal and a restart.
@@ -141,7 +134,36 @@ private:
     UpdatePermission &m_permission;
 };
 
+// The package files of a language run after its firmware, in their order.
+std::array<std::pair<QString, ContentKind>, 3> PackageOrder(const link::PackageFiles &files)
+{
+    return {{{files.pictures, ContentKind::Pictures},
+             {files.sequences, ContentKind::Sequences},
+             {files.help, ContentKind::Help}}};
+}
+
 } // namespace
+
+std::optional<HexFile> CheckBeforeSending(ContentKind kind, const QString &path)
+{
+    if (!InfoFor(kind).lineTransfer) {
+        CheckPackageFileSize(path);
+        return std::nullopt;
+    }
+    HexFile hex = HexFile::Read(path);
+    if (!hex.missing())
+        hex.Check();
+    return hex;
+}
+
+void CheckPackageBeforeSending(const QString &directory, const QString &languageCode)
+{
+    const link::PackageFiles files = link::PackageFilesFor(languageCode);
+    const QDir dir(directory);
+    CheckBeforeSending(ContentKind::System, dir.filePath(files.system));
+    for (const auto &[name, kind] : PackageOrder(files))
+        CheckBeforeSending(kind, dir.filePath(name));
+}
 
 const QStringList &PackageLanguageCodes()
 {
@@ -208,14 +230,7 @@ UpdateOutcome UpdatePackage(link::Link &link, link::Prompter &prompter, UpdatePe
     if (link.PortClosed())
         return steps.outcome();
     const link::PackageFiles files = link::PackageFilesFor(languageCode);
-    const std::pair<QString, ContentKind> packages[] = {
-        {files.pictures, ContentKind::Pictures},
-        {files.sequences, ContentKind::Sequences},
-        {files.help, ContentKind::Help},
-    };
-    steps.CheckBeforeSending(ContentKind::System, steps.PathOf(files.system));
-    for (const auto &[name, kind] : packages)
-        steps.CheckBeforeSending(kind, steps.PathOf(name));
+    CheckPackageBeforeSending(context.directory, languageCode);
 
     link::OpenServiceSession(link);
     if (permission.upoc)
@@ -224,7 +239,7 @@ UpdateOutcome UpdatePackage(link::Link &link, link::Prompter &prompter, UpdatePe
     steps.Finish([&] {
         // The tester has restarted after its firmware.
         link::OpenServiceSession(link);
-        for (const auto &[name, kind] : packages)
+        for (const auto &[name, kind] : PackageOrder(files))
             steps.SendPackage(kind, steps.PathOf(name));
         link::RestartTester(link);
         steps.ReadIdentity();

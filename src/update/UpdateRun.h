@@ -3,6 +3,7 @@
 #pragma once
 
 #include "CalibrationFixUp.h"
+#include "HexFile.h"
 #include "UpdateKinds.h"
 #include "UpdatePermission.h"
 #include "link/Identification.h"
@@ -21,6 +22,14 @@ namespace kalvo::update {
 
 // The package languages: ge gb fr it nl es ts pl.
 const QStringList &PackageLanguageCodes();
+
+// What the runs check before their first command, for a front end that talks to the tester before
+// it starts one (kalvo-cli wakes and identifies it first): a firmware file that is not Intel HEX
+// and a package beyond its size limit throw link::FormatError. Missing and short files pass: their
+// step reports them. Returns the firmware file read.
+std::optional<HexFile> CheckBeforeSending(ContentKind kind, const QString &path);
+// The same for the four files of a language in `directory`.
+void CheckPackageBeforeSending(const QString &directory, const QString &languageCode);
 
 struct UpdateContext {
     QString directory;                                         // the download directory

@@ -14,6 +14,7 @@ enum class LineKind {
     Read,       // a value is read from it
     Setting,    // a setting, done when ".Y" is in the answer
     Store,      // "kal!pgm", "cfg!pgm": stored only on ".Y" without ".N"
+    Kept,       // kept whole as it came (a print template: "prn?" + k); only a refusal is judged
 };
 
 QString CommandLine(const QString &logged)
@@ -29,6 +30,8 @@ LineKind KindOf(const QString &logged)
         return LineKind::Unexamined;
     if (line == QLatin1String("dis?"))
         return LineKind::Retried;
+    if (line.startsWith(QLatin1String("prn?")) && line.size() > 4)
+        return LineKind::Kept;
     if (IsStoreLine(logged))
         return LineKind::Store;
     if (line.size() > 3 && line[3] == QLatin1Char('!'))
@@ -105,6 +108,9 @@ Expectation Expect(const MatrixCommand &command, const QString &fault, const Pos
         return {{0}, {}, true};
     switch (KindOf(position.line)) {
     case LineKind::Retried: return {{0}, {}};
+    // Whatever came is the template: the file then holds it, or, when another template was
+    // spoiled, is the clean run's.
+    case LineKind::Kept: return {{0}, {}, false, true};
     case LineKind::Unexamined:
         // Not looked at; but in a write session, a tester that answers nonsense gets nothing stored.
         if (command.changesTester && BeforeStore(position, clean.sent))

@@ -49,6 +49,10 @@ QStringList Lines(std::initializer_list<const char *> commands)
 }
 
 const QStringList kIdentify = Lines({"dis?\\r", "ver?\\r", "idn?\\r"});
+// How every command starts: the wake-up, the tester's state, the identification.
+const QStringList kConnect =
+    Lines({"\\r", "\\r", "\\x04\\r", "\\x07\\r", "mes!0\\r", "kal!aus\\r", "var?E3\\r", "var?D3\\r"}) +
+    kIdentify;
 const QStringList kSession = Lines({"idn!99\\r", "kal!ein\\r"});
 const QStringList kRestart = Lines({"rst!0\\r", "\\x04"});
 
@@ -60,8 +64,8 @@ TEST(UpdateCommands, APackageRunSendsEveryCommandAndEveryByteInOrder)
     const RunResult run = RunCli(sim, {QStringLiteral("update"), QStringLiteral("package"),
                                        package.dir.path(), QStringLiteral("--lang"), QStringLiteral("gb")});
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-    const QStringList expected = kSession + Lines({"kal!upd0\\r"}) + package.Received("med.hex") + kSession +
-                                 Lines({"kal!upd3\\r"}) + package.Received("bilder.p") +
+    const QStringList expected = kConnect + kSession + Lines({"kal!upd0\\r"}) + package.Received("med.hex") +
+                                 kSession + Lines({"kal!upd3\\r"}) + package.Received("bilder.p") +
                                  Lines({"kal!upd1\\r"}) + package.Received("abgb.p") +
                                  Lines({"kal!upd2\\r"}) + package.Received("hlfgb.p") + kRestart + kIdentify +
                                  kSession + Lines({"kal?29\\r", "kal?50\\r", "kal!aus\\r"});
@@ -97,7 +101,7 @@ TEST(UpdateCommands, OneFileOfEachKindGoesBehindItsLoader)
         const RunResult run =
             RunCli(sim, {QStringLiteral("update"), QStringLiteral("file"), package.Path(name)});
         ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-        EXPECT_EQ(sim.ReceivedBytes(), kSession + Lines({c.announce}) + package.Received(name) +
+        EXPECT_EQ(sim.ReceivedBytes(), kConnect + kSession + Lines({c.announce}) + package.Received(name) +
                                            (c.restart ? kRestart : QStringList()) + kIdentify);
         EXPECT_TRUE(run.out.contains(name + QStringLiteral(": sent"))) << run.out.toStdString();
     }
@@ -136,14 +140,16 @@ TEST(UpdateCommands, ATemplateLoadedIntoASlotReadsBackAsItWasWritten)
     ASSERT_EQ(load.exitCode, 0) << load.err.toStdString();
     const QByteArray pfile = ReadFile(dir.filePath(QStringLiteral("EIGEN.P")));
     ASSERT_TRUE(pfile.startsWith("\x89")) << EscapeBytes(pfile.left(20)).toStdString();
-    EXPECT_EQ(sim.ReceivedBytes(), Lines({"\\x04\\r"}) + kSession + Lines({"kal!upd3\\r"}) +
+    EXPECT_EQ(sim.ReceivedBytes(), kConnect + Lines({"\\x04\\r"}) + kSession + Lines({"kal!upd3\\r"}) +
                                        QStringList{EscapeBytes(pfile)} + kRestart);
 
     const QString out = dir.filePath(QStringLiteral("2.pr"));
     const RunResult read =
         RunCli(sim, {QStringLiteral("templates"), QStringLiteral("read"), QStringLiteral("2"), out});
     ASSERT_EQ(read.exitCode, 0) << read.err.toStdString();
-    EXPECT_EQ(sim.ReceivedBytes().last(), QStringLiteral("prn?2\\r"));
+    // All five are read, the one asked for is kept.
+    EXPECT_EQ(sim.ReceivedBytes().mid(sim.ReceivedBytes().size() - 5),
+              Lines({"prn?0\\r", "prn?1\\r", "prn?2\\r", "prn?3\\r", "prn?4\\r"}));
     EXPECT_EQ(EscapeBytes(ReadFile(out)), EscapeBytes(text));
 }
 
@@ -155,7 +161,7 @@ TEST(UpdateCommands, LoaderFaultsEndTheTransferWithTheirErrorAndAskForTheUpdateA
         int exitCode;
         const char *says;
     } cases[] = {
-        {"noerase:kal!upd3", "bilder.p", 1, "31997:"},
+        {"noerase:kal!upd3", "bilder.p", 1, "31998:"},
         {"rammingonly:kal!upd1", "abge.p", 1, "31997:"},
         {"noack", "med.hex", 3,
          "3:  Der Kalvomer hat 2 s lang nicht geantwortet (erwartet: \"!\" nach Zeile 1 von 15"},
@@ -172,13 +178,17 @@ TEST(UpdateCommands, LoaderFaultsEndTheTransferWithTheirErrorAndAskForTheUpdateA
         EXPECT_EQ(run.exitCode, c.exitCode) << run.err.toStdString();
         EXPECT_TRUE(run.err.contains(QString::fromUtf8(c.says))) << run.err.toStdString();
         EXPECT_TRUE(run.err.contains(QStringLiteral("Update wiederholen"))) << run.err.toStdString();
-        // The run stops where the transfer failed: no restart, no identification.
-        EXPECT_FALSE(sim.ReceivedBytes().contains(QStringLiteral("rst!0\\r")));
-        EXPECT_FALSE(sim.ReceivedBytes().contains(QStringLiteral("dis?\\r")));
+        // The transfer ends there, but the run goes on: a package's tester is restarted (the
+        // firmware restarts by itself), then identified.
+        const QStringList tail =
+            (QString::fromLatin1(c.file).endsWith(QLatin1String(".p")) ? kRestart : QStringList()) +
+            kIdentify;
+        const QStringList received = sim.ReceivedBytes();
+        EXPECT_EQ(received.mid(received.size() - tail.size()), tail) << received.join(' ').toStdString();
     }
 }
 
-TEST(UpdateCommands, ARefusedLoaderGetsNoFile)
+TEST(UpdateCommands, ARefusedLoaderGetsNoFileButTheTesterIsRestarted)
 {
     SimProcess sim({QStringLiteral("--fault"), QStringLiteral("refuse:kal!upd2")});
     ASSERT_TRUE(sim.started());
@@ -187,7 +197,23 @@ TEST(UpdateCommands, ARefusedLoaderGetsNoFile)
         RunCli(sim, {QStringLiteral("update"), QStringLiteral("file"), package.Path("hlfge.p")});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_TRUE(run.err.contains(QStringLiteral("\"kal!upd2\" abgelehnt"))) << run.err.toStdString();
-    EXPECT_EQ(sim.ReceivedBytes(), kSession + Lines({"kal!upd2\\r"}));
+    EXPECT_EQ(sim.ReceivedBytes(), kConnect + kSession + Lines({"kal!upd2\\r"}) + kRestart + kIdentify);
+}
+
+TEST(UpdateCommands, AnUnconfirmedStartSendsNothingToALoader)
+{
+    // Connecting does not look at "mes!0" and "kal!aus"; an update does, before it opens a loader.
+    const PackageFolder package(QStringLiteral("ge"));
+    for (const char *fault : {"refusestore:kal!aus", "garbage:mes!0", "refuse:mes!0"}) {
+        SCOPED_TRACE(fault);
+        SimProcess sim({QStringLiteral("--fault"), QString::fromLatin1(fault) + QStringLiteral("x1")});
+        ASSERT_TRUE(sim.started());
+        const RunResult run =
+            RunCli(sim, {QStringLiteral("update"), QStringLiteral("file"), package.Path("bilder.p")});
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_TRUE(run.err.contains(QStringLiteral("es wurde nichts gesendet"))) << run.err.toStdString();
+        EXPECT_EQ(sim.ReceivedBytes(), kConnect);
+    }
 }
 
 TEST(UpdateCommands, TheOddAnswerStyleChangesNothing)

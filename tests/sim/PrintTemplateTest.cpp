@@ -59,14 +59,14 @@ struct Tester {
         EXPECT_EQ(Line("kal!upd3"), Answer("kal!upd3.Y"));
         return Send(pfile);
     }
-    // The text behind "\v" of the answer to "prn?k", without the closing ".Y" CR LF DC1.
+    // The text behind "\v" of the answer to "prn?k", without the DC1 that ends it.
     QByteArray TemplateText(int k)
     {
         const QByteArray answer = Line("prn?" + QByteArray::number(k));
         const qsizetype mark = answer.indexOf("\\v");
         EXPECT_GE(mark, 0) << answer.toStdString();
-        EXPECT_TRUE(answer.endsWith(".Y\r\n\x11"));
-        return answer.mid(mark + 2).chopped(5);
+        EXPECT_TRUE(answer.endsWith("\r\n\x11"));
+        return answer.mid(mark + 2).chopped(1);
     }
 
     link::ManualClock clock;
@@ -82,7 +82,7 @@ TEST(PrintTemplates, PrnQueryAnswersTheTemplateTextBehindTheMark)
         const QByteArray text = sim::SampleTemplateText(k);
         EXPECT_EQ(t.Line("prn?" + QByteArray::number(k)),
                   Answer("prn?" + QByteArray::number(k) + " Vorlage " + QByteArray::number(k) + " \\v" +
-                         text + ".Y"));
+                         text.chopped(2)));
         EXPECT_TRUE(text.endsWith("\r\n")) << k;
         EXPECT_EQ(text.count('\n'), text.count("\r\n")) << k;
         EXPECT_TRUE(text.contains('\xC4') && text.contains("#ER")) << k;
@@ -281,7 +281,7 @@ TEST(PrintTemplates, ProgramSendsAPFileByteByByteThroughAUsbAdapterAndReadsItBac
     link.Exchange("rst!0");
     link.SendCommand("\x04");
     const QByteArray answer = link.Exchange("prn?4");
-    EXPECT_EQ(answer.mid(answer.indexOf("\\v") + 2), kOwnTemplate + ".Y\r\n\x11");
+    EXPECT_EQ(answer.mid(answer.indexOf("\\v") + 2), kOwnTemplate + "\x11");
     EXPECT_EQ(tester.restarts(), 1);
     EXPECT_EQ(link.refusals(), 0);
 }

@@ -26,9 +26,9 @@ TEST(Templates, TheTextStartsAfterBackslashVAndKeepsOnlyPrintableBytesAndLineEnd
         QByteArray text;
     } cases[] = {
         {"after \\v", "prn?1\\vKopf\r\nZeile\r\n\x11", "Kopf\r\nZeile\r\n"},
-        {"closed by .Y", "prn?1 Vorlage 1 \\vKopf\r\nZeile\r\n.Y\r\n\x11", "Kopf\r\nZeile\r\n"},
+        {"closed by .Y: kept", "prn?1 Vorlage 1 \\vKopf\r\nZeile\r\n.Y\r\n\x11", "Kopf\r\nZeile\r\n.Y\r\n"},
         {".Y inside the text stays", "prn?1\\va.Y\r\nb\r\n\x11", "a.Y\r\nb\r\n"},
-        {"no \\v, closed by .Y without line end", "prn?2 .Y\x11", "prn?2 "},
+        {"no \\v, closed by .Y without line end", "prn?2 .Y\x11", "prn?2 .Y"},
         {"echo with a blank, in capitals", "PRN? 2\\v@1 @2\n\x11", "@1 @2\n"},
         {"no \\v: the whole answer", "prn?3\r\nText\r\n\x11", "prn?3\r\nText\r\n"},
         {"a second \\v belongs to the text", "prn?0\\va\\vb\x11", "a\\vb"},
@@ -43,44 +43,93 @@ TEST(Templates, TheTextStartsAfterBackslashVAndKeepsOnlyPrintableBytesAndLineEnd
     EXPECT_EQ(TemplateFileName(3), QStringLiteral("3.pr"));
 }
 
-TEST(Templates, AReadTheTesterRefusesOrGarblesWritesNoFile)
+// The five reads, "prn?0" to "prn?4", each answered with `answers[k]`.
+void ExpectTemplates(ScriptedTransport &transport, const std::array<QByteArray, 5> &answers)
+{
+    for (int k = 0; k < 5; ++k) {
+        auto &step = transport.Expect("prn?" + QByteArray::number(k) + '\r');
+        // Odd chunks: byte by byte for one of them.
+        if (k == 3)
+            step.ReplyByteByByte(answers[k]);
+        else
+            step.Reply(answers[k]);
+    }
+}
+
+TEST(Templates, AllFiveAreReadAndTheChosenOneIsKept)
+{
+    const std::array<QByteArray, 5> answers = {
+        "prn?0 Vorlage 0 \\vUniversal\r\n.Y\r\n\x11",
+        "PRN? 1:\\v#01 #02\r\n\x11",
+        "prn?2\r\nKurz\r\n@1\r\n\x11",           // no "\v": all of it
+        "prn?3\\vMedizin\x07\r\nEnde.Y\r\n\x11", // a text that ends in ".Y" and a line end
+        "\\vWerkstatt\x11",
+    };
+    const QByteArray texts[] = {"Universal\r\n.Y\r\n", "#01 #02\r\n", "prn?2\r\nKurz\r\n@1\r\n",
+                                "Medizin\r\nEnde.Y\r\n", "Werkstatt"};
+    QTemporaryDir dir;
+    for (int k = 0; k < 5; ++k) {
+        SCOPED_TRACE(k);
+        ScriptedLink s;
+        ExpectTemplates(s.transport, answers);
+        const QString path = dir.filePath(TemplateFileName(k));
+        EXPECT_TRUE(SaveTemplateFromTester(s.link, k, path));
+        EXPECT_TRUE(s.transport.allExpectationsMet());
+        EXPECT_EQ(EscapeBytes(ReadFile(path)), EscapeBytes(texts[k]));
+    }
+    ScriptedLink s;
+    ExpectTemplates(s.transport, answers);
+    const auto table = ReadTemplates(s.link);
+    ASSERT_TRUE(table.has_value());
+    for (int k = 0; k < 5; ++k)
+        EXPECT_EQ(table->at(static_cast<size_t>(k)), texts[k]) << k;
+}
+
+TEST(Templates, AReadTheTesterRefusesWritesNoFileButGarbleIsATemplate)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(TemplateFileName(2));
-    ASSERT_TRUE(WriteFile(path, "old template"));
-    {
+    const QByteArray good = "prn?k\\vText\r\n\x11";
+    const struct {
+        const char *name;
+        int at; // which of the five is answered with `answer`
+        QByteArray answer;
+        bool written;
+        QByteArray text; // of template 2, when written
+    } cases[] = {
+        {"template 2 refused", 2, "prn?2 Protokoll .N\r\n\x11", false, {}},
+        {"another template refused", 4, "prn?4 Protokoll .N\r\n\x11", false, {}},
+        {"closed by .Nx", 2, "prn?2.Nx\r\n\x11", false, {}},
+        {"closed by .N", 0, "PRN?0 .N\x11", false, {}},
+        {"garbled: all of it", 2, "\x8f#q\x03z\x11", true, "\x8f#qz"},
+        {".N inside a text is no refusal", 2,
+         "prn?2\\vPr\xFC"
+         "f.Nr.\r\n\x11",
+         true,
+         "Pr\xFC"
+         "f.Nr.\r\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        ASSERT_TRUE(WriteFile(path, "old template"));
+        std::array<QByteArray, 5> answers;
+        answers.fill(good);
+        answers[static_cast<size_t>(c.at)] = c.answer;
         ScriptedLink s;
-        s.transport.Expect("prn?2\r").Reply("prn?2 Protokoll .N\r\n\x11");
-        EXPECT_FALSE(SaveTemplateFromTester(s.link, 2, path));
-        EXPECT_EQ(ReadFile(path), QByteArray("old template"));
+        ExpectTemplates(s.transport, answers);
+        EXPECT_EQ(SaveTemplateFromTester(s.link, 2, path), c.written);
+        EXPECT_TRUE(s.transport.allExpectationsMet()) << "the others are read all the same";
+        EXPECT_EQ(ReadFile(path), c.written ? c.text : QByteArray("old template"));
+        EXPECT_EQ(s.link.refusals(), c.written ? 0 : 1);
+        EXPECT_EQ(s.prompter.messages.size(), c.written ? 0u : 1u);
     }
     {
-        ScriptedLink s;
-        s.transport.Expect("prn?2\r").ReplyByteByByte("prn?2\\vNeu\r\n\x11");
-        EXPECT_TRUE(SaveTemplateFromTester(s.link, 2, path));
-        EXPECT_EQ(ReadFile(path), QByteArray("Neu\r\n"));
-    }
-    // Without the marker an answer must be closed by ".Y" to hold a template.
-    for (const QByteArray answer : {QByteArray("prn?2.Nx\r\n\x11"), QByteArray("\x8f#q\x03z\x11"),
-                                    QByteArray("prn?2\r\nKopf\r\n\x11")}) {
-        ScriptedLink s;
-        s.transport.Expect("prn?2\r").Reply(answer);
-        EXPECT_THROW(SaveTemplateFromTester(s.link, 2, path), FormatError)
-            << EscapeBytes(answer).toStdString();
-        EXPECT_EQ(ReadFile(path), QByteArray("Neu\r\n"));
-    }
-    {
-        ScriptedLink s;
-        s.transport.Expect("prn?2\r").Reply("PRN?2\r\nKopf\r\n.Y\r\n\x11");
-        EXPECT_TRUE(SaveTemplateFromTester(s.link, 2, path));
-        EXPECT_EQ(ReadFile(path), QByteArray("PRN?2\r\nKopf\r\n"));
-    }
-    {
+        ASSERT_TRUE(WriteFile(path, "old template"));
         ScriptedLink s;
         s.transport.close();
         EXPECT_FALSE(SaveTemplateFromTester(s.link, 2, path));
         EXPECT_EQ(s.prompter.messages.size(), 1u); // the port is not open
-        EXPECT_EQ(ReadFile(path), QByteArray("PRN?2\r\nKopf\r\n"));
+        EXPECT_EQ(ReadFile(path), QByteArray("old template"));
     }
 }
 
