@@ -55,13 +55,15 @@ struct Bench {
         clock.advance(wait);
         return tester.takeOutput(clock.now());
     }
-    // "kal!ein" and the announce command of loader `n`.
+    // "kal!ein" and the announce command of loader `n`, answered in the plain style.
     void Announce(int n)
     {
         Ask("kal!ein");
         After(1s);
         const QByteArray announce = "kal!upd" + QByteArray::number(n);
-        ASSERT_EQ(Ask(announce, 1s), Answer(announce + ".Y"));
+        const QByteArray answer = Ask(announce, 1s);
+        if (tester.style() == sim::AnswerStyle::Plain)
+            ASSERT_EQ(answer, Answer(announce + ".Y"));
         ASSERT_EQ(tester.loader(), static_cast<UpdateLoader::Kind>(n));
     }
     const std::array<QByteArray, 5> &Dates() const { return tester.model().versionDates(); }
@@ -164,6 +166,31 @@ TEST(UpdateLoader, PackageEndsWhenTheLineHasBeenIdleAfterItsLastByte)
         EXPECT_EQ(bench.Ask("rst!0", 1s), Answer("rst!0.Y")) << c.loader;
         bench.Send("\x04");
         EXPECT_EQ(bench.tester.restarts(), 1) << c.loader;
+    }
+}
+
+TEST(UpdateLoader, TheOddStyleClosesAPartOfTheReportBeforeItsEnd)
+{
+    // Firmware: a word of the loader's own closed by DC1, then the erase report; packages: the
+    // erase report closed by DC1. Each part arrives on its own, the programming report last.
+    {
+        Bench bench;
+        bench.tester.setStyle(sim::AnswerStyle::Odd);
+        bench.Announce(0);
+        for (const QByteArray &line : FirmwareLines())
+            bench.Send(line + '\r');
+        EXPECT_EQ(bench.After(UpdateLoader::kReportGap), QByteArray("Flash ok\r\n") + kDC1);
+        EXPECT_EQ(bench.After(UpdateLoader::kReportGap), kErasing);
+        EXPECT_EQ(bench.After(UpdateLoader::kEraseTime), kProgrammed);
+        EXPECT_EQ(bench.Dates(), DatesWith(0));
+    }
+    for (int loader : {1, 2, 3}) {
+        Bench bench;
+        bench.tester.setStyle(sim::AnswerStyle::Odd);
+        bench.Announce(loader);
+        bench.tester.feed(Package(PictureBody(300)));
+        EXPECT_EQ(bench.After(UpdateLoader::kIdleEnd), kErasing + kDC1) << loader;
+        EXPECT_EQ(bench.After(UpdateLoader::kEraseTime), kProgrammed) << loader;
     }
 }
 
