@@ -39,7 +39,7 @@ bool IsPlainNumber(const QByteArray &text)
     return digit;
 }
 
-// The value text of the answer to "kal?" + `entry`, as CalibrationValue's rule says; empty when
+// The value text of the answer to "kal?" + `entry` by the rule of Value29 and Value50; empty when
 // the answer does not hold one.
 QByteArray CalibrationValueText(const QByteArray &answer, int entry)
 {

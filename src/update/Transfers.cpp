@@ -107,17 +107,18 @@ qsizetype AwaitErasing(link::Link &link, LoaderReport &report, const QByteArray 
 // word ends.
 qsizetype AwaitProgramming(link::Link &link, LoaderReport &report, const QString &name)
 {
-    const QString waitingFor = QStringLiteral("\"...ramming\" nach %1").arg(name);
-    switch (report.WaitForWord("ramming")) {
+    // The end of the tester's programming report, as the package loaders have always been read.
+    const QByteArray word = "ramming";
+    switch (report.WaitForWord(word)) {
     case LoaderReport::Outcome::Found: break;
     case LoaderReport::Outcome::Refused: Refused(link, report, name);
-    default: throw report.TimedOut(waitingFor);
+    default: throw report.TimedOut(QStringLiteral("\"...%1\" nach %2").arg(QString::fromLatin1(word), name));
     }
-    if (report.bytes().startsWith("ramming"))
+    if (report.bytes().startsWith(word))
         throw link::TransferError(
             kProgrammingReportMisplaced,
             ProgrammingReportText(name, QStringLiteral("steht ohne Löschbericht vorne"), report));
-    return report.bytes().indexOf("ramming") + 7;
+    return report.bytes().indexOf(word) + word.size();
 }
 
 } // namespace
