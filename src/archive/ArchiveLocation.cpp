@@ -22,6 +22,24 @@ QSettings UserSettings()
                      QStringLiteral("kalvo"));
 }
 
+constexpr int kSQLiteWaitSeconds = 5;
+constexpr int kServerWaitSeconds = 60;
+constexpr int kLongestWaitSeconds = 3600;
+
+// "wait=SECONDS" of an address, 0 when it has none.
+int WaitFrom(const QUrlQuery &query, const QString &url)
+{
+    if (!query.hasQueryItem(QStringLiteral("wait")))
+        return 0;
+    bool ok = false;
+    const int seconds = query.queryItemValue(QStringLiteral("wait")).toInt(&ok);
+    if (!ok || seconds < 1 || seconds > kLongestWaitSeconds)
+        throw ArchiveError(QStringLiteral("Archiv-Adresse \"%1\": wait= braucht Sekunden von 1 bis %2")
+                               .arg(url)
+                               .arg(kLongestWaitSeconds));
+    return seconds;
+}
+
 ArchiveTarget PostgresTarget(const QString &url)
 {
     const QUrl parsed(url, QUrl::StrictMode);
@@ -40,6 +58,7 @@ ArchiveTarget PostgresTarget(const QString &url)
     target.database = parsed.path(QUrl::FullyDecoded).mid(1);
     target.user = parsed.userName(QUrl::FullyDecoded);
     target.password = parsed.password(QUrl::FullyDecoded);
+    target.waitSeconds = WaitFrom(query, target.Describe());
     if (target.database.isEmpty())
         throw ArchiveError(
             QStringLiteral(
@@ -53,6 +72,13 @@ ArchiveTarget PostgresTarget(const QString &url)
 ArchiveError::ArchiveError(const QString &text, const QString &nativeCode)
     : KalvoError(kArchiveErrorNumber, text), m_nativeCode(nativeCode)
 {}
+
+int ArchiveTarget::WaitSeconds() const
+{
+    if (waitSeconds > 0)
+        return waitSeconds;
+    return kind == Kind::SQLite ? kSQLiteWaitSeconds : kServerWaitSeconds;
+}
 
 QString ArchiveTarget::Describe() const
 {
@@ -97,9 +123,11 @@ ArchiveTarget ParseArchiveUrl(const QString &url)
     ArchiveTarget target;
     if (trimmed.isEmpty())
         target.path = DefaultArchivePath();
-    else if (trimmed.startsWith(QLatin1String("sqlite://")))
-        target.path = QUrl(trimmed).path(QUrl::FullyDecoded);
-    else if (trimmed.contains(QLatin1String("://")))
+    else if (trimmed.startsWith(QLatin1String("sqlite://"))) {
+        const QUrl parsed(trimmed);
+        target.path = parsed.path(QUrl::FullyDecoded);
+        target.waitSeconds = WaitFrom(QUrlQuery(parsed), trimmed);
+    } else if (trimmed.contains(QLatin1String("://")))
         throw ArchiveError(
             QStringLiteral("Archiv-Adresse \"%1\": nur postgresql:// und sqlite:// oder ein Dateipfad")
                 .arg(trimmed));

@@ -149,7 +149,7 @@ void ForEachRecordIn(Archive &archive, const ArchiveFilter &filter, int limit, q
 {
     const Where where = WhereFor(filter);
     QSqlQuery query = RunWhere(archive, SelectSql(filter, where, limit, offset), where.values);
-    while (query.next())
+    while (archive.Next(query))
         use(RecordFromRow(query));
 }
 
@@ -175,7 +175,7 @@ qint64 CountRecords(Archive &archive, const ArchiveFilter &filter)
                          : where.onRecords           ? FromSql(filter)
                                                      : QStringLiteral(" FROM devices d");
     QSqlQuery query = RunWhere(archive, QStringLiteral("SELECT count(*)") + from + where.Sql(), where.values);
-    return query.next() ? query.value(0).toLongLong() : 0;
+    return archive.Next(query) ? query.value(0).toLongLong() : 0;
 }
 
 std::optional<StoredRecord> FetchRecord(Archive &archive, qint64 id)
@@ -185,7 +185,7 @@ std::optional<StoredRecord> FetchRecord(Archive &archive, qint64 id)
             "SELECT %1, r.raw FROM records r LEFT JOIN devices d ON d.device_id = r.device_id WHERE r.id = ?")
             .arg(QLatin1String(kColumns)),
         {id});
-    if (!query.next())
+    if (!archive.Next(query))
         return std::nullopt;
     return StoredRecord{RecordFromRow(query), query.value(24).toByteArray()};
 }
@@ -199,7 +199,7 @@ QList<DueDevice> DueDevices(Archive &archive, const QDate &before, int limit)
         sql += QStringLiteral(" LIMIT %1").arg(limit);
     QSqlQuery query = archive.Exec(sql, {DateValue(before)});
     QList<DueDevice> devices;
-    while (query.next())
+    while (archive.Next(query))
         devices.append(DeviceFromRow(query, intervals));
     return devices;
 }
@@ -209,7 +209,7 @@ std::optional<DueDevice> DeviceStatus(Archive &archive, const QString &deviceId)
     QSqlQuery query = archive.Exec(
         QStringLiteral("SELECT %1 FROM devices WHERE device_id = ?").arg(QLatin1String(kDeviceColumns)),
         {deviceId});
-    if (!query.next())
+    if (!archive.Next(query))
         return std::nullopt;
     return DeviceFromRow(query, LoadIntervals(archive));
 }
@@ -224,7 +224,7 @@ VerifyResult VerifyArchive(Archive &archive)
     for (;;) {
         archive.Run(query, {last});
         int rows = 0;
-        while (query.next()) {
+        while (archive.Next(query)) {
             ++rows;
             last = query.value(0).toLongLong();
             const QByteArray stored = query.value(1).toString().toLatin1();

@@ -63,7 +63,7 @@ const QList<QStringList> kSteps = {kStep1};
 int CurrentVersion(Archive &archive)
 {
     QSqlQuery query = archive.Exec(QStringLiteral("SELECT max(version) FROM schema_version"));
-    return query.next() ? query.value(0).toInt() : 0;
+    return archive.Next(query) ? query.value(0).toInt() : 0;
 }
 
 void SeedIntervals(Archive &archive)
@@ -81,6 +81,16 @@ int LatestSchemaVersion()
     return static_cast<int>(kSteps.size());
 }
 
+void RefuseNewerSchema(const Archive &archive, int version)
+{
+    if (version > LatestSchemaVersion())
+        throw archive.Failure(QStringLiteral("öffnen"),
+                              QStringLiteral("es hat Schema-Version %1, dieses Programm kennt nur bis %2; "
+                                             "bitte kalvo aktualisieren")
+                                  .arg(version)
+                                  .arg(LatestSchemaVersion()));
+}
+
 int ApplyMigrations(Archive &archive)
 {
     int version = 0;
@@ -92,13 +102,7 @@ int ApplyMigrations(Archive &archive)
                                                         " version INTEGER PRIMARY KEY,"
                                                         " applied_at {TIMESTAMP} NOT NULL)")));
         version = CurrentVersion(archive);
-        if (version > LatestSchemaVersion())
-            throw archive.Failure(
-                QStringLiteral("öffnen"),
-                QStringLiteral("es hat Schema-Version %1, dieses Programm kennt nur bis %2; "
-                               "bitte kalvo aktualisieren")
-                    .arg(version)
-                    .arg(LatestSchemaVersion()));
+        RefuseNewerSchema(archive, version);
         for (; version < LatestSchemaVersion(); ++version) {
             for (const QString &statement : kSteps[version])
                 archive.Exec(ArchiveSql(archive, statement));

@@ -4,6 +4,7 @@
 #include "Archive.h"
 #include "RetestIntervals.h"
 
+#include "link/Errors.h"
 #include "link/TextRules.h"
 #include "records/RecordDecoding.h"
 
@@ -186,6 +187,10 @@ QDateTime TestTimestamp(const QByteArray &date, const QByteArray &time)
 
 ArchivedRecord DescribeRecord(const QByteArray &raw)
 {
+    // Only what the tester wrote as a record is kept: the decoder would read fields out of anything.
+    if (!records::IsWholeRecordText(raw))
+        throw link::FormatError(QStringLiteral("\"%1\"").arg(link::EscapeBytes(raw.left(40))), 0,
+                                QStringLiteral("ein ganzes Protokoll: Felder mit \";\", am Ende \"$FF\""));
     const records::DecodedRecord decoded = records::DecodeRecord(raw);
     const auto text = [&decoded](int field) {
         return link::DecodeRecordText(decoded.Field(field)).trimmed();
@@ -279,7 +284,7 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
             // The rows the database kept, by hash: a record already there, or twice in this import,
             // comes back once or not at all.
             QHash<QByteArray, qint64> newIds;
-            while (insert.next())
+            while (archive.Next(insert))
                 newIds.insert(insert.value(1).toString().toLatin1(), insert.value(0).toLongLong());
             insert.finish();
             // Each device once a statement, with its newest test of these rows.

@@ -32,7 +32,7 @@ void RecomputeNextTests(Archive &archive, const QString &where, const QVariant &
     QSqlQuery select = archive.Exec(
         QStringLiteral("SELECT device_id, regulation, last_tested_at FROM devices WHERE ") + where, {value});
     QList<std::pair<QString, QDate>> changes;
-    while (select.next()) {
+    while (archive.Next(select)) {
         const QString device = select.value(0).toString();
         const int months = intervals.MonthsFor(device, select.value(1).toString());
         changes.append({device, NextTestDate(TimestampFrom(select.value(2)).date(), months)});
@@ -66,10 +66,10 @@ RetestIntervals LoadIntervals(Archive &archive)
     RetestIntervals intervals;
     QSqlQuery regulations =
         archive.Exec(QStringLiteral("SELECT regulation, months FROM regulation_intervals"));
-    while (regulations.next())
+    while (archive.Next(regulations))
         intervals.byRegulation.insert(regulations.value(0).toString(), regulations.value(1).toInt());
     QSqlQuery devices = archive.Exec(QStringLiteral("SELECT device_id, months FROM device_intervals"));
-    while (devices.next())
+    while (archive.Next(devices))
         intervals.byDevice.insert(devices.value(0).toString(), devices.value(1).toInt());
     return intervals;
 }

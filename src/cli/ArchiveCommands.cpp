@@ -83,6 +83,9 @@ QJsonObject Json(const archive::ArchivedRecord &record)
     return object;
 }
 
+// Lists, reports and checks only read: they create no archive and need no write lock.
+constexpr auto kRead = archive::ArchiveAccess::Read;
+
 int Import(CliContext &context, const QStringList &files)
 {
     if (files.isEmpty())
@@ -120,7 +123,7 @@ int List(CliContext &context, const Words &w)
     if (json)
         out << '[';
     // Written as they come: the list of a large archive is never held whole.
-    archive::ForEachRecord(context.archive(), FilterFrom(w), [&](const archive::ArchivedRecord &r) {
+    archive::ForEachRecord(context.archive(kRead), FilterFrom(w), [&](const archive::ArchivedRecord &r) {
         if (json) {
             out << (std::exchange(first, false) ? "\n" : ",\n")
                 << QJsonDocument(Json(r)).toJson(QJsonDocument::Compact);
@@ -142,14 +145,14 @@ int Show(CliContext &context, const Words &w)
     const int id = NumberArgument(w.positional[1], QStringLiteral("N"));
     if (w.options.contains(QStringLiteral("--pdf"))) {
         const QString pdf = w.options.value(QStringLiteral("--pdf"));
-        archive::ExportArchivePdf(context.archive(), {id}, pdf);
+        archive::ExportArchivePdf(context.archive(kRead), {id}, pdf);
         context.out() << pdf << '\n';
         return kExitDone;
     }
-    const std::optional<archive::StoredRecord> stored = archive::FetchRecord(context.archive(), id);
+    const std::optional<archive::StoredRecord> stored = archive::FetchRecord(context.archive(kRead), id);
     if (!stored)
         throw archive::ArchiveError(QStringLiteral("Archiv %1: kein Protokoll Nr. %2")
-                                        .arg(context.archive().target().Describe())
+                                        .arg(context.archive(kRead).target().Describe())
                                         .arg(id));
     context.out() << archive::ReportWithHash(stored->raw, stored->record.sha256);
     return kExitDone;
@@ -159,7 +162,7 @@ int Export(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 2)
         throw UsageError{QStringLiteral("export braucht eine Ausgabedatei")};
-    const qint64 count = archive::ExportArchiveCsv(context.archive(), FilterFrom(w), w.positional[1]);
+    const qint64 count = archive::ExportArchiveCsv(context.archive(kRead), FilterFrom(w), w.positional[1]);
     context.out() << count << " records -> " << QDir::toNativeSeparators(w.positional[1]) << '\n';
     return kExitDone;
 }
@@ -168,7 +171,7 @@ int Verify(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 1)
         throw UsageError{QStringLiteral("verify nimmt keine Argumente")};
-    const archive::VerifyResult result = archive::VerifyArchive(context.archive());
+    const archive::VerifyResult result = archive::VerifyArchive(context.archive(kRead));
     QTextStream &out = context.out();
     for (const archive::ChangedRecord &changed : result.changed)
         out << "Nr " << changed.id << " verändert: gespeichert " << changed.storedSha256 << ", jetzt "
@@ -187,7 +190,7 @@ int Due(CliContext &context, const Words &w)
             ? DateArgument(w.options.value(QStringLiteral("--before")), QStringLiteral("--before"))
             : QDate::currentDate().addDays(1);
     QTextStream &out = context.out();
-    for (const archive::DueDevice &d : archive::DueDevices(context.archive(), before))
+    for (const archive::DueDevice &d : archive::DueDevices(context.archive(kRead), before))
         out << Day(d.nextTest) << '\t' << d.deviceId << '\t' << d.deviceType << '\t' << d.regulation << '\t'
             << QStringLiteral("zuletzt ") << Moment(d.lastTest) << '\t' << d.intervalMonths << " Monate\t Nr "
             << d.lastRecordId << '\n';

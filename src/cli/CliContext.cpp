@@ -74,12 +74,12 @@ QString CliContext::portName() const
     return shell::ReadSettings().portName;
 }
 
-archive::Archive &CliContext::archive()
+archive::Archive &CliContext::archive(archive::ArchiveAccess access)
 {
     if (!m_archive) {
         const QString url =
             m_options.archiveUrl.isEmpty() ? archive::ReadArchiveSettings().url : m_options.archiveUrl;
-        m_archive = std::make_unique<archive::Archive>(archive::ParseArchiveUrl(url));
+        m_archive = std::make_unique<archive::Archive>(archive::ParseArchiveUrl(url), access);
     }
     return *m_archive;
 }

@@ -3,6 +3,7 @@
 
 #include "CliOptions.h"
 #include "CliPrompter.h"
+#include "archive/ArchiveLocation.h"
 #include "archive/ArchiveTypes.h"
 #include "link/LanguageTable.h"
 #include "link/Link.h"
@@ -33,8 +34,9 @@ public:
     // The port to use: --port, else line 0 of Q417.ini, else "COM 1"; the simulator with --simulate.
     QString portName() const;
     // The record archive: --archive, else the address in the user settings, else the SQLite file in
-    // the user's data folder; opened on first use. Throws ArchiveError.
-    archive::Archive &archive();
+    // the user's data folder; opened on first use, to read only or to write as well. Throws
+    // ArchiveError.
+    archive::Archive &archive(archive::ArchiveAccess access = archive::ArchiveAccess::Write);
     // Puts records just read into the archive as well, unless --no-archive or the settings switched
     // that off. Records the archive cannot decode are named on stderr; false (said on stderr too)
     // when the archive failed, so that the command can exit 1: the records were not archived.

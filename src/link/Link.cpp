@@ -168,7 +168,7 @@ QByteArray Link::ReadBefore(Duration deadline)
     }
 }
 
-bool Link::Collect(QByteArray &answer, const QByteArray &chunk, qsizetype cap)
+bool Link::Collect(QByteArray &answer, const QByteArray &chunk, qsizetype cap, const QString &basis)
 {
     qsizetype end = chunk.indexOf(kDC1);
     const bool complete = end >= 0;
@@ -176,8 +176,11 @@ bool Link::Collect(QByteArray &answer, const QByteArray &chunk, qsizetype cap)
     if (answer.size() + take > cap) {
         // Nothing that long is a real answer; the rest of it is not waited for.
         m_transport.discardInput();
+        QString expected = QStringLiteral("höchstens %1 Bytes bis zum Endzeichen").arg(cap);
+        if (!basis.isEmpty())
+            expected += QStringLiteral(" (%1)").arg(basis);
         throw FormatError(QStringLiteral("Antwort auf %1").arg(QString::fromLatin1(m_lastCommand)), 0,
-                          QStringLiteral("höchstens %1 Bytes bis zum Endzeichen").arg(cap));
+                          expected);
     }
     for (qsizetype i = 0; i < take; ++i)
         Trace(chunk[i]);
@@ -222,7 +225,7 @@ QByteArray Link::ReceiveAnswer()
     return answer;
 }
 
-QByteArray Link::ReceiveStream(const ChunkSink &onChunk)
+QByteArray Link::ReceiveStream(const ChunkSink &onChunk, const StreamLimit &limit)
 {
     if (!m_transport.isOpen())
         return {};
@@ -230,7 +233,8 @@ QByteArray Link::ReceiveStream(const ChunkSink &onChunk)
     QByteArray stream;
     for (bool complete = false; !complete;) {
         const qsizetype before = stream.size();
-        complete = Collect(stream, ReadBefore(m_clock.now() + m_timeout), kMaxStreamBytes);
+        complete = Collect(stream, ReadBefore(m_clock.now() + m_timeout),
+                           std::min(limit.bytes, kMaxStreamBytes), limit.basis);
         if (onChunk)
             onChunk(stream.mid(before));
     }
@@ -244,10 +248,10 @@ QByteArray Link::Exchange(const QByteArray &command)
     return ReceiveAnswer();
 }
 
-QByteArray Link::ExchangeStream(const QByteArray &command, const ChunkSink &onChunk)
+QByteArray Link::ExchangeStream(const QByteArray &command, const ChunkSink &onChunk, const StreamLimit &limit)
 {
     SendCommand(command + kCR);
-    return ReceiveStream(onChunk);
+    return ReceiveStream(onChunk, limit);
 }
 
 void Link::NoteRefusal(const QByteArray &command)

@@ -23,6 +23,18 @@ constexpr char kENQ = '\x05'; // clears the remote display
 
 class PortError;
 
+// The longest stream taken when a reader knows no better bound: far beyond a full store listing or
+// accessory.
+constexpr qsizetype kMaxStreamBytes = 64 * 1024 * 1024;
+
+// What a streamed answer may hold at most, with what that rests on for the message (the records a
+// store can hold, the records a count announced). A line that sends junk without an end is cut off
+// there, so readers bound it by what the tester can really send rather than by memory.
+struct StreamLimit {
+    qsizetype bytes = kMaxStreamBytes;
+    QString basis;
+};
+
 class Link {
 public:
     Link(Transport &transport, Prompter &prompter, Clock &clock = SteadyClock::instance());
@@ -46,10 +58,11 @@ public:
     QByteArray Exchange(const QByteArray &command);
     // A streamed answer (the store listing, the accessory's records): chunks up to and including
     // the one with DC1. The time-out bounds each wait for more, not the whole stream; `onChunk`
-    // sees every chunk as it arrives. Longer than kMaxStreamBytes is a FormatError.
+    // sees every chunk as it arrives. Longer than `limit` is a FormatError.
     using ChunkSink = std::function<void(const QByteArray &chunk)>;
-    QByteArray ReceiveStream(const ChunkSink &onChunk = {});
-    QByteArray ExchangeStream(const QByteArray &command, const ChunkSink &onChunk = {});
+    QByteArray ReceiveStream(const ChunkSink &onChunk = {}, const StreamLimit &limit = {});
+    QByteArray ExchangeStream(const QByteArray &command, const ChunkSink &onChunk = {},
+                              const StreamLimit &limit = {});
     // True, after telling the user, when the port is not open.
     bool PortClosed();
     // Sleeps (never spins) for the given seconds.
@@ -119,7 +132,7 @@ private:
     // Waits for the next bytes until `deadline`; throws Timeout (closing the port) after it.
     QByteArray ReadBefore(Duration deadline);
     // Appends `chunk` up to and including DC1 to `answer`; true when DC1 was in it.
-    bool Collect(QByteArray &answer, const QByteArray &chunk, qsizetype cap);
+    bool Collect(QByteArray &answer, const QByteArray &chunk, qsizetype cap, const QString &basis = {});
     // What follows a complete answer: input discarded, the refusal rule, the "cfg!pgm" pause. A
     // stream is a refusal only when it is as short as one: records may well hold both words.
     void Finish(const QByteArray &answer, bool stream = false);
@@ -179,8 +192,6 @@ constexpr Duration kAnswerTimeout = std::chrono::seconds(40);
 // The longest answer taken: far beyond any real one (a print text is a few KB), so that a line
 // that streams without end cannot fill the memory.
 constexpr qsizetype kMaxAnswerBytes = 4 * 1024 * 1024;
-// The longest stream taken: a full store listing or accessory is well under a megabyte.
-constexpr qsizetype kMaxStreamBytes = 64 * 1024 * 1024;
 constexpr int kKeptRefusals = 64;
 constexpr double kWakePause = 0.1;
 

@@ -83,11 +83,14 @@ RetrievalResult ReadAccessoryRecords(link::Link &link, link::Prompter &prompter,
 
     AccessorySplitter splitter;
     // The time-out bounds each wait for more of the stream, not the whole of it.
-    const QByteArray stream = link.ExchangeStream(kStreamCommand, [&](const QByteArray &chunk) {
-        splitter.Feed(chunk);
-        prompter.progress(
-            static_cast<int>(std::min<qsizetype>(100, splitter.records().size() * 100 / count)));
-    });
+    const QByteArray stream = link.ExchangeStream(
+        kStreamCommand,
+        [&](const QByteArray &chunk) {
+            splitter.Feed(chunk);
+            prompter.progress(
+                static_cast<int>(std::min<qsizetype>(100, splitter.records().size() * 100 / count)));
+        },
+        AccessoryLimit(count));
     if (watch.refused())
         return RefusedRead(prompter, watch, logTmpPath);
     // A stream without a whole record, or one that stops inside a record, would replace the last

@@ -86,6 +86,15 @@ QString AppliedPartName(const QByteArray &code)
 
 } // namespace
 
+bool IsWholeRecordText(const QByteArray &line)
+{
+    QByteArrayView text(line);
+    while (text.endsWith('\n') || text.endsWith('\r'))
+        text.chop(1);
+    // A record has at least its tester's name and its code string before the end mark.
+    return text.endsWith("$FF") && text.count(';') >= 2 && !text.contains('\0');
+}
+
 DecodedRecord DecodeRecord(const QByteArray &recordText)
 {
     QByteArray text = recordText;

@@ -45,6 +45,11 @@ struct DecodedRecord {
 // Throws FormatError beyond 256 fields and RecordTooOld when field 2 is shorter than 25 characters.
 DecodedRecord DecodeRecord(const QByteArray &recordText);
 
+// Whether `line` is a whole record text as the tester's store or the accessory gives one: fields
+// separated by ";", ending in "$FF", a line end after it or not, and no NUL byte. A line cut
+// short, or a line of some other file, is not.
+bool IsWholeRecordText(const QByteArray &line);
+
 // The regulation named by a code of the code string's position 13 (a hexadecimal digit).
 QString RegulationName(int code);
 

@@ -29,6 +29,12 @@ inline const QByteArray kRecordEnd = "$FF\r\n";
 // most 111 rows and the accessory fewer; nine times that leaves room for a larger store, while a
 // garbled count can no longer keep the line busy for hours (every record takes three exchanges).
 constexpr int kMaxRecords = 999;
+// The entries the tester's store holds at most, test records and specifications together.
+constexpr int kStoreCapacity = 131;
+// Generous sizes, for bounding streams: a listing row is 13 short fields, a record text has at most
+// 256 fields; real ones are a tenth of this or less.
+constexpr qsizetype kMaxListingRowBytes = 2 * 1024;
+constexpr qsizetype kMaxRecordTextBytes = 16 * 1024;
 
 // How the y and z parts of a stored record are told from their 8-character filler: by position
 // behind ":" (the record window) or behind the literal "XXXXXXXX" (the service form).

@@ -9,8 +9,24 @@
 #include "link/TextRules.h"
 
 #include <QDir>
+#include <algorithm>
 
 namespace kalvo::records {
+
+link::StreamLimit ListingLimit(int announced)
+{
+    const int entries = std::max(kStoreCapacity, announced);
+    return {entries * kMaxListingRowBytes,
+            QStringLiteral("%1 Einträge zu höchstens %2 Bytes").arg(entries).arg(kMaxListingRowBytes)};
+}
+
+link::StreamLimit AccessoryLimit(int announced)
+{
+    const int records = std::max(1, announced);
+    return {records * kMaxRecordTextBytes, QStringLiteral("%1 angekündigte Protokolle zu höchstens %2 Bytes")
+                                               .arg(records)
+                                               .arg(kMaxRecordTextBytes)};
+}
 
 QByteArray After(const QByteArray &answer, const QByteArray &mark, qsizetype skip)
 {

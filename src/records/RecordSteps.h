@@ -12,6 +12,7 @@ namespace kalvo::link {
 class Link;
 class Prompter;
 class RefusalWatch;
+struct StreamLimit;
 } // namespace kalvo::link
 
 namespace kalvo::records {
@@ -32,6 +33,12 @@ std::optional<QByteArray> Ask(link::Link &link, const QByteArray &command);
 // The count behind the first `mark` of `answer` to `command`, 0..kMaxRecords. Throws FormatError
 // naming the command and the answer when there is none or it is out of range.
 int ReadCount(const QByteArray &command, const QByteArray &answer, const QByteArray &mark);
+
+// How long the streams may grow: a listing by the entries the store holds (or the count announced,
+// if that is more), the accessory's records by the count its "esr?" gave, each at many times a real
+// entry's size. Junk sent at line speed without an end then stops within minutes, not hours.
+link::StreamLimit ListingLimit(int announced);
+link::StreamLimit AccessoryLimit(int announced);
 
 // Tells the user what the tester refused and that `unwritten` (empty: nothing at all) was not
 // written, so that an older file of that name is still the one to trust.

@@ -123,13 +123,16 @@ std::optional<StoreListing> ReadStoreListing(link::Link &link, link::Prompter &p
     const link::RefusalWatch watch(link);
     ListingParser parser(onEntry);
     // The listing comes in chunks; the time-out bounds each wait for more, not the whole listing.
-    const QByteArray listing = link.ExchangeStream(kListingCommand, [&](const QByteArray &chunk) {
-        parser.Feed(chunk);
-        // The count of "prx?n" is what the listing is known to hold; specifications are not counted,
-        // and the last percent waits for the end of the stream.
-        if (expectedRecords > 0)
-            prompter.progress(std::min(99, parser.testRecords() * 100 / expectedRecords));
-    });
+    const QByteArray listing = link.ExchangeStream(
+        kListingCommand,
+        [&](const QByteArray &chunk) {
+            parser.Feed(chunk);
+            // The count of "prx?n" is what the listing is known to hold; specifications are not counted,
+            // and the last percent waits for the end of the stream.
+            if (expectedRecords > 0)
+                prompter.progress(std::min(99, parser.testRecords() * 100 / expectedRecords));
+        },
+        ListingLimit(expectedRecords));
     if (watch.refused()) {
         TellNothingWritten(prompter, watch, protoPath);
         return std::nullopt;

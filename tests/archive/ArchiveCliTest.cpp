@@ -192,4 +192,67 @@ TEST(ArchiveCliFile, ABrokenArchiveIsNamedAndKeptAndTheRecordFileIsStillWritten)
     EXPECT_EQ(ReadFile(path), junk);
 }
 
+TEST(ArchiveCliFile, ABusyArchiveIsNamedAndTheRecordFileIsStillWrittenWhileListsGoOn)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("archive.sqlite"));
+    ImportRecords(*std::make_unique<Archive>(ParseArchiveUrl(path)), {MakeRecord({})}, {});
+    const QString url = QStringLiteral("sqlite://") + path + QStringLiteral("?wait=1");
+    const OtherProgram other(path, false);
+    SimProcess sim;
+    ASSERT_TRUE(sim.started());
+
+    const QString file = dir.filePath(QStringLiteral("a.txt"));
+    const RunResult read = RunCli(sim, {"--archive", url, "records", "read-all", file});
+    EXPECT_EQ(read.exitCode, 1);
+    EXPECT_TRUE(read.err.contains(QStringLiteral("von einem anderen Programm benutzt")))
+        << read.err.toStdString();
+    EXPECT_GT(records::LoadRecordFile(file).size(), 5);
+    const RunResult list = RunProgram(QStringLiteral("kalvo-cli"), {"--archive", url, "archive", "list"});
+    EXPECT_EQ(list.exitCode, 0) << list.err.toStdString();
+    EXPECT_TRUE(list.out.contains(QStringLiteral("D-1"))) << list.out.toStdString();
+}
+
+TEST(ArchiveCliFile, ListsAndChecksOfAMistypedArchiveCreateNothing)
+{
+    QTemporaryDir dir;
+    const QString missing = dir.filePath(QStringLiteral("archvi/archive.sqlite"));
+    for (const QStringList &command :
+         {QStringList{"archive", "list"}, QStringList{"archive", "verify"}, QStringList{"archive", "due"}}) {
+        const RunResult run =
+            RunProgram(QStringLiteral("kalvo-cli"), QStringList{"--archive", missing} + command);
+        EXPECT_EQ(run.exitCode, 1) << command.join(' ').toStdString();
+        EXPECT_TRUE(run.err.contains(QStringLiteral("gibt es nicht"))) << run.err.toStdString();
+    }
+    EXPECT_FALSE(QFileInfo::exists(QFileInfo(missing).absolutePath()));
+}
+
+TEST(ArchiveCliFile, ADamagedRecordFileImportsOnlyItsWholeRecords)
+{
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("archive.sqlite"));
+    // Random bytes (a fixed seed), then a line cut before its end mark, then one whole record.
+    QByteArray junk(64 * 1024, Qt::Uninitialized);
+    quint32 state = 4711;
+    for (char &byte : junk) {
+        state = state * 1664525u + 1013904223u;
+        byte = static_cast<char>(state >> 24);
+    }
+    const QByteArray whole = MakeRecord({.device = "HEIL"});
+    const QString file = dir.filePath(QStringLiteral("kaputt.txt"));
+    ASSERT_TRUE(WriteFile(file, junk + "\r\n" + MakeRecord({.device = "HALB"}).chopped(7) + "\r\n" + whole));
+    const int lines = static_cast<int>(records::LoadRecordFile(file).size());
+
+    const RunResult run =
+        RunProgram(QStringLiteral("kalvo-cli"), {"--archive", path, "archive", "import", file});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(run.out.contains(QStringLiteral(": 1 neu, 0 schon im Archiv, %1 abgelehnt").arg(lines - 1)))
+        << run.out.toStdString();
+    EXPECT_TRUE(run.err.contains(QStringLiteral("ein ganzes Protokoll"))) << run.err.left(400).toStdString();
+    Archive archive(ParseArchiveUrl(path));
+    const QList<ArchivedRecord> kept = ListRecords(archive, {});
+    ASSERT_EQ(kept.size(), 1);
+    EXPECT_EQ(kept[0].deviceId, QStringLiteral("HEIL"));
+}
+
 } // namespace

@@ -6,6 +6,9 @@
 #include "records/RecordSamples.h"
 #include "support/PostgresCluster.h"
 
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -98,6 +101,36 @@ protected:
         ASSERT_TRUE(m_place->error().isEmpty()) << m_place->error().toStdString();
     }
     std::unique_ptr<ArchivePlace> m_place;
+};
+
+// Another program on the same SQLite file, holding its lock as long as it lives.
+class OtherProgram {
+public:
+    // `exclusive`: it also keeps readers out (a program in SQLite's exclusive locking mode).
+    OtherProgram(const QString &path, bool exclusive) : m_name(QStringLiteral("other-%1").arg(++s_count))
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+        db.setDatabaseName(path);
+        EXPECT_TRUE(db.open());
+        QSqlQuery query(db);
+        if (exclusive) {
+            EXPECT_TRUE(query.exec(QStringLiteral("PRAGMA journal_mode = DELETE")));
+            EXPECT_TRUE(query.exec(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE")));
+        }
+        EXPECT_TRUE(query.exec(QStringLiteral("BEGIN IMMEDIATE"))) << query.lastError().text().toStdString();
+        EXPECT_TRUE(query.exec(QStringLiteral("UPDATE regulation_intervals SET months = months")));
+        if (exclusive)
+            EXPECT_TRUE(query.exec(QStringLiteral("COMMIT"))); // the exclusive lock stays after it
+    }
+    ~OtherProgram()
+    {
+        QSqlDatabase::database(m_name).close();
+        QSqlDatabase::removeDatabase(m_name);
+    }
+
+private:
+    static inline int s_count = 0;
+    QString m_name;
 };
 
 } // namespace kalvo::testing

@@ -86,15 +86,23 @@ TEST_P(ArchiveTest, ARecordReadAgainIsKeptOnceAndRefusedOnesAreNamed)
     QMap<int, QByteArray> tooOld{{2, "0000000"}, {3, "OLD"}};
     EXPECT_EQ(ImportRecords(archive(), {a, b}, {}).added, 2);
 
-    const ImportResult again = ImportRecords(archive(), {b, RecordText(tooOld), a, c, c}, {});
+    // A line cut before its end mark, and a piece of some other file that the decoder would take
+    // fields from (a code string of 25 characters in field 2 and all).
+    const QByteArray cut = MakeRecord({.device = "E"}).chopped(6) + "\r\n";
+    const QByteArray junk = "\x8f;" + CodeString('1', '5') + ";\x01\x00\xff;$FF\r\n";
+    const ImportResult again = ImportRecords(archive(), {b, RecordText(tooOld), a, c, c, cut, junk}, {});
     EXPECT_EQ(again.added, 1);
     EXPECT_EQ(again.known, 3);
-    ASSERT_EQ(again.refused.size(), 1);
+    ASSERT_EQ(again.refused.size(), 3);
     EXPECT_TRUE(again.refused[0].startsWith(QStringLiteral("Protokoll 2: 31996")))
         << again.refused[0].toStdString();
+    for (int i : {1, 2})
+        EXPECT_TRUE(again.refused[i].contains(QStringLiteral("ein ganzes Protokoll")))
+            << again.refused[i].toStdString();
     EXPECT_EQ(CountRecords(archive(), {}), 3);
     // One byte more is another record: the archive keeps bytes, not what they mean.
-    EXPECT_EQ(ImportRecords(archive(), {a + " "}, {}).added, 1);
+    EXPECT_EQ(ImportRecords(archive(), {QByteArray(a).replace("Bohrmaschine", "Bohrmaschine ")}, {}).added,
+              1);
 }
 
 TEST_P(ArchiveTest, AnImportThatFailsHalfWayKeepsNothingOfItselfAndAllBefore)

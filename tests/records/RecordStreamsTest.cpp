@@ -244,3 +244,64 @@ TEST(AccessoryStream, AnswersThatCannotBeTakenApartLeaveLogTmp)
         EXPECT_TRUE(b.FileUnchanged());
     }
 }
+
+TEST(Streams, JunkWithoutAnEndStopsWithinMinutesWhileAFullStoreIsReadWhole)
+{
+    // At 9600 baud a line sends 960 bytes a second; this one would go on for a day.
+    const QByteArray second(960, 'x');
+    constexpr int kADay = 24 * 3600;
+    const auto withinMinutes = [](const kalvo::testing::ScriptedLink &s) {
+        return s.clock.now() < std::chrono::minutes(10);
+    };
+    {
+        SCOPED_TRACE("listing");
+        StreamBench b(QStringLiteral("proto.txt"));
+        b.s.transport.Expect("prx?nx\r").Stream(second, std::chrono::seconds(1), kADay);
+        try {
+            ReadStoreListing(b.s.link, b.s.prompter, b.path, 14);
+            ADD_FAILURE() << "a listing without end was taken";
+        } catch (const link::FormatError &e) {
+            EXPECT_TRUE(e.message().contains(QStringLiteral("131 Einträge"))) << e.message().toStdString();
+        }
+        EXPECT_TRUE(withinMinutes(b.s));
+        EXPECT_TRUE(b.FileUnchanged());
+    }
+    {
+        SCOPED_TRACE("accessory");
+        StreamBench b(QStringLiteral("log.tmp"));
+        ScriptAccessory(b.s.transport, "esr?;3\r\n\x11");
+        b.s.transport.Expect("wer?\r").Stream(second, std::chrono::seconds(1), kADay);
+        try {
+            ReadAccessoryRecords(b.s.link, b.s.prompter, b.path);
+            ADD_FAILURE() << "an accessory stream without end was taken";
+        } catch (const link::FormatError &e) {
+            EXPECT_TRUE(e.message().contains(QStringLiteral("3 angekündigte Protokolle")))
+                << e.message().toStdString();
+        }
+        EXPECT_TRUE(withinMinutes(b.s));
+        EXPECT_TRUE(b.FileUnchanged());
+    }
+    {
+        SCOPED_TRACE("a full store with long names, and records near their size");
+        StreamBench b(QStringLiteral("proto.txt"));
+        QByteArray listing;
+        for (int i = 1; i <= kStoreCapacity; ++i) {
+            listing += "PROTOKOLL Nr=" + QByteArray::number(i) + ';';
+            for (int field = 1; field < StoreListing::kRowFields; ++field)
+                listing += QByteArray(120, 'A' + field) + ';';
+        }
+        listing += "\r\n\x11";
+        ReplyInChunks(b.s.transport.Expect("prx?nx\r"), listing, 4096);
+        const std::optional<StoreListing> read =
+            ReadStoreListing(b.s.link, b.s.prompter, b.path, kStoreCapacity);
+        ASSERT_TRUE(read);
+        EXPECT_EQ(read->records.size(), kStoreCapacity);
+
+        StreamBench a(QStringLiteral("log.tmp"));
+        ScriptAccessory(a.s.transport, "esr?;2\r\n\x11");
+        const QByteArray big = "KKALVO\x13" + kalvo::testing::CodeString('1', '5') + "\x13" +
+                               QByteArray(12 * 1024, 'M') + "\x13$FF";
+        ReplyInChunks(a.s.transport.Expect("wer?\r"), big + big + "\r\n\x11", 4096);
+        EXPECT_EQ(ReadAccessoryRecords(a.s.link, a.s.prompter, a.path).records.size(), 2);
+    }
+}
