@@ -92,9 +92,11 @@ std::optional<SpecStore> ReadSpecStore(link::Link &link, link::Prompter &prompte
             const std::optional<QByteArray> answer = records::Ask(link, command);
             if (!answer)
                 continue; // refused: said so, and nothing is written or listed at the end
-            // Every part carries its fields behind a ";"; an answer without one holds none.
-            if (!answer->contains(';'))
-                throw link::FormatError::ForAnswer(command, *answer, QStringLiteral("Felder hinter \";\""));
+            // A part's fields stand behind a ";", its record text behind ":". A part without ";"
+            // (the empty last part of a record) adds nothing; one with neither mark is no part.
+            if (!answer->contains(';') && !answer->contains(':'))
+                throw link::FormatError::ForAnswer(command, *answer,
+                                                   QStringLiteral("einen Teil des Datensatzes hinter \":\""));
             const QByteArray text = AppendRecordPart(fields, *answer);
             // As much of the text as a record can hold in its kept fields: the trace stays bounded.
             trace += QByteArray::number(i) + ' ' + char(letter - 'a' + 'A') + ' ' +

@@ -51,7 +51,9 @@ QByteArray AppendRecordPart(QList<QByteArray> &fields, const QByteArray &answer)
 // Reads the store: "prx?n", then "prx?" + i + "x", "y", "z" for every record, the trace written
 // to `tracePath` once everything is read. An answer to "prx?n" without "PRX" (any case) is an
 // empty store marked `unanswered`, without a message. nullopt, with nothing written and the user
-// told, when the tester refused a command; FormatError when the count or a part cannot be read.
+// told, when the tester refused a command; FormatError when the count cannot be read or a part
+// holds neither ":" nor ";". A part without ";" adds no field: nothing in one test record keeps
+// the others from being listed.
 std::optional<SpecStore> ReadSpecStore(link::Link &link, link::Prompter &prompter, const QString &tracePath);
 
 } // namespace kalvo::specdb

@@ -43,13 +43,15 @@ void ScriptSpecification(StoreBench &b, int i)
     b.Step("prx?" + n + "z", "PRX?" + n + "Z:XXXXXXXX;" + QByteArray(10, ';') + ";;>1.50kV\r\n>\x11");
 }
 
-// A test record in the store's usual form: a ".", CR LF and DC1 behind each part.
-void ScriptTestRecord(StoreBench &b, int i, const QByteArray &device)
+// A test record in the store's usual form: a ".", CR LF and DC1 behind each part; `last` is the
+// z answer's text behind its filler.
+void ScriptTestRecord(StoreBench &b, int i, const QByteArray &device,
+                      const QByteArray &last = ";;$FF.\r\n\x11")
 {
     const QByteArray n = QByteArray::number(i);
     b.Step("prx?" + n + "x", "prx?" + n + "x:P;05.03.09;10:00;" + device + ";SK I;.\r\n\x11");
     b.Step("prx?" + n + "y", "prx?" + n + "y:XXXXXXXX0.12;<0.300\xEA;.\r\n\x11");
-    b.Step("prx?" + n + "z", "prx?" + n + "z:XXXXXXXX;;$FF.\r\n\x11");
+    b.Step("prx?" + n + "z", "prx?" + n + "z:XXXXXXXX" + last);
 }
 
 } // namespace
@@ -90,6 +92,28 @@ TEST(StoreReading, SpecificationsAndTestRecordsAreListedApart)
     EXPECT_TRUE(trace.startsWith("1 X DATABASE  Nr=1;" + kCodes + ";01 Werk@statt #\x81{};"))
         << trace.constData();
     EXPECT_TRUE(trace.contains("\r\n2 Y <0.300\xEA;\r\n2 Z ;$FF\r\n")) << trace.constData();
+}
+
+TEST(StoreReading, ATestRecordWhoseLastPartHoldsNoSeparatorIsListedWithTheRest)
+{
+    // A tester cuts a record where its buffer is full: the last part may hold no ";" at all.
+    const QByteArray lastParts[] = {".\r\n\x11", "$FF.\r\n\x11", "  \n\x11", "FF>\x11"};
+    for (const QByteArray &last : lastParts) {
+        SCOPED_TRACE(last.constData());
+        StoreBench b;
+        b.Step("prx?n", "PRX?N= 3\r\n\x11");
+        ScriptTestRecord(b, 1, "BOHRER", last);
+        ScriptSpecification(b, 2);
+        ScriptTestRecord(b, 3, "LAMPE");
+        const auto store = ReadSpecStore(b.s.link, b.s.prompter, b.trace);
+        ASSERT_TRUE(store);
+        EXPECT_TRUE(b.s.transport.allExpectationsMet());
+        EXPECT_EQ(store->entries,
+                  (QStringList{QStringLiteral("1:measured: BOHRER"), QStringLiteral("2: 02 Werkstatt "),
+                               QStringLiteral("3:measured: LAMPE")}));
+        EXPECT_EQ(store->records[0].size(), 6) << "the last part adds no field";
+        EXPECT_TRUE(b.s.prompter.messages.empty());
+    }
 }
 
 TEST(StoreReading, AnAnswerWithoutPrxIsAnEmptyStoreWithoutAMessage)
@@ -140,9 +164,9 @@ TEST(StoreReading, AnswersThatCannotBeTakenApartAreFormatErrors)
     } cases[] = {
         {"no count", "prx?n=\r\n\x11", {}, {}},
         {"count beyond the store", "prx?n= 5000\r\n\x11", {}, {}},
-        {"first part without fields", "prx?n= 1\r\n\x11", "prx?1x:\x01\x02garbage\x11", {}},
-        {"second part without fields", "prx?n= 1\r\n\x11", "prx?1x:;DATABASE;.\r\n\x11",
-         "prx?1y:XXXXXXXX\x11"},
+        {"first part neither behind \":\" nor \";\"", "prx?n= 1\r\n\x11", "\x01\x02garbage\x11", {}},
+        {"second part neither behind \":\" nor \";\"", "prx?n= 1\r\n\x11", "prx?1x:;DATABASE;.\r\n\x11",
+         "prx?1y XXXXXXXX\x11"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
