@@ -117,6 +117,8 @@ QList<MatrixCommand> BuildCommands()
         }
         // A store of both kinds for the listing; specifications only where one is added.
         if (command.id.startsWith(QLatin1String("specdb")))
+            command.tracesParts = true; // test.txt: a line for each part read
+        if (command.id.startsWith(QLatin1String("specdb")))
             command.simArguments = {QStringLiteral("--records"),
                                     command.id == QLatin1String("specdb_add") ? QStringLiteral("0")
                                                                               : QStringLiteral("1"),
