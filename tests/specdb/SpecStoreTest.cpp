@@ -1,6 +1,7 @@
 // Reading the store as the database window does, against answers a tester may give.
 #include "specdb/SpecStore.h"
 #include "specdb/SpecDecoding.h"
+#include "specdb/SpecEditor.h"
 
 #include "link/Errors.h"
 #include "link/LinkFixture.h"
@@ -201,4 +202,100 @@ TEST(StoreReading, ATraceThatCannotBeWrittenStillGivesTheList)
     EXPECT_EQ(store->count(), 1);
     ASSERT_EQ(b.s.prompter.messages.size(), 1u);
     EXPECT_TRUE(b.s.prompter.messages[0].text.contains(QStringLiteral("test.txt")));
+}
+
+namespace {
+
+// A specification's record text as the upload wrote it: the head, then ";" extra ";" limit for each
+// box, every limit telling its box ("<0.0NNmA").
+QByteArray SpecificationItems(int first, int last)
+{
+    QByteArray items;
+    for (int box = first; box <= last; ++box)
+        items += ";;<0." + QByteArray::number(box).rightJustified(3, '0') + "mA";
+    return items;
+}
+
+const QByteArray kHead = ";DATABASE  Nr=1;" + kCodes + ";01 Werkstatt;04.03.09;9:5:7";
+
+} // namespace
+
+TEST(StoreReading, LimitsArePlacedByTheRecordsStructureWhateverTheChunking)
+{
+    const QByteArray whole = kHead + SpecificationItems(1, 22);
+    const qsizetype third = whole.size() / 3;
+    const struct {
+        const char *name;
+        QByteArray x, y, z; // the answers to "prx?1x", "y", "z"
+    } cases[] = {
+        {"a ';' of their own in front of y and z", "prx?1x:" + kHead + SpecificationItems(1, 8) + ".\r\n\x11",
+         "prx?1y:XXXXXXXX;" + SpecificationItems(9, 16) + ".\r\n\x11",
+         "prx?1z:XXXXXXXX;" + SpecificationItems(17, 22) + ".\r\n\x11"},
+        {"y and z as the upload sent them, capitals, other trailers",
+         "PRX?1X:" + kHead + SpecificationItems(1, 8) + "\r\n>\x11",
+         "PRX?1Y:XXXXXXXX" + SpecificationItems(9, 16) + "  \n\x11",
+         "PRX?1Z:XXXXXXXX" + SpecificationItems(17, 22) + "\r\n>\x11"},
+        {"cut at thirds, inside fields", "prx?1x:" + whole.left(third) + ".\r\n\x11",
+         "prx?1y:XXXXXXXX" + whole.mid(third, third) + ".\r\n\x11",
+         "prx?1z:XXXXXXXX" + whole.mid(2 * third) + ".\r\n\x11"},
+        {"no filler", "prx?1x:" + kHead + SpecificationItems(1, 8) + ".\r\n\x11",
+         "prx?1y:" + SpecificationItems(9, 16) + ".\r\n\x11",
+         "prx?1z:" + SpecificationItems(17, 22) + ".\r\n\x11"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        StoreBench b;
+        b.Step("prx?n", "prx?n= 1\r\n\x11");
+        b.Step("prx?1x", c.x);
+        b.Step("prx?1y", c.y);
+        b.Step("prx?1z", c.z);
+        const auto store = ReadSpecStore(b.s.link, b.s.prompter, b.trace);
+        ASSERT_TRUE(store);
+        EXPECT_EQ(store->entries, QStringList{QStringLiteral("1: 01 Werkstatt")});
+        ASSERT_TRUE(store->limits.value(0));
+        const BoxTexts &limits = *store->limits[0];
+        for (int box = 1; box <= kLimitBoxes; ++box)
+            EXPECT_EQ(limits[static_cast<size_t>(box)],
+                      "<0." + QByteArray::number(box).rightJustified(3, '0') + "mA")
+                << box;
+    }
+}
+
+TEST(StoreReading, LimitsThatCannotBePlacedWithCertaintyAreNotPlacedAtAll)
+{
+    const QByteArray x = "prx?1x:" + kHead + SpecificationItems(1, 8) + ".\r\n\x11";
+    const struct {
+        const char *name;
+        QByteArray y, z;
+    } cases[] = {
+        // One ";" too many: y's or z's own? Either join gives the record's fields.
+        {"one part with a ';' of its own, one without",
+         "prx?1y:XXXXXXXX;" + SpecificationItems(9, 16) + ".\r\n\x11",
+         "prx?1z:XXXXXXXX" + SpecificationItems(17, 22) + ".\r\n\x11"},
+        {"an empty last part", "prx?1y:XXXXXXXX;" + SpecificationItems(9, 16) + ".\r\n\x11",
+         "prx?1z:XXXXXXXX.\r\n\x11"},
+        {"items missing", "prx?1y:XXXXXXXX" + SpecificationItems(9, 15) + ".\r\n\x11",
+         "prx?1z:XXXXXXXX" + SpecificationItems(17, 22) + ".\r\n\x11"},
+        {"items too many", "prx?1y:XXXXXXXX" + SpecificationItems(9, 18) + ".\r\n\x11",
+         "prx?1z:XXXXXXXX" + SpecificationItems(17, 22) + ".\r\n\x11"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        StoreBench b;
+        b.Step("prx?n", "prx?n= 1\r\n\x11");
+        b.Step("prx?1x", x);
+        b.Step("prx?1y", c.y);
+        b.Step("prx?1z", c.z);
+        const auto store = ReadSpecStore(b.s.link, b.s.prompter, b.trace);
+        ASSERT_TRUE(store);
+        EXPECT_TRUE(store->IsSpecification(1)) << "still listed as a specification";
+        EXPECT_FALSE(store->limits.value(0));
+
+        SpecEditor editor;
+        editor.SetLimit(9, "<9.999mA");
+        EXPECT_FALSE(editor.Decode(store->records[0], store->limits[0], 1));
+        EXPECT_EQ(editor.record().codes[0], "10") << "the codes are read";
+        EXPECT_EQ(editor.record().limits, BoxTexts{}) << "no box keeps or gets a guess";
+    }
+    EXPECT_TRUE(LimitsNotReadText(4).contains(QStringLiteral("Datensatz 4")));
 }

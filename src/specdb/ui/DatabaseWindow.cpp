@@ -156,9 +156,7 @@ void DatabaseWindow::StoreInTester()
             if (result.status != UploadStatus::Stored)
                 return;
             m_editor->editor().record().codes = record.codes;
-            const int number = m_store.count() + 1;
-            m_store.records << StoredFields(record, result.label);
-            m_store.entries << QStringLiteral("%1: %2").arg(number).arg(QString::fromLatin1(result.label));
+            m_store.AppendStored(record, result.label);
             m_list->addItem(m_store.entries.last());
             emit listed();
         });
@@ -220,7 +218,7 @@ void DatabaseWindow::EntryClicked(int row)
     // The number in front of ":" names the record; the list may hold fewer entries than the store.
     const int number = m_list->item(row)->text().section(QLatin1Char(':'), 0, 0).toInt();
     if (m_store.IsSpecification(number))
-        m_editor->Decode(m_store.records[number - 1], number);
+        m_editor->Decode(m_store.records[number - 1], m_store.limits.value(number - 1), number);
     else if (number >= 1)
         emit testRecordChosen(number);
 }
