@@ -150,6 +150,9 @@ void DatabaseWindow::StoreInTester()
                                                   state](link::Link &link, link::Prompter &prompter) mutable {
         const UploadResult result =
             StoreEditorRecord(link, prompter, m_texts, record, state, looser, QDateTime::currentDateTime());
+        // A record begun and not finished may be in the store, or was just deleted from it.
+        if (result.storeChanged)
+            ReadAgain(this, link, prompter);
         OnWindow([this, result, record] {
             for (qsizetype i = 0; i < result.replacedCodes.size(); ++i)
                 QApplication::beep();
