@@ -112,7 +112,7 @@ UploadResult StoreEditorRecord(link::Link &link, link::Prompter &prompter, const
         prompter.askText(QStringLiteral("Kalvomer"), texts.text(link::TxtRecordNamePrompt), QString());
     if (!typed || typed->isEmpty())
         return result;
-    const QByteArray name = link::EncodeTesterText(*typed);
+    const QByteArray name = TesterText(*typed);
     if (!UsableName(name)) {
         prompter.message(QStringLiteral("Der Name \"%1\" kann nicht gespeichert werden: kein \";\" und keine "
                                         "Steuerzeichen.")

@@ -160,3 +160,25 @@ TEST(SetFiles, AnIncompleteRecordIsAFormatErrorNamingItsLine)
               (SetGroup{"a1", "a2", "a3"}));
     EXPECT_THROW(FirstSetGroup("a1\r\na2\r\n", QStringLiteral("zwei.set")), kalvo::link::FormatError);
 }
+
+TEST(Chunks, TypedTextsBecomeTheTestersBytes)
+{
+    const struct {
+        QString typed;
+        QByteArray bytes;
+    } cases[] = {
+        {QStringLiteral("<10.00\u00B5A"), "<10.00\xE6"
+                                          "A"},
+        {QStringLiteral("<10.00\u03BCA"), "<10.00\xE6"
+                                          "A"}, // the Greek letter some keyboards give
+        {QStringLiteral(">2.000MOhm"), ">2.000M\xEA"},
+        {QStringLiteral("<0.300\u03A9"), "<0.300\xEA"},
+        {QStringLiteral("<0.300\u2126"), "<0.300\xEA"},
+        {QStringLiteral("Prüfung ÄÖÜäöüß"), "Pr\x81"
+                                            "fung \x8E\x99\x9A\x84\x94\x81\xE1"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(LimitFromText(c.typed), c.bytes) << c.typed.toStdString();
+    EXPECT_EQ(TesterText(QStringLiteral("DR. \u00B5-Labor")), "DR. \xE6-Labor");
+    EXPECT_EQ(TesterText(QStringLiteral("DR. \u03BC-Labor")), "DR. \xE6-Labor");
+}

@@ -117,6 +117,26 @@ TEST(StoreReading, ATestRecordWhoseLastPartHoldsNoSeparatorIsListedWithTheRest)
     }
 }
 
+TEST(StoreReading, TestRecordsAreNoSpecificationsNorRefusalsWhateverTheirText)
+{
+    StoreBench b;
+    b.Step("prx?n", "prx?n= 3\r\n\x11");
+    ScriptTestRecord(b, 1, "Protokoll 3.Nachpruefung");
+    b.Step("prx?2x", "prx?2x:P;Database-Server;10:00;SRV-1;.\r\n\x11");
+    b.Step("prx?2y", "prx?2y:XXXXXXXX;.\r\n\x11");
+    b.Step("prx?2z", "prx?2z:XXXXXXXX Protokoll .N;$FF.\r\n\x11");
+    ScriptSpecification(b, 3);
+    const auto store = ReadSpecStore(b.s.link, b.s.prompter, b.trace);
+    ASSERT_TRUE(store);
+    EXPECT_EQ(store->entries,
+              (QStringList{QStringLiteral("1:measured: Protokoll 3.Nachpruefung"),
+                           QStringLiteral("2:measured: SRV-1"), QStringLiteral("3: 03 Werkstatt ")}));
+    EXPECT_FALSE(store->IsSpecification(2));
+    EXPECT_EQ(b.s.link.refusals(), 0);
+    EXPECT_TRUE(b.s.prompter.messages.empty());
+    EXPECT_NE(ReadFile(b.trace), kOldTrace);
+}
+
 TEST(StoreReading, AnAnswerWithoutPrxIsAnEmptyStoreWithoutAMessage)
 {
     for (const QByteArray &answer : {QByteArray("= 3\r\n\x11"), QByteArray("\r\n>\x11")}) {
