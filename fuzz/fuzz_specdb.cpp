@@ -26,7 +26,8 @@ void SetText(const QByteArray &text)
                      "a set text written from its records reads back as them");
         for (const specdb::SetGroup &group : groups)
             for (const QByteArray &line : group)
-                fuzz::Expect(!line.contains('\r') && !line.contains('\n'), "a set-file line holds no line end");
+                fuzz::Expect(!line.contains('\r') && !line.contains('\n'),
+                             "a set-file line holds no line end");
     } catch (const link::FormatError &) {
         // A last record of fewer than three lines.
     }
@@ -45,11 +46,19 @@ void StoreRecord(const QList<QByteArray> &answers)
     for (const QByteArray &field : fields) {
         fuzz::Expect(field.size() <= specdb::kKeptFieldBytes, "a field is bounded");
         for (const char c : field)
-            fuzz::Expect(specdb::KeepStoreChar(static_cast<unsigned char>(c)), "a field holds only kept characters");
+            fuzz::Expect(specdb::KeepStoreChar(static_cast<unsigned char>(c)),
+                         "a field holds only kept characters");
+    }
+    // The limits, placed from the parts' texts; they are bounded and filtered as the fields are.
+    const std::optional<specdb::BoxTexts> limits =
+        specdb::PlaceLimits(answers.value(0), answers.value(1), answers.value(2));
+    if (limits) {
+        for (const QByteArray &limit : *limits)
+            fuzz::Expect(limit.size() <= specdb::kKeptFieldBytes, "a placed limit is bounded");
     }
     specdb::SpecRecord record;
     try {
-        specdb::DecodeSpecRecord(fields, 1, record);
+        specdb::DecodeSpecRecord(fields, limits, 1, record);
     } catch (const link::FormatError &) {
         return; // no code string in field 1
     }

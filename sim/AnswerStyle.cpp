@@ -10,6 +10,8 @@ namespace {
 
 constexpr char kDC1 = '\x11';
 const QByteArray kPlainEnd = QByteArray("\r\n") + kDC1;
+// How much of a "prx!add " line the odd style echoes.
+constexpr qsizetype kAddEchoLength = 24;
 
 struct StyleEntry {
     AnswerStyle style;
@@ -131,6 +133,11 @@ std::optional<QByteArray> Rewrite(const QByteArray &line, const QByteArray &payl
         payload.endsWith('.')) {
         // A record chunk: another four-character trailer instead of "." CR LF DC1.
         return echo + payload.chopped(1) + "  \n" + kDC1;
+    }
+    if (lower.startsWith("prx!add") && payload == ".Y") {
+        // The echo as far as the tester's buffer holds it: a name such as "DR.NEU" comes back in
+        // front of the ".Y", which is judged by itself.
+        return echo.left(kAddEchoLength) + ".Y\n" + kDC1;
     }
     if (lower.size() > 3 && lower[3] == '!' && payload == ".Y")
         return QByteArray(".Y\n") + kDC1;

@@ -63,7 +63,8 @@ std::optional<QByteArray> RecordStore::EntryPart(int number, int part) const
     if (number < 1 || number > count() || part < 0 || part >= kParts)
         return std::nullopt;
     const Entry &entry = m_entries[number - 1];
-    return entry.specification ? entry.specification->Part(number, part) : Part(entry.record, part);
+    return entry.specification ? entry.specification->Part(number, part, !m_oddParts)
+                               : Part(entry.record, part, m_oddParts);
 }
 
 QList<Specification> RecordStore::specifications() const
@@ -110,14 +111,14 @@ bool RecordStore::Remove(int number)
     return true;
 }
 
-QByteArray RecordStore::Part(const QByteArray &record, int part)
+QByteArray RecordStore::Part(const QByteArray &record, int part, bool emptyLast)
 {
     QByteArray text = record;
     if (text.endsWith(RecordText::kEndMark))
         text.chop(static_cast<qsizetype>(sizeof(RecordText::kEndMark) - 1));
     // The tester cuts where its send buffer is full, not at fields: a third each, the rest in the last.
     const qsizetype first = text.size() / kParts;
-    const qsizetype second = text.size() * 2 / kParts + 1;
+    const qsizetype second = emptyLast ? text.size() : text.size() * 2 / kParts + 1;
     const qsizetype cuts[kParts + 1] = {0, first, std::min(second, text.size()), text.size()};
     return text.mid(cuts[part], cuts[part + 1] - cuts[part]);
 }

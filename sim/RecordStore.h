@@ -33,6 +33,9 @@ public:
     std::optional<QByteArray> Record(int number) const;
     // Part 0..2 of entry `number`, whichever kind it is; nullopt outside 1..count.
     std::optional<QByteArray> EntryPart(int number, int part) const;
+    // The odd answer style's cuts: a test record's last part empty (the rest in the second), a
+    // specification's second and third parts without a ";" of their own in front.
+    void setOddParts(bool on) { m_oddParts = on; }
 
     QList<Specification> specifications() const;
     // Replaces the specifications; they come in front of the test records.
@@ -52,8 +55,9 @@ public:
     const QList<QByteArray> &accessoryRecords() const { return m_accessory; }
     void setAccessoryRecords(const QList<QByteArray> &records) { m_accessory = records; }
 
-    // Part 0..2 of a record's text in front of "$FF"; the three joined give that text back.
-    static QByteArray Part(const QByteArray &record, int part);
+    // Part 0..2 of a record's text in front of "$FF"; the three joined give that text back. With
+    // `emptyLast` the third part is empty and the second holds the rest.
+    static QByteArray Part(const QByteArray &record, int part, bool emptyLast = false);
     // 13 fields a row, each closed by ";", one row an entry in store order.
     QByteArray Listing() const;
     // The accessory's records back to back: "K", the fields separated by character 19, "$FF".
@@ -68,6 +72,7 @@ private:
     std::optional<Specification> m_pending; // begun by a first chunk, not yet complete
     std::optional<QByteArray> m_current;
     QList<QByteArray> m_accessory;
+    bool m_oddParts = false;
 };
 
 } // namespace kalvo::sim

@@ -109,7 +109,7 @@ bool Specification::Continue(const QByteArray &argument)
     return true;
 }
 
-QByteArray Specification::Part(int number, int part) const
+QByteArray Specification::Part(int number, int part, bool leadingSeparator) const
 {
     QByteArray text;
     if (part == 0)
@@ -118,7 +118,7 @@ QByteArray Specification::Part(int number, int part) const
     const int first = part == 0 ? 1 : kPartEnds[part - 1] + 1;
     for (int item = first; item <= kPartEnds[part]; ++item)
         text += ';' + items.value(2 * item - 2) + ';' + items.value(2 * item - 1);
-    return part == 0 ? text : ';' + text;
+    return part == 0 || !leadingSeparator ? text : ';' + text;
 }
 
 } // namespace kalvo::sim

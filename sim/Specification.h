@@ -29,10 +29,11 @@ struct Specification {
     // A continuation "&N" + items: N must be the next item. False, changing nothing, otherwise.
     bool Continue(const QByteArray &argument);
 
-    // Part 0..2 of the "DATABASE" record number `number`: each begins with ";" and continues the
-    // fields of the one before. Fields: marker, codes, label, date, time, then the items (1..8 in
-    // part 0, 9..16 in part 1, 17..22 in part 2).
-    QByteArray Part(int number, int part) const;
+    // Part 0..2 of the "DATABASE" record number `number`. Fields: marker, codes, label, date,
+    // time, then the items (1..8 in part 0, 9..16 in part 1, 17..22 in part 2). With
+    // `leadingSeparator` each part begins with a ";" of its own in front of the fields it continues;
+    // without it parts 1 and 2 are the record's text as it was sent, each item's own ";" first.
+    QByteArray Part(int number, int part, bool leadingSeparator = true) const;
 };
 
 } // namespace kalvo::sim

@@ -56,7 +56,11 @@ public:
     void setRestartDelay(link::Duration delay) { m_restartDelay = delay; }
 
     // Odd: every answer in another form the reading rules still take, cut into bursts.
-    void setStyle(AnswerStyle style) { m_style = style; }
+    void setStyle(AnswerStyle style)
+    {
+        m_style = style;
+        m_model.records().setOddParts(style == AnswerStyle::Odd);
+    }
     AnswerStyle style() const { return m_style; }
 
     FaultPlan &faults() { return m_faults; }

@@ -247,12 +247,20 @@ int StoreSet(CliContext &context, const QStringList &files)
     if (files.isEmpty())
         throw UsageError{QStringLiteral("mindestens eine Datei")};
     // Every file is read and taken apart first: a bad one stops all of them before anything is sent.
+    // Lines behind a file's last whole record are left out, as the tester's own upload does.
     QList<specdb::SetGroup> groups;
     for (const QString &file : files) {
         const auto text = specdb::ReadSetFile(file, context.prompter());
         if (!text)
             return kExitFailed;
-        groups += specdb::ParseSetText(*text, QDir::toNativeSeparators(file));
+        int leftOver = 0;
+        groups += specdb::WholeSetGroups(*text, QDir::toNativeSeparators(file), leftOver);
+        if (leftOver > 0)
+            context.prompter().message(
+                QStringLiteral("%1: %2 Zeile(n) hinter dem letzten Prüfablauf nicht gesendet")
+                    .arg(QDir::toNativeSeparators(file))
+                    .arg(leftOver),
+                link::Prompter::Icon::Information);
     }
     context.OpenPort();
     const link::RefusalWatch watch(context.link());

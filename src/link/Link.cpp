@@ -1,6 +1,8 @@
 // One command out, one answer in: framing, time-outs, refusals and the development trace.
 #include "Link.h"
 
+#include <QScopeGuard>
+
 #include "Errors.h"
 
 #include <QDir>
@@ -199,11 +201,13 @@ void Link::Finish(const QByteArray &answer, bool stream)
     if (m_trace)
         m_trace->flush();
 
-    if (!answer.contains("Protokoll")) {
+    const qsizetype data = m_dataMark.isEmpty() ? -1 : answer.indexOf(m_dataMark);
+    const QByteArray words = data < 0 ? answer : answer.left(data);
+    if (!words.contains("Protokoll")) {
         // The tester echoes a configuration store; give it time to finish before the next command.
         if (answer.contains("cfg!pgm"))
             Wait(kWakePause);
-    } else if (answer.contains(".N") && (!stream || answer.size() <= kLongestRefusal)) {
+    } else if (words.contains(".N") && (!stream || answer.size() <= kLongestRefusal)) {
         NoteRefusal(m_lastCommand);
         m_prompter.message(QStringLiteral("%1:  %2").arg(m_protocolNumber).arg(m_protocolText),
                            Prompter::Icon::Critical);
@@ -246,6 +250,13 @@ QByteArray Link::Exchange(const QByteArray &command)
 {
     SendCommand(command + kCR);
     return ReceiveAnswer();
+}
+
+QByteArray Link::ExchangeData(const QByteArray &command, const QByteArray &dataMark)
+{
+    m_dataMark = dataMark;
+    const auto forget = qScopeGuard([this] { m_dataMark.clear(); });
+    return Exchange(command);
 }
 
 QByteArray Link::ExchangeStream(const QByteArray &command, const ChunkSink &onChunk, const StreamLimit &limit)

@@ -56,6 +56,10 @@ public:
     QByteArray ReceiveAnswer();
     // SendCommand(command + CR), then ReceiveAnswer.
     QByteArray Exchange(const QByteArray &command);
+    // Exchange for an answer that carries record data behind `dataMark` (a record part behind ":"):
+    // only the tester's own words in front of the mark can be a refusal, so that a record whose
+    // text holds "Protokoll" and ".N" (a device "Protokoll 3.Nachpruefung") is no refusal.
+    QByteArray ExchangeData(const QByteArray &command, const QByteArray &dataMark);
     // A streamed answer (the store listing, the accessory's records): chunks up to and including
     // the one with DC1. The time-out bounds each wait for more, not the whole stream; `onChunk`
     // sees every chunk as it arrives. Longer than `limit` is a FormatError.
@@ -136,6 +140,8 @@ private:
     // What follows a complete answer: input discarded, the refusal rule, the "cfg!pgm" pause. A
     // stream is a refusal only when it is as short as one: records may well hold both words.
     void Finish(const QByteArray &answer, bool stream = false);
+    // Where the record data of the answer being received begins; empty: the whole answer is words.
+    QByteArray m_dataMark;
 
     Transport &m_transport;
     Prompter &m_prompter;

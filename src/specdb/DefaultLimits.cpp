@@ -105,7 +105,8 @@ QList<BoxDefault> DefaultsFor(int regulationEntry, const QByteArray &protectionC
     QList<BoxDefault> defaults;
     for (int box = 1; box <= kLimitBoxes; ++box) {
         if (rows[box])
-            defaults.append({box, LimitFromText(QString::fromUtf8(rows[box]->text)), QString::fromUtf8(rows[box]->source)});
+            defaults.append({box, LimitFromText(QString::fromUtf8(rows[box]->text)),
+                             QString::fromUtf8(rows[box]->source)});
         else
             defaults.append({box, {}, {}});
     }

@@ -14,7 +14,8 @@ std::optional<double> PrefixFactor(char prefix)
     case 'M': return 1e6;
     case 'k': return 1e3;
     case 'm': return 1e-3;
-    case 'u': return 1e-6;
+    case 'u':
+    case '\xE6': return 1e-6; // the tester's micro sign
     default: return std::nullopt;
     }
 }

@@ -29,19 +29,52 @@ QList<QByteArray> SetLines(const QByteArray &text)
     return lines;
 }
 
-QList<SetGroup> ParseSetText(const QByteArray &text, const QString &where)
+namespace {
+
+// The record of lines `first`..`first` + 2; a control character would go to the tester inside
+// "prx!add " and shift or end what it stores.
+SetGroup Group(const QList<QByteArray> &lines, qsizetype first, const QString &where)
+{
+    for (qsizetype i = first; i < first + 3; ++i) {
+        for (const char c : lines[i]) {
+            const auto code = static_cast<unsigned char>(c);
+            if (code < 32 || code == 0x7F)
+                throw link::FormatError(
+                    where, static_cast<int>(i + 1),
+                    QStringLiteral("keine Steuerzeichen (hier das Zeichen %1)").arg(code));
+        }
+    }
+    return {lines[first], lines[first + 1], lines[first + 2]};
+}
+
+QList<QByteArray> RecordLines(const QByteArray &text)
 {
     QList<QByteArray> lines = SetLines(text);
     while (!lines.isEmpty() && lines.last().trimmed().isEmpty())
         lines.removeLast();
+    return lines;
+}
+
+} // namespace
+
+QList<SetGroup> WholeSetGroups(const QByteArray &text, const QString &where, int &leftOver)
+{
+    const QList<QByteArray> lines = RecordLines(text);
     QList<SetGroup> groups;
-    for (qsizetype i = 0; i < lines.size(); i += 3) {
-        if (i + 3 > lines.size())
-            throw link::FormatError(
-                where, static_cast<int>(i + 1),
-                QStringLiteral("drei Zeilen je Prüfablauf, hier nur %1").arg(lines.size() - i));
-        groups << SetGroup{lines[i], lines[i + 1], lines[i + 2]};
-    }
+    qsizetype i = 0;
+    for (; i + 3 <= lines.size(); i += 3)
+        groups << Group(lines, i, where);
+    leftOver = static_cast<int>(lines.size() - i);
+    return groups;
+}
+
+QList<SetGroup> ParseSetText(const QByteArray &text, const QString &where)
+{
+    int leftOver = 0;
+    const QList<SetGroup> groups = WholeSetGroups(text, where, leftOver);
+    if (leftOver > 0)
+        throw link::FormatError(where, static_cast<int>(3 * groups.size() + 1),
+                                QStringLiteral("drei Zeilen je Prüfablauf, hier nur %1").arg(leftOver));
     return groups;
 }
 
@@ -50,7 +83,7 @@ SetGroup FirstSetGroup(const QByteArray &text, const QString &where)
     const QList<QByteArray> lines = SetLines(text);
     if (lines.size() < 3)
         throw link::FormatError(where, 1, QStringLiteral("mindestens drei Zeilen (ein Prüfablauf)"));
-    return {lines[0], lines[1], lines[2]};
+    return Group(lines, 0, where);
 }
 
 QByteArray SetText(const QList<SetGroup> &groups)

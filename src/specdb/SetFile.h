@@ -27,10 +27,15 @@ inline const QString kLastSetFileName = QStringLiteral("prfname.txt");
 // a line end counts.
 QList<QByteArray> SetLines(const QByteArray &text);
 // Every record of a set text, in groups of three lines. Blank lines at the end are no record; a
-// last group of fewer than three lines is a FormatError naming `where` and its first line.
+// last group of fewer than three lines is a FormatError naming `where` and its first line. A
+// control character in a record's line (it would go to the tester inside "prx!add ") is a
+// FormatError naming the line.
 QList<SetGroup> ParseSetText(const QByteArray &text, const QString &where);
+// The whole records of a set text, as ParseSetText, but lines behind the last whole record are no
+// error: their number goes to `leftOver`, as the tester's own upload leaves them out.
+QList<SetGroup> WholeSetGroups(const QByteArray &text, const QString &where, int &leftOver);
 // The first record of a set text (its first three lines; more lines are not looked at). Fewer
-// than three lines is a FormatError naming `where`.
+// than three lines, or a control character in them, is a FormatError naming `where`.
 SetGroup FirstSetGroup(const QByteArray &text, const QString &where);
 // The set text of records: three lines each, CR LF after every line.
 QByteArray SetText(const QList<SetGroup> &groups);

@@ -99,6 +99,26 @@ bool LimitFits(int box, const QByteArray &text)
     }
 }
 
+QByteArray TesterText(const QString &typed)
+{
+    // The display conversion's nine characters, back to the tester's codes.
+    static const std::pair<char16_t, char> kCodes[] = {
+        {u'\u00B5', '\xE6'}, {u'\u03BC', '\xE6'}, {u'Ä', '\x8E'}, {u'Ö', '\x99'}, {u'Ü', '\x9A'},
+        {u'ß', '\xE1'},      {u'ä', '\x84'},      {u'ö', '\x94'}, {u'ü', '\x81'},
+    };
+    QByteArray bytes;
+    qsizetype run = 0; // where the text not yet converted begins
+    for (qsizetype i = 0; i < typed.size(); ++i) {
+        const auto code = std::find_if(std::begin(kCodes), std::end(kCodes),
+                                       [&](const auto &pair) { return typed[i] == QChar(pair.first); });
+        if (code == std::end(kCodes))
+            continue;
+        bytes += link::EncodeTesterText(typed.mid(run, i - run)) + code->second;
+        run = i + 1;
+    }
+    return bytes + link::EncodeTesterText(typed.mid(run));
+}
+
 QByteArray LimitFromText(const QString &text)
 {
     static const QRegularExpression ohm(QStringLiteral("Ohm|\u03A9|\u2126"));
@@ -106,10 +126,10 @@ QByteArray LimitFromText(const QString &text)
     qsizetype at = 0;
     for (auto match = ohm.globalMatch(text); match.hasNext();) {
         const QRegularExpressionMatch found = match.next();
-        bytes += link::EncodeTesterText(text.mid(at, found.capturedStart() - at)) + kOhm;
+        bytes += TesterText(text.mid(at, found.capturedStart() - at)) + kOhm;
         at = found.capturedEnd();
     }
-    return bytes + link::EncodeTesterText(text.mid(at));
+    return bytes + TesterText(text.mid(at));
 }
 
 QList<int> MisfitLimits(const SpecRecord &record)

@@ -40,6 +40,10 @@ bool UsableName(const QByteArray &name);
 // box 22, 8 for the others, and the narrower texts the boxes of resistance and voltage take:
 // "<0.300" + ohm, "0120V"), without a ";" or control character.
 bool LimitFits(int box, const QByteArray &text);
+// Text typed on the PC (a name) in the tester's bytes: the nine characters the display conversion
+// shows ("µ", in either of its Unicode forms, is 230; "Ä" 142 ...) by the tester's own codes,
+// whatever the text converter of the platform knows, the rest through the tester's character set.
+QByteArray TesterText(const QString &typed);
 // A limit typed on the PC in the tester's bytes: "Ohm" and the ohm sign (either Unicode form) become
 // the tester's ohm byte 234, the rest goes through the tester's character set. The way back for
 // showing it is the display conversion, which writes 234 as "Ohm".

@@ -105,7 +105,8 @@ std::array<bool, 4> SingleFaultBoxes(const QByteArray &element8)
     return {(value & 1) != 0, (value & 32) != 0, (value & 64) != 0, (value & 128) != 0};
 }
 
-void DecodeSpecRecord(const QList<QByteArray> &fields, int number, SpecRecord &record)
+bool DecodeSpecRecord(const QList<QByteArray> &fields, const std::optional<BoxTexts> &limits, int number,
+                      SpecRecord &record)
 {
     const QByteArray codes = fields.value(1);
     if (codes.size() < 2 * kSentCodes || !std::all_of(codes.begin(), codes.begin() + 2 * kSentCodes, IsHex))
@@ -113,10 +114,17 @@ void DecodeSpecRecord(const QList<QByteArray> &fields, int number, SpecRecord &r
                                 QStringLiteral("40 Hexadezimalziffern der Codes im Feld 1"));
     for (int k = 0; k < kSentCodes; ++k)
         record.codes[static_cast<size_t>(k)] = codes.mid(2 * k, 2).toUpper();
-    for (int box = 1; box <= kLimitBoxes; ++box) {
-        if (LimitField(box) < fields.size())
-            record.limits[static_cast<size_t>(box)] = fields[LimitField(box)];
-    }
+    for (int box = 1; box <= kLimitBoxes; ++box)
+        record.limits[static_cast<size_t>(box)] = limits ? (*limits)[static_cast<size_t>(box)] : QByteArray();
+    return limits.has_value();
+}
+
+QString LimitsNotReadText(int number)
+{
+    return QStringLiteral("Die Grenzwerte von Datensatz %1 wurden nicht gelesen: die Teile, in denen das "
+                          "Kalvomer ihn sendet, lassen sich nicht eindeutig zusammensetzen. Gezeigt sind "
+                          "die Codes; die Grenzwertfelder sind leer.")
+        .arg(number);
 }
 
 QList<QByteArray> StoredFields(const SpecRecord &record, const QByteArray &label)

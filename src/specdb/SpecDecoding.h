@@ -8,6 +8,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <optional>
 
 namespace kalvo::specdb {
 
@@ -41,11 +42,14 @@ constexpr int LimitField(int box)
     return 4 + 2 * box;
 }
 
-// Takes record `number` of the store (its fields) into `record`: code elements 0..19 from field 1
-// (40 hexadecimal characters, either case), and each limit box whose field the record holds.
-// Elements 20..25 and the limits the record does not hold stay as they were. Throws FormatError
-// naming the record when field 1 is no code string.
-void DecodeSpecRecord(const QList<QByteArray> &fields, int number, SpecRecord &record);
+// Takes record `number` of the store into `record`: code elements 0..19 from field 1 (40
+// hexadecimal characters, either case) and the limit boxes as the store placed them. Without
+// placed limits every box is emptied, never filled by a guess, and false returned. Elements 20..25
+// stay as they were. Throws FormatError naming the record when field 1 is no code string.
+bool DecodeSpecRecord(const QList<QByteArray> &fields, const std::optional<BoxTexts> &limits, int number,
+                      SpecRecord &record);
+// Told when a specification is opened whose limits could not be placed.
+QString LimitsNotReadText(int number);
 
 // The fields a specification just stored as `label` will read back with, so that a list entry
 // added for it decodes like one read from the store: the marker, codes 0..19, the label, an empty

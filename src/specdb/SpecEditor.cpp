@@ -13,6 +13,7 @@ constexpr int kElementSingleFaults = 8;
 constexpr int kElementClass = 14;
 constexpr int kElementType = 15;
 constexpr int kElementAppliedParts = 16;
+constexpr int kElementSwitch = 19;
 } // namespace
 
 const QList<QByteArray> &SwitchCodes()
@@ -89,16 +90,22 @@ void SpecEditor::SetLimit(int box, const QByteArray &text)
         m_record.limits[static_cast<size_t>(box)] = text;
 }
 
-void SpecEditor::Decode(const QList<QByteArray> &fields, int number)
+bool SpecEditor::Decode(const QList<QByteArray> &fields, const std::optional<BoxTexts> &limits, int number)
 {
     SpecRecord decoded = m_record;
-    DecodeSpecRecord(fields, number, decoded);
+    const bool limitsRead = DecodeSpecRecord(fields, limits, number, decoded);
     m_record = decoded;
+    // Element 19 holds the switch position; the custom sequence of the menu says so in element 6.
+    const QByteArray switchCode = Code(kElementSwitch);
+    m_switch = Code(kElementRegulation) == "80"     ? QByteArray("Menue")
+               : SwitchCodes().contains(switchCode) ? switchCode
+                                                    : QByteArray("00");
     m_regulation = RegulationEntry(Code(kElementRegulation));
     m_class = ClassEntry(Code(kElementClass));
     m_type = TypeEntry(Code(kElementType));
     m_appliedParts = AppliedPartsEntry(Code(kElementAppliedParts));
     m_insulatedEnabled = m_type != 1;
+    return limitsRead;
 }
 
 QString SpecEditor::regulationName() const

@@ -9,6 +9,7 @@
 #include <QString>
 #include <array>
 #include <functional>
+#include <optional>
 
 namespace kalvo::specdb {
 
@@ -46,9 +47,10 @@ public:
     void SetInsulatedParts(bool on);
     void SetLimit(int box, const QByteArray &text);
 
-    // A specification read back from the store (its fields); the lists follow its elements.
-    // Throws FormatError when its code string cannot be read.
-    void Decode(const QList<QByteArray> &fields, int number);
+    // A specification read back from the store (its fields and the limits the store placed); the
+    // lists and the switch position follow its elements. False when the limits were not read (the
+    // boxes are then empty). Throws FormatError when its code string cannot be read.
+    bool Decode(const QList<QByteArray> &fields, const std::optional<BoxTexts> &limits, int number);
 
     int regulationEntry() const { return m_regulation; } // -1: none chosen or none in the list
     // The regulation as the record names it ("MENUE" included); empty when its digit has none.

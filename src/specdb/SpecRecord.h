@@ -12,11 +12,14 @@ inline constexpr int kSentCodes = 20;
 inline constexpr int kLimitSlots = 27; // slots 1..22 are the limit boxes GWert 1..22
 inline constexpr int kLimitBoxes = 22;
 
+// The texts of limit boxes 1..22 (slot 0 and those behind 22 unused).
+using BoxTexts = std::array<QByteArray, kLimitSlots>;
+
 // Texts are in the tester's bytes: byte 234 is its ohm sign. Each code element is two upper-case
 // hexadecimal characters; an empty limit switches its measurement off.
 struct SpecRecord {
     std::array<QByteArray, kCodeCount> codes;
-    std::array<QByteArray, kLimitSlots> limits;
+    BoxTexts limits;
     std::array<QByteArray, kLimitSlots> extras;
 };
 

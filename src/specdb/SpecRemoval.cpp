@@ -49,9 +49,9 @@ RemovalStatus DeleteAllRecords(link::Link &link, link::Prompter &prompter, const
 }
 
 RemovalStatus DeleteRecord(link::Link &link, link::Prompter &prompter, const link::LanguageTable &texts,
-                           int number)
+                           int number, const QString &question)
 {
-    if (!prompter.confirm(DeleteOneQuestion(number)))
+    if (!prompter.confirm(question.isEmpty() ? DeleteOneQuestion(number) : question))
         return RemovalStatus::Cancelled;
     const link::RefusalWatch watch(link);
     return Outcome(prompter, texts, watch, SendStoreLine(link, DeleteCommand(number)));

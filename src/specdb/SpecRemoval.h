@@ -27,8 +27,9 @@ enum class RemovalStatus {
 // records still to go do not move. Every deletion is sent; one that is not taken makes it Failed.
 RemovalStatus DeleteAllRecords(link::Link &link, link::Prompter &prompter, const link::LanguageTable &texts,
                                int entries);
-// Asks, then deletes record `number`; the records behind it move up one number.
+// Asks `question` (DeleteOneQuestion by default), then deletes record `number`; the records behind
+// it move up one number.
 RemovalStatus DeleteRecord(link::Link &link, link::Prompter &prompter, const link::LanguageTable &texts,
-                           int number);
+                           int number, const QString &question = {});
 
 } // namespace kalvo::specdb

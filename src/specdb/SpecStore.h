@@ -2,6 +2,8 @@
 // specifications told from test records, and the list the window shows.
 #pragma once
 
+#include "specdb/SpecRecord.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -26,6 +28,10 @@ constexpr qsizetype kKeptFieldBytes = 256;
 struct SpecStore {
     // Fields of records 1..n (index 0 holds record 1), in the tester's bytes after the filter.
     QList<QList<QByteArray>> records;
+    // The limit boxes of each record, placed by the structure the upload wrote (PlaceLimits);
+    // nullopt for a test record and for a specification whose limits cannot be placed with
+    // certainty.
+    QList<std::optional<BoxTexts>> limits;
     // One entry a record: "i: " + its name for a specification, "i:measured: " + the device for
     // a test record.
     QStringList entries;
@@ -37,6 +43,8 @@ struct SpecStore {
     int count() const { return static_cast<int>(records.size()); }
     // Record `number` (1-based) is a specification: its field 0 holds "DATABASE".
     bool IsSpecification(int number) const;
+    // A specification just stored as `label`, listed as the next entry as if it had been read.
+    void AppendStored(const SpecRecord &record, const QByteArray &label);
 };
 
 // Whether a character of the tester's answers is taken into a field: the blank, "+" to "?",
@@ -48,10 +56,22 @@ bool KeepStoreChar(unsigned char c);
 // the first part of a record opens field 0. Returns the text taken, for the trace.
 QByteArray AppendRecordPart(QList<QByteArray> &fields, const QByteArray &answer);
 
+// The limit boxes of a specification from the record texts of its three parts: the first from
+// behind its first ";" (the marker on), the others from behind ":" and the filler "XXXXXXXX" (or
+// behind ":", or from their first ";"). Joined, a specification has the fields the upload wrote: marker,
+// codes, label, date, time, then an extra field and a limit for each box. A tester may begin the second and
+// third parts with a ";" of its own or continue the record as sent, and may cut anywhere: of the joins with
+// and without such a ";", the limits are placed only when exactly one gives those fields. nullopt otherwise:
+// no box is filled by a guess.
+std::optional<BoxTexts> PlaceLimits(const QByteArray &first, const QByteArray &second,
+                                    const QByteArray &third);
+
 // Reads the store: "prx?n", then "prx?" + i + "x", "y", "z" for every record, the trace written
 // to `tracePath` once everything is read. An answer to "prx?n" without "PRX" (any case) is an
 // empty store marked `unanswered`, without a message. nullopt, with nothing written and the user
-// told, when the tester refused a command; FormatError when the count or a part cannot be read.
+// told, when the tester refused a command; FormatError when the count cannot be read or a part
+// holds neither ":" nor ";". A part without ";" adds no field: nothing in one test record keeps
+// the others from being listed.
 std::optional<SpecStore> ReadSpecStore(link::Link &link, link::Prompter &prompter, const QString &tracePath);
 
 } // namespace kalvo::specdb

@@ -3,6 +3,7 @@
 #include "SpecUpload.h"
 
 #include "SpecChunks.h"
+#include "SpecRemoval.h"
 
 #include "link/Errors.h"
 #include "link/LanguageTable.h"
@@ -27,31 +28,59 @@ QString BoxList(const QList<int> &boxes)
 
 } // namespace
 
+bool TakenByOwnMark(const QByteArray &command, const QByteArray &answer)
+{
+    // The echo is as much of the command as the answer repeats, in either case, whole or cut short.
+    qsizetype echo = 0;
+    while (echo < answer.size() && echo < command.size() &&
+           QChar::toUpper(uchar(answer[echo])) == QChar::toUpper(uchar(command[echo])))
+        ++echo;
+    // The tester's mark may begin with a "." that the command also has at that place.
+    const QByteArray own = answer.mid(std::max<qsizetype>(echo - 1, 0));
+    return own.contains(".Y") && !own.contains(".N");
+}
+
 bool SendStoreLine(link::Link &link, const QByteArray &command)
 {
     const link::RefusalWatch watch(link);
     const QByteArray answer = link.Exchange(command);
-    const bool echoed = answer.left(command.size()).compare(command, Qt::CaseInsensitive) == 0;
-    const QByteArray reply = echoed ? answer.mid(command.size()) : answer;
-    if (reply.contains(".Y") && !reply.contains(".N") && !watch.refused())
+    if (TakenByOwnMark(command, answer) && !watch.refused())
         return true;
     if (!watch.refused())
         link.NoteRefusal(command);
     return false;
 }
 
+namespace {
+
+// The chunks of one record that were taken, from the first on: 3 when all were.
+int SendChunks(link::Link &link, const std::array<QByteArray, 3> &commands)
+{
+    int taken = 0;
+    while (taken < static_cast<int>(commands.size()) &&
+           SendStoreLine(link, commands[static_cast<size_t>(taken)]))
+        ++taken;
+    return taken;
+}
+
+} // namespace
+
 bool SendRecordCommands(link::Link &link, const std::array<QByteArray, 3> &commands)
 {
-    for (const QByteArray &command : commands) {
-        if (!SendStoreLine(link, command))
-            return false;
-    }
-    return true;
+    return SendChunks(link, commands) == static_cast<int>(commands.size());
 }
 
 QString NotTakenText(const QString &text, const link::RefusalWatch &watch)
 {
-    return QStringLiteral("%1\r\nNicht bestätigt: %2").arg(text, watch.Describe());
+    return QStringLiteral("%1\nNicht bestätigt: %2").arg(text, watch.Describe());
+}
+
+QString PartialRecordQuestion(int number, const QByteArray &label)
+{
+    return QStringLiteral("Das Kalvomer hat den Anfang des Prüfablaufs \"%1\" angenommen, den Rest nicht: es "
+                          "hält jetzt vielleicht einen unvollständigen Datensatz %2.\nDatensatz %2 löschen?")
+        .arg(link::ConvertDisplayText(label))
+        .arg(number);
 }
 
 QString LooserLimitsQuestion(const QList<int> &boxes)
@@ -83,7 +112,7 @@ UploadResult StoreEditorRecord(link::Link &link, link::Prompter &prompter, const
         prompter.askText(QStringLiteral("Kalvomer"), texts.text(link::TxtRecordNamePrompt), QString());
     if (!typed || typed->isEmpty())
         return result;
-    const QByteArray name = link::EncodeTesterText(*typed);
+    const QByteArray name = TesterText(*typed);
     if (!UsableName(name)) {
         prompter.message(QStringLiteral("Der Name \"%1\" kann nicht gespeichert werden: kein \";\" und keine "
                                         "Steuerzeichen.")
@@ -96,11 +125,20 @@ UploadResult StoreEditorRecord(link::Link &link, link::Prompter &prompter, const
     result.replacedCodes = chunks.replacedCodes;
     result.label = RunningLabel(store.entries, name);
     const link::RefusalWatch watch(link);
-    if (SendRecordCommands(link, EditorCommands(result.label, chunks))) {
+    const int taken = SendChunks(link, EditorCommands(result.label, chunks));
+    if (taken == 3) {
         result.status = UploadStatus::Stored;
-    } else {
-        prompter.message(NotTakenText(kNotLoadedText, watch), link::Prompter::Icon::Information);
-        result.status = UploadStatus::NotStored;
+        return result;
+    }
+    prompter.message(NotTakenText(kNotLoadedText, watch), link::Prompter::Icon::Information);
+    result.status = UploadStatus::NotStored;
+    // No continuation follows a chunk that was not taken: nothing the tester did not take the
+    // beginning of reaches it, and a record missing items 9..16 cannot become whole. What the first
+    // chunk began may still be in the store, under the running number.
+    if (taken > 0) {
+        result.storeChanged = true;
+        const int number = store.entries + 1;
+        DeleteRecord(link, prompter, texts, number, PartialRecordQuestion(number, result.label));
     }
     return result;
 }

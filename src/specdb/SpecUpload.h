@@ -26,14 +26,22 @@ inline const QString kHoldsTestRecordsText = QStringLiteral(
     "Die Datenbank enthält auch Prüfprotokolle.\r\nVor dem speichern von Prüfabläufen müssen die "
     "Protokolle gelöscht werden.");
 
-// One "prx!add " command. Taken when the answer, behind the echo of the command, says ".Y" and no
-// ".N": a name may well hold either. Otherwise counted as a refusal (once) and false.
+// Whether the answer to `command` takes it by its own marks: behind as much of the command as it
+// echoes (whole, cut short or in capitals) stands ".Y" and no ".N". A name such as "DR.NEU" or
+// "Gut.Y" in the echo is no mark of the tester's.
+bool TakenByOwnMark(const QByteArray &command, const QByteArray &answer);
+// One "prx!add " or "prx!del" command. Taken by TakenByOwnMark; otherwise counted as a refusal
+// (once) and false.
 bool SendStoreLine(link::Link &link, const QByteArray &command);
 // The three commands of one record, in order; stops at the first that is not taken, so that no
 // continuation reaches a tester that did not take its beginning. True when all three were taken.
 bool SendRecordCommands(link::Link &link, const std::array<QByteArray, 3> &commands);
 // `text`, and on a line of its own the commands the tester did not take since `watch` began.
 QString NotTakenText(const QString &text, const link::RefusalWatch &watch);
+
+// The question after an upload whose first chunk was taken and a later one not: the tester may hold
+// the beginning of the record as entry `number`.
+QString PartialRecordQuestion(int number, const QByteArray &label);
 
 enum class UploadStatus {
     Stored,           // all three chunks taken
@@ -47,6 +55,9 @@ struct UploadResult {
     UploadStatus status = UploadStatus::Cancelled;
     QByteArray label;         // the running number and the name, as sent
     QList<int> replacedCodes; // code elements sent as "00" (one beep each)
+    // NotStored after the first chunk was taken: the store may have changed (the partial record
+    // offered for deletion, or kept).
+    bool storeChanged = false;
 };
 
 // What the editor's upload needs to know of the store as last read.
@@ -59,7 +70,9 @@ struct StoreState {
 // question of kHoldsTestRecordsText and may delete all). A limit that does not fit its box is
 // "falsches Zahlenformat". When `looserBoxes` (limits looser than the regulation asks) is not
 // empty, the user is asked once more, naming them. Then the name is asked for, the record built
-// at `now` and sent with the running number.
+// at `now` and sent with the running number. The chunks stop at the first that is not taken;
+// when the first was taken, the user is told that the tester may hold the beginning of the record
+// under the running number and asked (Cancel the default) whether to delete it.
 UploadResult StoreEditorRecord(link::Link &link, link::Prompter &prompter, const link::LanguageTable &texts,
                                SpecRecord &record, const StoreState &store, const QList<int> &looserBoxes,
                                const QDateTime &now);

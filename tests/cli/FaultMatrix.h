@@ -31,6 +31,9 @@ struct MatrixCommand {
     QList<KeptFile> files;
     bool changesTester = false; // a write session: nothing may be stored after a refused or bad answer
     bool repeatable = true;     // the same output and lines every run (not the clock)
+    // Its file traces the record parts as the tester cut them: an answer style that cuts them
+    // elsewhere writes other lines there, though the records are the same.
+    bool tracesParts = false;
     // What the command found out, from its output: what two runs must agree on.
     std::function<QString(const QString &out)> results;
 };

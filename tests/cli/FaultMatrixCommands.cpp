@@ -94,7 +94,7 @@ QList<MatrixCommand> BuildCommands()
         {"pfile_load", "pfile|load|vorlage.pr|--slot|1", "", true},
         {"templates_read", "templates|read|1|vorlage1.pr", "vorlage1.pr", false},
         {"specdb_list", "specdb|list", "test.txt", false},
-        {"specdb_add", "specdb|add|Neu|--regulation|EN 60601|--limit|1=<0.300Ohm|--limit|22=>1.50kV",
+        {"specdb_add", "specdb|add|DR.NEU|--regulation|EN 60601|--limit|1=<0.300Ohm|--limit|22=>1.50kV",
          "test.txt", true},
         {"specdb_delete", "--yes|specdb|delete|--all", "test.txt", true},
     };
@@ -116,6 +116,8 @@ QList<MatrixCommand> BuildCommands()
             command.files[1].completeAfter = QStringLiteral("wer?\\r");
         }
         // A store of both kinds for the listing; specifications only where one is added.
+        if (command.id.startsWith(QLatin1String("specdb")))
+            command.tracesParts = true; // test.txt: a line for each part read
         if (command.id.startsWith(QLatin1String("specdb")))
             command.simArguments = {QStringLiteral("--records"),
                                     command.id == QLatin1String("specdb_add") ? QStringLiteral("0")

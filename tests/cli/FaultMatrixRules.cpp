@@ -209,7 +209,7 @@ QStringList Judge(const MatrixCommand &command, const QString &fault, const Posi
 
 QStringList JudgeSameAsClean(const MatrixCommand &command, const Outcome &clean, const Outcome &run)
 {
-    return Check(command, {{0}, {}, true}, clean, run);
+    return Check(command, {{0}, {}, true, command.tracesParts}, clean, run);
 }
 
 } // namespace kalvo::testing::matrix

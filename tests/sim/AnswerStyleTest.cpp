@@ -2,6 +2,7 @@
 // what the plain answer yields, and leaves in bursts.
 #include "sim/AnswerStyle.h"
 #include "link/TextRules.h"
+#include "sim/SampleRecords.h"
 #include "sim/VirtualTester.h"
 
 #include <QRegularExpression>
@@ -23,6 +24,8 @@ QByteArray AskIn(AnswerStyle style, const QByteArray &line, const QStringList &s
     link::ManualClock clock;
     VirtualTester tester(clock);
     tester.model().setKymInFront(setup.contains(QStringLiteral("kym")));
+    if (setup.contains(QStringLiteral("specifications")))
+        tester.model().records().setSpecifications(sim::SampleSpecifications());
     tester.model().setDateTime(QDateTime(QDate(2026, 3, 9), QTime(7, 5, 30)));
     tester.setStyle(style);
     tester.feed(line + '\r');
@@ -150,11 +153,6 @@ TEST(AnswerStyle, OddAnswersYieldWhatThePlainOnesYieldByEveryReadingRule)
         {"prx?n", "the number after =, blanks trimmed",
          [](const QByteArray &a) { return NumberAfter(a, "=", 0, true); }},
         {"prx?", "contains .Y", Accepted},
-        {"prx?1x", "after :, less the trailer", Chunk(":", 0)},
-        {"prx?7y", "after : and the filler, less the trailer", Chunk(":", 8)},
-        {"prx?14z", "after : and the filler, less the trailer", Chunk(":", 8)},
-        {"prx?7y", "the literal filler",
-         [](const QByteArray &a) { return a.mid(Position(a, "XXXXXXXX") + 8).chopped(4); }},
         {"prx?x", "after =, less the trailer", Chunk("=", 0)},
         {"prx?z", "after =, less the trailer", Chunk("=", 0)},
         {"esr?", "the number after ;", [](const QByteArray &a) { return NumberAfter(a, ";"); }, {"kym"}},
@@ -171,6 +169,39 @@ TEST(AnswerStyle, OddAnswersYieldWhatThePlainOnesYieldByEveryReadingRule)
         ASSERT_TRUE(odd.endsWith(kDC1)) << what;
         EXPECT_EQ(odd.count(kDC1), 1) << what;
         EXPECT_EQ(c.read(odd), c.read(plain)) << what;
+    }
+}
+
+TEST(AnswerStyle, RecordPartsCutElsewhereJoinToTheSameRecord)
+{
+    // The odd style cuts a test record so that its last part is empty, and sends a specification's
+    // second and third parts without a ";" of their own in front. By the readers' rules (behind
+    // ":", behind the filler by position or as the literal) the record joins to the same text.
+    const auto joined = [](AnswerStyle style, int number, bool literalFiller) {
+        const bool specification = number <= 2;
+        QByteArray record;
+        for (const char part : {'x', 'y', 'z'}) {
+            const QByteArray answer =
+                AskIn(style, "prx?" + QByteArray::number(number) + part, {"specifications"});
+            QByteArray text = part == 'x'     ? Chunk(":", 0)(answer)
+                              : literalFiller ? answer.mid(Position(answer, "XXXXXXXX") + 8).chopped(4)
+                                              : Chunk(":", 8)(answer);
+            if (part != 'x' && specification && style == AnswerStyle::Plain) {
+                EXPECT_TRUE(text.startsWith(";;")) << text.constData();
+                text.remove(0, 1); // the plain style's ";" of its own
+            }
+            record += text;
+        }
+        return record;
+    };
+    for (const int number : {1, 2, 7, 16}) {
+        SCOPED_TRACE(number);
+        for (const bool literalFiller : {false, true})
+            EXPECT_EQ(joined(AnswerStyle::Odd, number, literalFiller),
+                      joined(AnswerStyle::Plain, number, literalFiller));
+        const QByteArray last =
+            AskIn(AnswerStyle::Odd, "prx?" + QByteArray::number(number) + "z", {"specifications"});
+        EXPECT_EQ(last.contains(';'), number <= 2) << last.constData();
     }
 }
 

@@ -113,6 +113,13 @@ TEST(RecordStore, ThePartsOfAnyTextJoinBackWhateverItsLength)
         }
         EXPECT_EQ(joined + "$FF", record) << length;
         EXPECT_LE(longest - shortest, 2) << length; // a third each
+        // The odd style's cut: the same text, the last part empty.
+        const bool emptyLast = true;
+        EXPECT_EQ(sim::RecordStore::Part(record, 0, emptyLast) +
+                      sim::RecordStore::Part(record, 1, emptyLast) + "$FF",
+                  record)
+            << length;
+        EXPECT_TRUE(sim::RecordStore::Part(record, 2, emptyLast).isEmpty()) << length;
     }
 }
 

@@ -237,6 +237,9 @@ TEST(LimitText, LimitsAreReadWithTheirSignUnitAndPrefix)
         {"<0.300" + kOhmText, '<', 0.3, "Ohm"},
         {">70.00M" + kOhmText, '>', 70e6, "Ohm"},
         {"<05.00mA", '<', 5e-3, "A"},
+        {"<10.00\xE6"
+         "A",
+         '<', 10e-6, "A"}, // the tester's micro sign
         {">1.50kV", '>', 1500, "V"},
         {"0120V", 0, 120, "V"},
         {" <0.5mA ", '<', 0.5e-3, "A"},

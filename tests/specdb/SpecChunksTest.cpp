@@ -4,6 +4,8 @@
 
 #include "link/Errors.h"
 
+#include <functional>
+
 #include <gtest/gtest.h>
 
 using namespace kalvo::specdb;
@@ -159,4 +161,55 @@ TEST(SetFiles, AnIncompleteRecordIsAFormatErrorNamingItsLine)
     EXPECT_EQ(FirstSetGroup("a1\r\na2\r\na3\r\na4\r\n", QStringLiteral("vier.set")),
               (SetGroup{"a1", "a2", "a3"}));
     EXPECT_THROW(FirstSetGroup("a1\r\na2\r\n", QStringLiteral("zwei.set")), kalvo::link::FormatError);
+    // Taking whole records, the lines behind them are counted, not an error.
+    int leftOver = 0;
+    EXPECT_EQ(WholeSetGroups("a1\r\na2\r\na3\r\na4\r\n", QStringLiteral("vier.set"), leftOver),
+              (QList<SetGroup>{{"a1", "a2", "a3"}}));
+    EXPECT_EQ(leftOver, 1);
+}
+
+TEST(SetFiles, AControlCharacterInARecordsLineIsAFormatErrorNamingTheLine)
+{
+    // It would go to the tester inside "prx!add " and shift or end what it stores.
+    for (const char control : {'\0', '\x11', '\x04', '\x07', '\x1B', '\x7F'}) {
+        SCOPED_TRACE(int(control));
+        const QByteArray text = "01 A; ;x\r\n;" + QByteArray(1, control) + ";\r\n;;\r\n";
+        int leftOver = 0;
+        for (const auto &parse : std::initializer_list<std::function<void()>>{
+                 [&] { ParseSetText(text, QStringLiteral("a.set")); },
+                 [&] { WholeSetGroups(text, QStringLiteral("a.set"), leftOver); },
+                 [&] { FirstSetGroup(text, QStringLiteral("a.set")); }}) {
+            try {
+                parse();
+                ADD_FAILURE() << "no error";
+            } catch (const kalvo::link::FormatError &error) {
+                EXPECT_TRUE(error.text().contains(QStringLiteral("a.set"))) << error.text().toStdString();
+                EXPECT_TRUE(error.text().contains(QStringLiteral("2"))) << error.text().toStdString();
+            }
+        }
+    }
+    EXPECT_EQ(ParseSetText("01 A; ;x\r\n;\xEA;\r\n;;\r\n", QStringLiteral("a.set")).size(), 1)
+        << "the ohm sign is no control character";
+}
+
+TEST(Chunks, TypedTextsBecomeTheTestersBytes)
+{
+    const struct {
+        QString typed;
+        QByteArray bytes;
+    } cases[] = {
+        {QStringLiteral("<10.00\u00B5A"), "<10.00\xE6"
+                                          "A"},
+        {QStringLiteral("<10.00\u03BCA"), "<10.00\xE6"
+                                          "A"}, // the Greek letter some keyboards give
+        {QStringLiteral(">2.000MOhm"), ">2.000M\xEA"},
+        {QStringLiteral("<0.300\u03A9"), "<0.300\xEA"},
+        {QStringLiteral("<0.300\u2126"), "<0.300\xEA"},
+        {QStringLiteral("Prüfung ÄÖÜäöüß"), "Pr\x81"
+                                            "fung \x8E\x99\x9A\x84\x94\x81\xE1"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(LimitFromText(c.typed), c.bytes) << c.typed.toStdString();
+    EXPECT_EQ(TesterText(QStringLiteral("DR. \u00B5-Labor")), "DR. \xE6-Labor");
+    EXPECT_EQ(TesterText(QStringLiteral("DR. \u03BC-Labor")), "DR. \xE6-Labor");
 }

@@ -1,6 +1,7 @@
 // The editor's choices and what they write into the record; records read back into the editor.
 #include "specdb/SpecEditor.h"
 #include "specdb/SpecDecoding.h"
+#include "specdb/SpecStore.h"
 
 #include "link/Errors.h"
 
@@ -170,7 +171,9 @@ TEST(Editor, ASpecificationReadBackFillsTheListsAndTheLimits)
     // Elements 6 "80" (MENUE), 8 "c1", 14 "07", 15 "03", 16 "05", 17 "1f", in lower case.
     const QByteArray codes =
         "0002" + QByteArray("00").repeated(4) + "8000c1" + QByteArray("00").repeated(5) + "0703051f0000";
-    editor.Decode(SpecificationFields(codes), 2);
+    BoxTexts limits;
+    limits[3] = ">2.000M\xEA";
+    EXPECT_TRUE(editor.Decode(SpecificationFields(codes), limits, 2));
     EXPECT_EQ(editor.regulationName(), QStringLiteral("MENUE"));
     EXPECT_EQ(editor.regulationEntry(), -1);
     EXPECT_EQ(editor.record().codes[8], "C1");
@@ -178,15 +181,37 @@ TEST(Editor, ASpecificationReadBackFillsTheListsAndTheLimits)
     EXPECT_EQ(editor.typeEntry(), 3);
     EXPECT_EQ(editor.appliedParts(), 5);
     EXPECT_EQ(editor.record().codes[17], "1F");
+    EXPECT_EQ(editor.switchCode(), "Menue");
     EXPECT_EQ(editor.record().codes[22], "AB") << "elements that never travel stay";
     EXPECT_EQ(editor.record().limits[3], ">2.000M\xEA");
     EXPECT_TRUE(editor.record().limits[7].isEmpty()) << "the record's empty box replaces the typed one";
 
-    // A tester that sends only the marker, the codes and the name leaves the boxes alone.
+    // Limits the store could not place are no guess: every box is empty, the codes are shown.
     editor.SetLimit(7, "0120V");
-    editor.Decode({"DATABASE", "0000000000001000000000000000050200000000", "01 X"}, 1);
+    EXPECT_FALSE(
+        editor.Decode({"DATABASE", "0000000000001000000000000000050200000000", "01 X"}, std::nullopt, 1));
     EXPECT_EQ(editor.regulationEntry(), 0);
-    EXPECT_EQ(editor.record().limits[7], "0120V");
+    EXPECT_EQ(editor.record().limits, BoxTexts{});
+}
+
+TEST(Editor, OpeningASpecificationSetsTheSwitchPositionFromElement19)
+{
+    const struct {
+        QByteArray element6;
+        QByteArray element19;
+        QByteArray switchCode;
+    } cases[] = {
+        {"10", "05", "05"}, {"50", "01", "01"},    {"70", "02", "02"}, {"90", "20", "20"},
+        {"D0", "00", "00"}, {"80", "00", "Menue"}, {"20", "7F", "00"},
+    };
+    for (const auto &c : cases) {
+        SpecEditor editor;
+        editor.ChooseSwitch("05");
+        const QByteArray codes = "000000000000" + c.element6 + QByteArray(24, '0') + c.element19;
+        editor.Decode(SpecificationFields(codes), BoxTexts{}, 3);
+        EXPECT_EQ(editor.switchCode(), c.switchCode)
+            << c.element6.constData() << ' ' << c.element19.constData();
+    }
 }
 
 TEST(Editor, ABrokenCodeStringChangesNothing)
@@ -195,7 +220,7 @@ TEST(Editor, ABrokenCodeStringChangesNothing)
     editor.ChooseRegulation(1);
     const SpecRecord before = editor.record();
     for (const QByteArray &codes : {QByteArray("10000000"), QByteArray(40, 'X'), QByteArray()}) {
-        EXPECT_THROW(editor.Decode(SpecificationFields(codes), 4), kalvo::link::FormatError);
+        EXPECT_THROW(editor.Decode(SpecificationFields(codes), BoxTexts{}, 4), kalvo::link::FormatError);
         EXPECT_EQ(editor.record().codes, before.codes);
         EXPECT_EQ(editor.regulationEntry(), 1);
     }
@@ -206,14 +231,21 @@ TEST(Editor, AStoredRecordDecodesAsItWasSent)
     SpecEditor editor;
     editor.ChooseRegulation(2);
     editor.ChooseType(3);
+    editor.ChooseSwitch("20");
+    editor.record().codes[19] = "20";
     editor.SetLimit(12, "<0.100mA");
-    const QList<QByteArray> fields = StoredFields(editor.record(), "07 Neu");
-    EXPECT_EQ(fields.size(), LimitField(kLimitBoxes) + 1);
-    EXPECT_EQ(fields[2], "07 Neu");
+    SpecStore store;
+    store.AppendStored(editor.record(), "07 Neu");
+    ASSERT_EQ(store.count(), 1);
+    EXPECT_EQ(store.entries, QStringList{QStringLiteral("1: 07 Neu")});
+    EXPECT_EQ(store.records[0].size(), LimitField(kLimitBoxes) + 1);
+    EXPECT_EQ(store.records[0][2], "07 Neu");
+    EXPECT_TRUE(store.IsSpecification(1));
     SpecEditor other;
-    other.Decode(fields, 7);
+    EXPECT_TRUE(other.Decode(store.records[0], store.limits[0], 1));
     for (int k = 0; k < kSentCodes; ++k)
         EXPECT_EQ(other.record().codes[static_cast<size_t>(k)],
                   editor.record().codes[static_cast<size_t>(k)]);
     EXPECT_EQ(other.record().limits, editor.record().limits);
+    EXPECT_EQ(other.switchCode(), "20");
 }

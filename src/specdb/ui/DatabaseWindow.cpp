@@ -150,15 +150,16 @@ void DatabaseWindow::StoreInTester()
                                                   state](link::Link &link, link::Prompter &prompter) mutable {
         const UploadResult result =
             StoreEditorRecord(link, prompter, m_texts, record, state, looser, QDateTime::currentDateTime());
+        // A record begun and not finished may be in the store, or was just deleted from it.
+        if (result.storeChanged)
+            ReadAgain(this, link, prompter);
         OnWindow([this, result, record] {
             for (qsizetype i = 0; i < result.replacedCodes.size(); ++i)
                 QApplication::beep();
             if (result.status != UploadStatus::Stored)
                 return;
             m_editor->editor().record().codes = record.codes;
-            const int number = m_store.count() + 1;
-            m_store.records << StoredFields(record, result.label);
-            m_store.entries << QStringLiteral("%1: %2").arg(number).arg(QString::fromLatin1(result.label));
+            m_store.AppendStored(record, result.label);
             m_list->addItem(m_store.entries.last());
             emit listed();
         });
@@ -220,7 +221,7 @@ void DatabaseWindow::EntryClicked(int row)
     // The number in front of ":" names the record; the list may hold fewer entries than the store.
     const int number = m_list->item(row)->text().section(QLatin1Char(':'), 0, 0).toInt();
     if (m_store.IsSpecification(number))
-        m_editor->Decode(m_store.records[number - 1], number);
+        m_editor->Decode(m_store.records[number - 1], m_store.limits.value(number - 1), number);
     else if (number >= 1)
         emit testRecordChosen(number);
 }

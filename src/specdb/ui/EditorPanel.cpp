@@ -175,16 +175,20 @@ void EditorPanel::LimitEdited(int box)
     edit->setFocus();
 }
 
-bool EditorPanel::Decode(const QList<QByteArray> &fields, int number)
+bool EditorPanel::Decode(const QList<QByteArray> &fields, const std::optional<BoxTexts> &limits, int number)
 {
+    bool limitsRead = false;
     try {
-        m_editor.Decode(fields, number);
+        limitsRead = m_editor.Decode(fields, limits, number);
     } catch (const link::FormatError &error) {
         gui::GuiPrompter(this, window()->windowTitle())
             .message(error.message(), link::Prompter::Icon::Warning);
         return false;
     }
     Refresh();
+    if (!limitsRead)
+        gui::GuiPrompter(this, window()->windowTitle())
+            .message(LimitsNotReadText(number), link::Prompter::Icon::Warning);
     return true;
 }
 

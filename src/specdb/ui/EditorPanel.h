@@ -24,8 +24,9 @@ public:
     const RegulationRules &rules() const { return m_rules; }
     // The single-fault frame is open: nothing is stored until it is closed with SFCOK.
     bool singleFaultsOpen() const;
-    // A record read back from the store; false after saying why when it cannot be read.
-    bool Decode(const QList<QByteArray> &fields, int number);
+    // A record read back from the store (its fields and placed limits); false after saying why
+    // when it cannot be read. Limits that could not be placed are said to be unread, the codes shown.
+    bool Decode(const QList<QByteArray> &fields, const std::optional<BoxTexts> &limits, int number);
     // Shows what the editor holds.
     void Refresh();
 
