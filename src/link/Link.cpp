@@ -1,12 +1,11 @@
 // One command out, one answer in: framing, time-outs, refusals and the development trace.
 #include "Link.h"
 
-#include <QScopeGuard>
-
 #include "Errors.h"
 
 #include <QDir>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QStringList>
 
 namespace kalvo::link {
