@@ -48,7 +48,7 @@ ConnectionState ConnectTester(Link &link, const QString &portName, bool developm
     ConnectionState state;
     if (developmentTerminal)
         return state;
-    for (const QByteArray command : {QByteArray("mes!0"), QByteArray("kal!aus")}) {
+    for (const QByteArray &command : {QByteArray("mes!0"), QByteArray("kal!aus")}) {
         const QByteArray answer = link.Exchange(command);
         if (!answer.contains(".Y") || answer.contains(".N"))
             state.unconfirmed << command;
