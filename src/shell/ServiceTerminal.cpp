@@ -7,9 +7,47 @@
 #include "link/TextRules.h"
 
 #include <QFile>
+#include <QList>
 #include <QSaveFile>
 
 namespace kalvo::shell {
+
+namespace {
+
+// A script's lines: each ends at CR, LF or CR LF, whichever editor wrote it; a line end at the very
+// end opens no further line.
+QList<QByteArray> ScriptLines(const QByteArray &bytes)
+{
+    QList<QByteArray> lines;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        if (bytes[i] != '\r' && bytes[i] != '\n')
+            continue;
+        lines << bytes.mid(start, i - start);
+        if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n')
+            ++i;
+        start = i + 1;
+    }
+    if (start < bytes.size())
+        lines << bytes.mid(start);
+    return lines;
+}
+
+QByteArray ReadScript(const QString &scriptPath)
+{
+    QFile script(scriptPath);
+    if (!script.open(QIODevice::ReadOnly))
+        throw link::FormatError(scriptPath, 0,
+                                QStringLiteral("eine lesbare Ablaufdatei (%1)").arg(script.errorString()));
+    // One byte beyond the limit tells a file that is too large from one that just fits.
+    QByteArray bytes = script.read(kMaxScriptBytes + 1);
+    if (bytes.size() > kMaxScriptBytes)
+        throw link::FormatError(
+            scriptPath, 0, QStringLiteral("eine Ablaufdatei von höchstens %1 Bytes").arg(kMaxScriptBytes));
+    return bytes;
+}
+
+} // namespace
 
 QByteArray SendTerminalCommand(link::Link &link, const QString &command)
 {
@@ -20,20 +58,14 @@ QByteArray SendTerminalCommand(link::Link &link, const QString &command)
 int RunCommandScript(link::Link &link, const QString &scriptPath, const QString &resultPath,
                      const std::function<void(const QString &)> &showLine)
 {
-    QFile script(scriptPath);
-    if (!script.open(QIODevice::ReadOnly))
-        throw link::FormatError(scriptPath, 0,
-                                QStringLiteral("eine lesbare Ablaufdatei (%1)").arg(script.errorString()));
+    const QList<QByteArray> lines = ScriptLines(ReadScript(scriptPath));
     QSaveFile result(resultPath);
     if (!result.open(QIODevice::WriteOnly))
         throw link::FormatError(resultPath, 0,
                                 QStringLiteral("eine schreibbare Datei (%1)").arg(result.errorString()));
 
     int count = 0;
-    while (!script.atEnd()) {
-        QByteArray line = script.readLine();
-        while (line.endsWith('\n') || line.endsWith('\r'))
-            line.chop(1);
+    for (const QByteArray &line : lines) {
         const qsizetype comment = line.indexOf(';');
         if (comment >= 0)
             result.write(line.mid(comment) + "\r\n");

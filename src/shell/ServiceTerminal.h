@@ -20,7 +20,12 @@ inline const QString kTraceFileName = QStringLiteral("test.log");
 // development trace break its lines behind each record end.
 QByteArray SendTerminalCommand(link::Link &link, const QString &command);
 
-// Runs a command script: every line is sent as it stands (a comment behind ";" included);
+// The largest command script taken: a real one is a few hundred lines, and each line is one
+// exchange of its own.
+constexpr qint64 kMaxScriptBytes = 1024 * 1024;
+
+// Runs a command script: every line (ended by CR, LF or CR LF) is sent as it stands, a comment
+// behind ";" included, and its answer awaited before the next goes out;
 // comments and answers holding "Wertx=" go to `resultPath`, which is replaced only when the
 // whole run succeeds. `showLine` gets each script line as it is sent. Returns the lines run.
 int RunCommandScript(link::Link &link, const QString &scriptPath, const QString &resultPath,

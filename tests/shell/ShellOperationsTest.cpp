@@ -188,6 +188,38 @@ TEST(ServiceTerminal, ScriptSendsLinesWholeAndKeepsCommentsAndReadings)
     EXPECT_EQ(ReadFile(result).count("var?D3"), 0);
 }
 
+TEST(ServiceTerminal, ScriptLinesEndAtCrLfOrBothAndEachWaitsForItsAnswer)
+{
+    const struct {
+        const char *name;
+        QByteArray file;
+        QList<QByteArray> lines;
+    } cases[] = {
+        {"CR only", "mes!0\rwer?WC;pe\rvar?D3", {"mes!0", "wer?WC;pe", "var?D3"}},
+        {"LF only", "mes!0\nwer?WC;pe\n", {"mes!0", "wer?WC;pe"}},
+        {"CR LF", "mes!0\r\nwer?WC;pe\r\n", {"mes!0", "wer?WC;pe"}},
+        {"mixed, an empty line kept", "mes!0\r\rwer?WC;pe\nvar?D3\r\n", {"mes!0", "", "wer?WC;pe", "var?D3"}},
+        {"empty file", "", {}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        QTemporaryDir dir;
+        const QString script = dir.filePath(QStringLiteral("beispiel.abl"));
+        const QString result = dir.filePath(QStringLiteral("beispiel.txt"));
+        kalvo::testing::WriteFile(script, c.file);
+        kalvo::testing::ScriptedLink s;
+        // Each answer comes in pieces; the next line may only go out once its DC1 is in.
+        for (const QByteArray &line : c.lines)
+            s.transport.Expect(line + "\r").ReplyByteByByte(line.toUpper() + " Wertx= 1.Y\n\x11");
+        QStringList shown;
+        EXPECT_EQ(shell::RunCommandScript(s.link, script, result, [&](const QString &l) { shown << l; }),
+                  c.lines.size());
+        EXPECT_TRUE(s.transport.allExpectationsMet());
+        EXPECT_EQ(shown.size(), c.lines.size());
+        EXPECT_EQ(ReadFile(result).count("Wertx="), c.lines.size());
+    }
+}
+
 TEST(ServiceTerminal, AScriptThatStopsHalfWayLeavesTheOldResultAlone)
 {
     QTemporaryDir dir;
