@@ -235,6 +235,11 @@ TEST(ExtractPrintText, TextBetweenEnqAndFormFeedWithControlCharactersSorted)
          "A\x07\x11\x09\xff"
          "B\x0c",
          QStringLiteral("AB")},
+        {"codes 21 to 31 dropped",
+         "\x05"
+         "A\x15\x16\x17\x18\x19\x1a\x1c\x1d\x1e\x1f"
+         "B\x0c",
+         QStringLiteral("AB")},
         {"box drawing and tester characters",
          "\x05\xda\xc4\xbf\r\n\xb3"
          "5M\xea\xb3\x0c",
