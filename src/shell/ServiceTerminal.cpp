@@ -51,7 +51,6 @@ QByteArray ReadScript(const QString &scriptPath)
 
 QByteArray SendTerminalCommand(link::Link &link, const QString &command)
 {
-    link.setTraceRecordEnds(command == QLatin1String("wer?"));
     return link.Exchange(link::EncodeTesterText(command));
 }
 

@@ -16,8 +16,7 @@ inline const QString kScriptFileName = QStringLiteral("beispiel.abl");
 inline const QString kScriptResultFileName = QStringLiteral("beispiel.txt");
 inline const QString kTraceFileName = QStringLiteral("test.log");
 
-// Sends one typed command and returns the answer as received. Typing exactly "wer?" makes the
-// development trace break its lines behind each record end.
+// Sends one typed command and returns the answer as received.
 QByteArray SendTerminalCommand(link::Link &link, const QString &command);
 
 // The largest command script taken: a real one is a few hundred lines, and each line is one

@@ -255,7 +255,7 @@ TEST(ServiceTerminal, HelpTextsStepWithKeyOneBetweenThemAndStopReturnsToTheStart
               (QList<QByteArray>{"brk!H 1\r", "tas!1\r", "tas!1\r", "brk!H 2\r", "tas!1\r", "sst!0\r"}));
 }
 
-TEST(ServiceTerminal, DirectPrintingAndTheWerFlag)
+TEST(ServiceTerminal, DirectPrintingAndTheTrace)
 {
     kalvo::testing::SimBench s;
     shell::SetDirectPrinting(s.link, true);
@@ -265,7 +265,6 @@ TEST(ServiceTerminal, DirectPrintingAndTheWerFlag)
     QTemporaryDir dir;
     const QString trace = dir.filePath(QStringLiteral("test.log"));
     s.link.StartTrace(trace);
-    shell::SendTerminalCommand(s.link, QStringLiteral("wer?"));
     shell::SendTerminalCommand(s.link, QStringLiteral("wer?WC"));
     EXPECT_FALSE(s.link.tracing() && ReadFile(trace).isEmpty());
     // Taking the trace empties the file and the trace goes on.
@@ -273,6 +272,21 @@ TEST(ServiceTerminal, DirectPrintingAndTheWerFlag)
     EXPECT_TRUE(taken.contains("wer?WC Wertx="));
     EXPECT_TRUE(s.link.tracing());
     EXPECT_EQ(ReadFile(trace), QByteArray());
+}
+
+TEST(ServiceTerminal, ATypedWerPutsIntoTheTraceOnlyWhatTheTesterSent)
+{
+    QTemporaryDir dir;
+    const QString trace = dir.filePath(QStringLiteral("test.log"));
+    // An accessory's records back to back, each closed by "$FF", in pieces.
+    const QByteArray records = "K1\x13"
+                               "0.5$FFK2\x13"
+                               "1.0$FF\n\x11";
+    kalvo::testing::ScriptedLink s;
+    s.link.StartTrace(trace);
+    s.transport.Expect("wer?\r").ReplyByteByByte(records);
+    EXPECT_EQ(shell::SendTerminalCommand(s.link, QStringLiteral("wer?")), records);
+    EXPECT_EQ(shell::TakeTrace(s.link, trace), records);
 }
 
 TEST(ServiceTerminal, TraceViewsAsTextAndAsDecimalCodes)
