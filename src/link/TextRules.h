@@ -18,6 +18,9 @@ QString ConvertDisplayChar(unsigned char c);
 QString ConvertDisplayText(const QByteArray &bytes);
 // Tester print text (code page 437) to display text, box-drawing characters kept.
 QString DecodeTesterText(const QByteArray &bytes);
+// Text of a file written on the PC (a command script, a language file): UTF-8 when the bytes are
+// valid UTF-8, else Windows-1252.
+QString DecodePcText(const QByteArray &bytes);
 // Text typed on the PC in the tester's character set; what it cannot hold becomes "?".
 QByteArray EncodeTesterText(const QString &text);
 

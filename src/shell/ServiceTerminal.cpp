@@ -68,9 +68,11 @@ int RunCommandScript(link::Link &link, const QString &scriptPath, const QString 
         const qsizetype comment = line.indexOf(';');
         if (comment >= 0)
             result.write(line.mid(comment) + "\r\n");
+        // The script is a file of the PC: its "ü" goes out as the tester's, as a typed one does.
+        const QString text = link::DecodePcText(line);
         if (showLine)
-            showLine(link::DecodeTesterText(line));
-        const QByteArray answer = link.Exchange(line);
+            showLine(text);
+        const QByteArray answer = SendTerminalCommand(link, text);
         if (answer.contains("Wertx="))
             result.write(answer + "\r\n");
         ++count;

@@ -200,6 +200,13 @@ TEST(ServiceTerminal, ScriptLinesEndAtCrLfOrBothAndEachWaitsForItsAnswer)
         {"CR LF", "mes!0\r\nwer?WC;pe\r\n", {"mes!0", "wer?WC;pe"}},
         {"mixed, an empty line kept", "mes!0\r\rwer?WC;pe\nvar?D3\r\n", {"mes!0", "", "wer?WC;pe", "var?D3"}},
         {"empty file", "", {}},
+        // An "ü" goes out as the tester's byte, whether the script was saved as UTF-8 or Windows text.
+        {"UTF-8", "str!121,M\xc3\xbcller\r\n", {"str!121,M\x81ller"}},
+        {"Windows text",
+         "str!121,M\xfcller;\xb5"
+         "A\r",
+         {"str!121,M\x81ller;\xe6"
+          "A"}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
