@@ -51,7 +51,15 @@ QByteArray ReadScript(const QString &scriptPath)
 
 QByteArray SendTerminalCommand(link::Link &link, const QString &command)
 {
-    return link.Exchange(link::EncodeTesterText(command));
+    // Pasted or given text may hold several lines: each is a command of its own, sent once the
+    // answer to the one before is in.
+    QList<QByteArray> lines = ScriptLines(link::EncodeTesterText(command));
+    if (lines.isEmpty())
+        lines << QByteArray(); // a lone CR, as an empty command line sends
+    QByteArray answers;
+    for (const QByteArray &line : std::as_const(lines))
+        answers += link.Exchange(line);
+    return answers;
 }
 
 int RunCommandScript(link::Link &link, const QString &scriptPath, const QString &resultPath,

@@ -16,8 +16,9 @@ inline const QString kScriptFileName = QStringLiteral("beispiel.abl");
 inline const QString kScriptResultFileName = QStringLiteral("beispiel.txt");
 inline const QString kTraceFileName = QStringLiteral("test.log");
 
-// Sends one typed command in the tester's character set ("ü" as its byte 129) and returns the
-// answer as received.
+// Sends a typed command in the tester's character set ("ü" as its byte 129) and returns the
+// answer as received; text of several lines (CR, LF or CR LF) is sent a line at a time, each after
+// the answer to the one before, and the answers are returned one after the other.
 QByteArray SendTerminalCommand(link::Link &link, const QString &command);
 
 // The largest command script taken: a real one is a few hundred lines, and each line is one

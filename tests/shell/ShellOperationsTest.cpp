@@ -227,6 +227,30 @@ TEST(ServiceTerminal, ScriptLinesEndAtCrLfOrBothAndEachWaitsForItsAnswer)
     }
 }
 
+TEST(ServiceTerminal, TypedTextOfSeveralLinesGoesOutALineAtATime)
+{
+    const struct {
+        QString typed;
+        QList<QByteArray> lines;
+    } cases[] = {
+        {QStringLiteral("dis?\rver?"), {"dis?", "ver?"}},
+        {QStringLiteral("dis?\r\nver?\n"), {"dis?", "ver?"}},
+        {QString(), {""}}, // an empty command line is a lone CR
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.typed.toStdString());
+        kalvo::testing::ScriptedLink s;
+        QByteArray answers;
+        for (const QByteArray &line : c.lines) {
+            const QByteArray answer = line.toUpper() + ".Y\n\x11";
+            s.transport.Expect(line + "\r").ReplyByteByByte(answer);
+            answers += answer;
+        }
+        EXPECT_EQ(shell::SendTerminalCommand(s.link, c.typed), answers);
+        EXPECT_TRUE(s.transport.allExpectationsMet());
+    }
+}
+
 TEST(ServiceTerminal, AScriptThatStopsHalfWayLeavesTheOldResultAlone)
 {
     QTemporaryDir dir;
