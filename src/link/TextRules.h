@@ -57,6 +57,11 @@ std::optional<qint64> WholeNumber(const QByteArray &text, qint64 minimum, qint64
 // number" from "a number out of range".
 bool HasLeadingNumber(const QByteArray &text);
 
+// `bytes` cut into lines at CR LF, LF or a lone CR, without their line ends. Text after the last
+// line end is a line of its own; a line end at the very end starts no further line, so "a\r\n"
+// is one line and "" none.
+QList<QByteArray> SplitLines(const QByteArray &bytes);
+
 // `answer` split at ";" into fields, each without control characters.
 QList<QByteArray> SplitFields(const QByteArray &answer);
 

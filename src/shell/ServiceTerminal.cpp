@@ -14,25 +14,6 @@ namespace kalvo::shell {
 
 namespace {
 
-// A script's lines: each ends at CR, LF or CR LF, whichever editor wrote it; a line end at the very
-// end opens no further line.
-QList<QByteArray> ScriptLines(const QByteArray &bytes)
-{
-    QList<QByteArray> lines;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i < bytes.size(); ++i) {
-        if (bytes[i] != '\r' && bytes[i] != '\n')
-            continue;
-        lines << bytes.mid(start, i - start);
-        if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n')
-            ++i;
-        start = i + 1;
-    }
-    if (start < bytes.size())
-        lines << bytes.mid(start);
-    return lines;
-}
-
 QByteArray ReadScript(const QString &scriptPath)
 {
     QFile script(scriptPath);
@@ -53,7 +34,7 @@ QByteArray SendTerminalCommand(link::Link &link, const QString &command)
 {
     // Pasted or given text may hold several lines: each is a command of its own, sent once the
     // answer to the one before is in.
-    QList<QByteArray> lines = ScriptLines(link::EncodeTesterText(command));
+    QList<QByteArray> lines = link::SplitLines(link::EncodeTesterText(command));
     if (lines.isEmpty())
         lines << QByteArray(); // a lone CR, as an empty command line sends
     QByteArray answers;
@@ -65,7 +46,7 @@ QByteArray SendTerminalCommand(link::Link &link, const QString &command)
 int RunCommandScript(link::Link &link, const QString &scriptPath, const QString &resultPath,
                      const std::function<void(const QString &)> &showLine)
 {
-    const QList<QByteArray> lines = ScriptLines(ReadScript(scriptPath));
+    const QList<QByteArray> lines = link::SplitLines(ReadScript(scriptPath));
     QSaveFile result(resultPath);
     if (!result.open(QIODevice::WriteOnly))
         throw link::FormatError(resultPath, 0,

@@ -3,6 +3,7 @@
 
 #include "FileBytes.h"
 #include "link/Errors.h"
+#include "link/TextRules.h"
 
 #include <QDir>
 #include <QFile>
@@ -72,7 +73,7 @@ QList<QByteArray> ReadTemplateLines(const QString &path)
                                 QStringLiteral("eine Vorlage von höchstens %1 Bytes, nicht %2 Bytes")
                                     .arg(kMaxTemplateFileBytes)
                                     .arg(file.size()));
-    return SplitLines(file.read(kMaxTemplateFileBytes));
+    return link::SplitLines(file.read(kMaxTemplateFileBytes));
 }
 
 PFileBuild BuildPFile(const QList<QByteArray> &lines, int slot)
