@@ -79,10 +79,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (size == 0)
         return 0;
     fuzz::FuzzDevice device(fuzz::InputBytes(data + 1, size - 1));
-    if (data[0] & kTraceBit) {
+    if (data[0] & kTraceBit)
         device.link.StartTrace(QDir(fuzz::ScratchFolder()).filePath(QStringLiteral("trace.log")));
-        device.link.setTraceRecordEnds(true);
-    }
     const int scenario = (data[0] & ~kTraceBit) % kScenarios;
     // Each round either takes bytes from the script or ends in a time-out that closes the port.
     while (device.link.IsOpen() && !device.transport.exhausted()) {

@@ -105,8 +105,15 @@ std::optional<QByteArray> Rewrite(const QByteArray &line, const QByteArray &payl
         QByteArray dates = payload;
         return echo + dates.replace('.', '/') + "\r\n" + kDC1;
     }
-    if (lower == "idn?")
-        return echo + payload + kDC1;
+    if (lower == "idn?") {
+        // The device type names its regulation, so a " V" stands in front of the firmware's own;
+        // no CR LF.
+        QByteArray fields = payload;
+        const qsizetype typeEnd = fields.indexOf(';', 1);
+        if (fields.startsWith(";Kalvomer") && typeEnd > 0)
+            fields.insert(typeEnd, " VDE 0701");
+        return echo + fields + kDC1;
+    }
     if (lower.startsWith("var?") || lower.startsWith("bit?")) {
         const auto value = RegisterValue(payload);
         return value ? std::optional(echo + *value) : std::nullopt;

@@ -36,9 +36,15 @@ CliContext::CliContext(const CliOptions &options)
     const shell::Settings settings = shell::ReadSettings();
     for (const QString &warning : settings.warnings)
         m_prompter.message(warning, link::Prompter::Icon::Warning);
-    const QString language = !options.language.isEmpty()
-                                 ? options.language
-                                 : settings.language.value_or(QStringLiteral("deutsch"));
+    UseLanguage(!options.language.isEmpty() ? options.language
+                                            : settings.language.value_or(QStringLiteral("deutsch")));
+    m_link->setTimeout(link::FromSeconds(options.timeoutSeconds));
+    if (!options.traceFile.isEmpty())
+        m_link->StartTrace(options.traceFile);
+}
+
+void CliContext::UseLanguage(const QString &language)
+{
     QString error;
     try {
         const QString file = QDir(QCoreApplication::applicationDirPath()).filePath(link::kLanguageFileName);
@@ -49,9 +55,14 @@ CliContext::CliContext(const CliOptions &options)
     }
     m_link->setPortNotOpenText(m_texts.text(link::TxtPortNotOpen));
     m_link->setProtocolErrorText(m_texts.text(link::TxtProtocolError));
-    m_link->setTimeout(link::FromSeconds(options.timeoutSeconds));
-    if (!options.traceFile.isEmpty())
-        m_link->StartTrace(options.traceFile);
+}
+
+void CliContext::TesterIdentified(const link::TesterIdentity &identity)
+{
+    // As in the window, the tester's display language becomes the program's; a language asked
+    // for on the command line stays, since a script that reads the messages relies on it.
+    if (m_options.language.isEmpty() && identity.language.name != m_texts.language())
+        UseLanguage(identity.language.name);
 }
 
 CliContext::~CliContext()

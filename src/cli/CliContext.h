@@ -5,6 +5,7 @@
 #include "CliPrompter.h"
 #include "archive/ArchiveLocation.h"
 #include "archive/ArchiveTypes.h"
+#include "link/Identification.h"
 #include "link/LanguageTable.h"
 #include "link/Link.h"
 #include "link/Transport.h"
@@ -29,6 +30,9 @@ public:
     QTextStream &out() { return m_out; }
     // The program's texts: --lang, else line 2 of Q417.ini, else German.
     const link::LanguageTable &texts() const { return m_texts; }
+    // After an identification: the tester's display language becomes the program's, unless --lang
+    // chose one.
+    void TesterIdentified(const link::TesterIdentity &identity);
     // Opens the port without waking the tester (for commands that talk to it directly).
     void OpenPort();
     // The port to use: --port, else line 0 of Q417.ini, else "COM 1"; the simulator with --simulate.
@@ -43,6 +47,10 @@ public:
     bool KeepInArchive(const QList<QByteArray> &records, const archive::RecordSource &source);
 
 private:
+    // The texts of `language` from the language file beside the program; a fault is told and the
+    // texts stay.
+    void UseLanguage(const QString &language);
+
     CliOptions m_options;
     CliPrompter m_prompter;
     QTextStream m_out;

@@ -147,6 +147,7 @@ int Cal(CliContext &context, QStringList words)
         QString path = words.value(1);
         if (path.isEmpty()) {
             const link::TesterIdentity id = link::IdentifyTester(context.link(), {});
+            context.TesterIdentified(id);
             path = config::DefaultBackupName(id.shortDesignation);
         }
         config::BackupCalibration(context.link(), context.prompter(), path, show);

@@ -4,6 +4,7 @@
 
 #include "link/Identification.h"
 #include "link/TextRules.h"
+#include "shell/ServiceTerminal.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -30,6 +31,7 @@ int Identify(CliContext &context, const QStringList &words)
     link::Link &link = context.link();
     const link::ConnectionState state = link::ConnectTester(link, context.portName());
     const link::TesterIdentity id = link::IdentifyTester(link, {updateDir, link::SystemDateOrder()});
+    context.TesterIdentified(id);
 
     static const char *const kParts[link::kVersionParts] = {"system", "configuration", "pictures", "help",
                                                             "sequences"};
@@ -67,7 +69,7 @@ int Send(CliContext &context, const QStringList &words)
     link::Link &link = context.link();
     context.OpenPort();
     for (const QString &command : words) {
-        const QByteArray answer = link.Exchange(command.toLatin1());
+        const QByteArray answer = shell::SendTerminalCommand(link, command);
         context.out() << link::EscapeBytes(answer) << Qt::endl;
     }
     return context.prompter().failureShown() ? kExitFailed : kExitDone;

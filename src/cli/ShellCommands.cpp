@@ -37,7 +37,8 @@ int Name(CliContext &context, const QStringList &words)
     // The window's sequence: identify, then name; the name shown last is the one the tester holds.
     const shell::Naming naming = shell::NameTester(
         context.link(), context.prompter(), context.texts(), {QString(), link::SystemDateOrder()},
-        words.first(), [&out](const link::TesterIdentity &identity) {
+        words.first(), [&context, &out](const link::TesterIdentity &identity) {
+            context.TesterIdentified(identity);
             out << "before: " << link::DecodeTesterText(identity.shortDesignation) << '\n';
         });
     if (naming.result == shell::NamingResult::TooLong)

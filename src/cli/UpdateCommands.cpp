@@ -91,6 +91,8 @@ int Update(CliContext &context, const QStringList &words)
     } else {
         throw UsageError{QStringLiteral("file PATH | package DIR --lang ge|gb|fr|it|nl|es|ts|pl")};
     }
+    if (outcome.identity)
+        context.TesterIdentified(*outcome.identity);
     PrintOutcome(context.out(), outcome);
     return outcome.Complete() ? kExitDone : kExitFailed;
 }

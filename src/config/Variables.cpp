@@ -85,10 +85,14 @@ ConfigurationDump DumpConfiguration(link::Link &link, const QStringList &blockEn
     link::BinaryGroups groups;
     for (int i = 1; i <= ConfigurationDump::kRegisters; ++i) {
         const QByteArray address = QByteArray::number(207 + i, 16).toUpper();
-        const QByteArray value = ReadValue(link, "var?" + address).value;
-        dump.values << value;
-        dump.lines << QString::fromLatin1(address) + QStringLiteral(": ==") + QString::fromLatin1(value) +
-                          QLatin1Char(' ') + link::HexToBinary(value, groups) + blockEntries.value(i - 1);
+        const VariableReading reading = ReadValue(link, "var?" + address);
+        dump.values << reading.value;
+        // The dump shows what the tester sent, " 1" or "a5" as they stand, and their bits by the
+        // digit table: a character that is no upper-case digit leaves its group as the line before
+        // left it, so a technician sees the answer's form rather than a tidied value.
+        const QByteArray raw = ValueAfterEquals(reading.answer);
+        dump.lines << QString::fromLatin1(address) + QStringLiteral(": ==") + link::DecodeTesterText(raw) +
+                          QLatin1Char(' ') + link::HexToBinary(raw, groups) + blockEntries.value(i - 1);
         if (onLine)
             onLine(dump.lines.constLast());
         if (progress)

@@ -40,9 +40,9 @@ VariableReading ReadVariable(link::Link &link, const QString &entry);
 
 struct ConfigurationDump {
     static constexpr int kRegisters = 48; // D0..FF
-    QList<QByteArray> values;             // value i-1 belongs to D0 + i-1
-    QStringList lines;                    // address, ": ", "==", value, " ", binary, block entry i
-    QString Text() const;                 // the lines, each ended by CR LF
+    QList<QByteArray> values;             // value i-1 belongs to D0 + i-1, as two upper-case digits
+    QStringList lines;    // address, ": ", "==", the two characters after "=", " ", their bits, block entry i
+    QString Text() const; // the lines, each ended by CR LF
 };
 // "var?D0" to "var?FF", whatever the symbol file defines; `blockEntries` label the lines in order.
 // An answer that holds no value ends the dump with a link::FormatError naming its command. Each

@@ -100,6 +100,23 @@ std::optional<double> FirmwareVersionNumber(const QByteArray &text)
            static_cast<double>(*minor) / std::pow(10.0, static_cast<double>(minorDigits.size()));
 }
 
+std::optional<FirmwareField> FirmwareInIdentity(const QList<QByteArray> &fields)
+{
+    // The firmware stands last, behind fields that may hold a " V" of their own (a device type
+    // "Kalvomer VDE 0701", a name "LAB V 2"): the search starts at the end.
+    std::optional<FirmwareField> unreadable;
+    for (qsizetype field = fields.size() - 1; field >= 0; --field) {
+        const QByteArray &text = fields[field];
+        for (qsizetype v = text.indexOf(" V"); v >= 0; v = text.indexOf(" V", v + 1)) {
+            if (const auto version = FirmwareVersionNumber(text.mid(v + 3)))
+                return FirmwareField{static_cast<int>(field), *version};
+            if (!unreadable)
+                unreadable = FirmwareField{static_cast<int>(field), 0};
+        }
+    }
+    return unreadable;
+}
+
 QByteArray TesterIdentity::VersionText() const
 {
     const QByteArray firmware = firmwareField.trimmed();
@@ -163,6 +180,12 @@ TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options)
     if (!link.IsOpen())
         return id;
 
+    // The tries are for answers without a usable ".Y"; a refusal stays one even when a later try
+    // is answered, and nothing that rests on the identification may go on after it.
+    const RefusalWatch watch(link);
+    const auto failed = [&link] {
+        return ProtocolError(link.protocolErrorNumber(), link.protocolErrorText());
+    };
     QByteArray display;
     qsizetype yes = 0;
     for (int attempt = 0; attempt < kDisplayTries; ++attempt) {
@@ -171,8 +194,8 @@ TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options)
         if (yes > 2)
             break;
     }
-    if (yes < 2)
-        throw ProtocolError(link.protocolErrorNumber(), link.protocolErrorText());
+    if (yes < 2 || watch.refused())
+        throw failed();
     const auto code = LanguageCodeFromAnswer(display);
     if (!code)
         throw FormatError::ForAnswer("dis?", display,
@@ -195,18 +218,12 @@ TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options)
 
     id.identityFields = AnswerFields(link, "idn?", id.identityAnswer);
     id.accessoryIdentity = StripControlChars(id.identityAnswer);
-    for (const QByteArray &field : std::as_const(id.identityFields)) {
-        const qsizetype v = field.indexOf(" V");
-        if (v < 0)
-            continue;
-        const auto version = FirmwareVersionNumber(field.mid(v + 3));
-        if (!version)
-            throw FormatError::ForAnswer("idn?", id.identityAnswer,
-                                         QStringLiteral("eine Versionsnummer hinter \" V\""));
-        id.firmwareField = field;
-        id.firmwareVersion = *version;
-        break;
+    if (const auto firmware = FirmwareInIdentity(id.identityFields)) {
+        id.firmwareField = id.identityFields[firmware->field];
+        id.firmwareVersion = firmware->version;
     }
+    if (watch.refused())
+        throw failed();
     if (kIdentitySerialField < id.identityFields.size())
         id.serialNumber = id.identityFields[kIdentitySerialField];
     if (kIdentityNameField < id.identityFields.size())

@@ -72,8 +72,10 @@ struct IdentifyOptions {
 };
 
 // "dis?" (up to five tries), "ver?", "idn?"; throws ProtocolError 31995 "Identstring fehlerhaft"
-// when "dis?" never answers with a usable ".Y", FormatError when the language code or the
-// firmware version behind " V" is no number in range. Returns an empty identity when the port is closed.
+// when "dis?" never answers with a usable ".Y" or anything was refused (a later "dis?" that is
+// answered cures no refusal), FormatError when the language code is no number
+// in range. A firmware version that cannot be read is 0, as the tester's tools read it.
+// Returns an empty identity when the port is closed.
 TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options);
 
 // The modification dates of the package files of `language` in `dir`, by version part.
@@ -90,6 +92,16 @@ std::optional<int> LanguageCodeFromAnswer(const QByteArray &answer);
 // The firmware version at the start of `text` (what stands three characters behind " V"), as
 // "1.52" gives 1.52; nullopt when there is no number or it has more digits than any version.
 std::optional<double> FirmwareVersionNumber(const QByteArray &text);
+
+// The identity field that holds the firmware and its version: the last field in which a version
+// number stands three characters behind a " V" ("Kalvomer VDE 0701" holds none). When no field
+// does, the last field with a " V" and the version 0 (a number that cannot be read counts 0, as the
+// tester's tools read it); nullopt when no field holds a " V".
+struct FirmwareField {
+    int field = 0;
+    double version = 0;
+};
+std::optional<FirmwareField> FirmwareInIdentity(const QList<QByteArray> &fields);
 
 // The identity with the name the tester has just been given: the short designation and its field.
 TesterIdentity WithNewName(TesterIdentity identity, const QByteArray &name);

@@ -1,6 +1,8 @@
 // The language table: the program's texts in one of seven languages, read from "sprachen.TXT".
 #include "LanguageTable.h"
 
+#include "TextRules.h"
+
 #include "link/Errors.h"
 
 #include <QFile>
@@ -41,12 +43,7 @@ LanguageGrid ReadLanguageGrid(const QByteArray &bytes)
 
 QString DecodeLanguageCell(const QByteArray &cell)
 {
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = utf8.decode(cell);
-    if (!utf8.hasError())
-        return text;
-    QStringDecoder cp1252("windows-1252");
-    return cp1252.isValid() ? QString(cp1252.decode(cell)) : QString::fromLatin1(cell);
+    return DecodePcText(cell);
 }
 
 const std::array<LanguageColumn, 7> &LanguageColumns()

@@ -376,21 +376,13 @@ void Link::StopTrace()
     if (m_trace)
         m_trace->close();
     m_trace.reset();
-    m_traceAfterDollar = false;
 }
 
 void Link::Trace(char byte)
 {
-    if (!m_trace)
-        return;
-    m_trace->putChar(byte);
-    if (m_traceAfterDollar) {
-        // The character behind "$" closes a record of a "wer?" stream: one record per trace line.
-        m_trace->write("\r\n");
-        m_traceAfterDollar = false;
-    } else if (m_traceRecordEnds && byte == '$') {
-        m_traceAfterDollar = true;
-    }
+    // The bytes as they came, nothing added: a line end in the trace is one the tester sent.
+    if (m_trace)
+        m_trace->putChar(byte);
 }
 
 ProtocolErrorScope::ProtocolErrorScope(Link &link, int number, const QString &text)

@@ -125,8 +125,6 @@ public:
     void StartTrace(const QString &path);
     void StopTrace();
     bool tracing() const { return m_trace != nullptr; }
-    // While set (the last typed command was "wer?"), the byte behind each "$" ends a trace line.
-    void setTraceRecordEnds(bool on) { m_traceRecordEnds = on; }
 
 private:
     void Trace(char byte);
@@ -152,8 +150,6 @@ private:
     QString m_portNotOpenText;
     bool m_busyCursor = false;
     std::unique_ptr<QFile> m_trace;
-    bool m_traceRecordEnds = false;
-    bool m_traceAfterDollar = false;
     std::atomic<bool> m_abandoned{false};
     QByteArray m_lastCommand;
     QList<QByteArray> m_refused;

@@ -3,8 +3,8 @@
 
 #include "Errors.h"
 
+#include <QHash>
 #include <QStringDecoder>
-#include <QStringEncoder>
 #include <array>
 
 namespace kalvo::link {
@@ -27,12 +27,52 @@ QString DecodeTesterText(const QByteArray &bytes)
     return decoder.decode(bytes);
 }
 
+QString DecodePcText(const QByteArray &bytes)
+{
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = utf8.decode(bytes);
+    if (!utf8.hasError())
+        return text;
+    QStringDecoder cp1252("windows-1252");
+    return cp1252.isValid() ? QString(cp1252.decode(bytes)) : QString::fromLatin1(bytes);
+}
+
+namespace {
+
+// The tester's byte for each character it can show: its code page, and the characters the
+// display conversion gives its codes (230 is "µ", the micro sign a keyboard types, where the code
+// page has the Greek letter).
+const QHash<char16_t, char> &TesterBytes()
+{
+    static const QHash<char16_t, char> bytes = [] {
+        QHash<char16_t, char> b;
+        for (int c = 128; c < 256; ++c) {
+            const QByteArray code(1, static_cast<char>(c));
+            for (const QString &shown :
+                 {DecodeTesterText(code), ConvertDisplayChar(static_cast<unsigned char>(c))})
+                if (shown.size() == 1 && shown[0] != QChar::ReplacementCharacter)
+                    b.insert(shown[0].unicode(), code[0]);
+        }
+        b.insert(u'\u2126', '\xea'); // the ohm sign, beside the Greek capital omega
+        return b;
+    }();
+    return bytes;
+}
+
+} // namespace
+
 QByteArray EncodeTesterText(const QString &text)
 {
-    QStringEncoder encoder("IBM437");
-    if (!encoder.isValid())
-        return text.toLatin1();
-    return encoder.encode(text);
+    const QHash<char16_t, char> &tester = TesterBytes();
+    QByteArray out;
+    out.reserve(text.size());
+    for (const QChar ch : text) {
+        if (ch.unicode() < 128)
+            out += static_cast<char>(ch.unicode());
+        else
+            out += tester.value(ch.unicode(), '?');
+    }
+    return out;
 }
 
 namespace {
@@ -260,6 +300,23 @@ QList<QByteArray> SplitFields(const QByteArray &answer)
     for (const QByteArray &field : answer.split(';'))
         fields.append(StripControlChars(field));
     return fields;
+}
+
+QList<QByteArray> SplitLines(const QByteArray &bytes)
+{
+    QList<QByteArray> lines;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        if (bytes[i] != '\r' && bytes[i] != '\n')
+            continue;
+        lines.append(bytes.mid(start, i - start));
+        if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n')
+            ++i;
+        start = i + 1;
+    }
+    if (start < bytes.size())
+        lines.append(bytes.mid(start));
+    return lines;
 }
 
 QString EscapeBytes(const QByteArray &bytes)

@@ -18,6 +18,9 @@ QString ConvertDisplayChar(unsigned char c);
 QString ConvertDisplayText(const QByteArray &bytes);
 // Tester print text (code page 437) to display text, box-drawing characters kept.
 QString DecodeTesterText(const QByteArray &bytes);
+// Text of a file written on the PC (a command script, a language file): UTF-8 when the bytes are
+// valid UTF-8, else Windows-1252.
+QString DecodePcText(const QByteArray &bytes);
 // Text typed on the PC in the tester's character set; what it cannot hold becomes "?".
 QByteArray EncodeTesterText(const QString &text);
 
@@ -53,6 +56,11 @@ std::optional<qint64> WholeNumber(const QByteArray &text, qint64 minimum, qint64
 // Whether `text` begins with a whole number as WholeNumber reads it, of whatever size: tells "no
 // number" from "a number out of range".
 bool HasLeadingNumber(const QByteArray &text);
+
+// `bytes` cut into lines at CR LF, LF or a lone CR, without their line ends. Text after the last
+// line end is a line of its own; a line end at the very end starts no further line, so "a\r\n"
+// is one line and "" none.
+QList<QByteArray> SplitLines(const QByteArray &bytes);
 
 // `answer` split at ";" into fields, each without control characters.
 QList<QByteArray> SplitFields(const QByteArray &answer);

@@ -58,19 +58,12 @@ int HexDigitAt(const QByteArray &code, int position)
     return static_cast<int>(link::WholeNumber("&H" + code.mid(position - 1, 1), 0, 15).value_or(0));
 }
 
-// Characters 29 and 30 of the code string, the protection class plus 4. A code string of 25 to 28
-// characters has none, and blanks say the same: both count 0 as they always have. Anything else
-// that is no number is a damaged record, not a class.
+// Characters 29 and 30 of the code string, the protection class plus 4, by their numeric value:
+// a code string of 25 to 28 characters, blanks or characters that are no digits count 0, so the
+// record is still shown, its class as the record gives it. Two characters hold no more than 99.
 int ProtectionClassCode(const QByteArray &code)
 {
-    const QByteArray digits = code.mid(28, 2);
-    if (digits.trimmed().isEmpty())
-        return 0;
-    const std::optional<qint64> value = link::WholeNumber(digits, -9, 99);
-    if (!value)
-        throw link::FormatError(QStringLiteral("Messtring \"%1\"").arg(link::EscapeBytes(code.left(40))), 0,
-                                QStringLiteral("die Schutzklasse + 4 als Zahl an Stelle 29 und 30"));
-    return static_cast<int>(*value);
+    return static_cast<int>(link::NumericValue(code.mid(28, 2)));
 }
 
 QString AppliedPartName(const QByteArray &code)

@@ -58,12 +58,21 @@ QString WithoutDroppedChars(const QString &text)
     return kept;
 }
 
-// Appends `text` converted by `convert`, ending a line behind the third character after each "$".
-// The countdown runs over the characters as they stand, dropped ones included, and goes on from
-// one entry to the next.
-template <typename Text, typename Convert>
-void AppendCsvText(QByteArray &out, int &countdown, const Text &text, Convert convert)
+// An entry's own line ends are no characters of the export: the conversion would drop them, and
+// counting them would end the row before the character that follows "$FF".
+template <typename Text> Text WithoutLineEnds(Text text)
 {
+    text.removeIf([](auto ch) { return ch == u'\r' || ch == u'\n'; });
+    return text;
+}
+
+// Appends `text` converted by `convert`, ending a line behind the third character after each "$".
+// The countdown runs over the characters as they stand (line ends aside), dropped ones included,
+// and goes on from one entry to the next.
+template <typename Text, typename Convert>
+void AppendCsvText(QByteArray &out, int &countdown, const Text &entry, Convert convert)
+{
+    const Text text = WithoutLineEnds(entry);
     qsizetype from = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
         if (text[i] == u'$')

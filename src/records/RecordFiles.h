@@ -46,8 +46,9 @@ StoreStatus StoreAccessoryRecords(link::Link &link, link::Prompter &prompter, co
 
 // The export's bytes: the header line and CR LF, ";", then every entry through the display
 // conversion for files (ConvertDisplayBytes), a line ending behind the third character after each
-// "$". An empty entry 0 is replaced by `reportText` (EncodeShownText, without the characters the
-// display drops). Any number of entries is accepted.
+// "$" ("$FF" and the character after it, the next record's first when a record ends there). The
+// entries' own CR and LF are not counted nor written. An empty entry 0 is replaced by `reportText`
+// (EncodeShownText, without the characters the display drops). Any number of entries is accepted.
 QByteArray ExportCsv(const QByteArray &headerLine, const QList<QByteArray> &entries,
                      const QString &reportText);
 // The last line of a header file such as ueber.csv, without its line end; throws FormatError when

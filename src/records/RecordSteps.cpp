@@ -70,7 +70,7 @@ void TellNothingWritten(link::Prompter &prompter, const link::RefusalWatch &watc
         unwritten.isEmpty()
             ? QStringLiteral("es wurde nichts geschrieben")
             : QStringLiteral("%1 wurde nicht geschrieben").arg(QDir::toNativeSeparators(unwritten));
-    prompter.message(QStringLiteral("Das Kalvomer hat %1 abgelehnt: %2.").arg(watch.Describe(), what),
+    prompter.message(QStringLiteral("Der Kalvomer hat %1 abgelehnt: %2.").arg(watch.Describe(), what),
                      link::Prompter::Icon::Warning);
 }
 

@@ -68,7 +68,8 @@ private:
     }
     static QString EntryText(const QList<QByteArray> &row, qint64 number)
     {
-        return link::ConvertDisplayText(row.value(3)) + QLatin1Char(':') + QString::number(number);
+        // The device's id as it stands: "#" and "@" are part of it, as they are of a record's fields.
+        return link::DecodeRecordText(row.value(3)) + QLatin1Char(':') + QString::number(number);
     }
     // A test record is passed on once its name (field 3) is complete; Finish() has the last word.
     void TellEntry()

@@ -11,7 +11,7 @@ namespace kalvo::records {
 namespace {
 
 constexpr char kFormFeed = '\x0c';
-constexpr unsigned char kEscape = 27;
+constexpr unsigned char kKeptControl = 20;
 
 // The display text of every tester code, looked up once: a print text runs to a few thousand
 // characters a page, and the conversion of a single code is costly.
@@ -45,9 +45,9 @@ QString ExtractPrintText(const QByteArray &answer)
     text.reserve(end - start);
     for (qsizetype i = start; i < end; ++i) {
         const auto c = static_cast<unsigned char>(answer[i]);
-        // Codes 20..31 carry the template's own marks and stay; ESC opens a printer control
-        // sequence, which means nothing on the screen.
-        if (c == '\r' || c == '\n' || (c >= 20 && c < 32 && c != kEscape))
+        // Line ends and code 20 stay as they are; the other control codes (ESC among them, which
+        // opens a printer control sequence) mean nothing on the screen and go.
+        if (c == '\r' || c == '\n' || c == kKeptControl)
             text += QChar(c);
         else if (c >= 32 && c <= 254)
             text += display[c];

@@ -7,39 +7,61 @@
 #include "link/TextRules.h"
 
 #include <QFile>
+#include <QList>
 #include <QSaveFile>
 
 namespace kalvo::shell {
 
-QByteArray SendTerminalCommand(link::Link &link, const QString &command)
-{
-    link.setTraceRecordEnds(command == QLatin1String("wer?"));
-    return link.Exchange(link::EncodeTesterText(command));
-}
+namespace {
 
-int RunCommandScript(link::Link &link, const QString &scriptPath, const QString &resultPath,
-                     const std::function<void(const QString &)> &showLine)
+QByteArray ReadScript(const QString &scriptPath)
 {
     QFile script(scriptPath);
     if (!script.open(QIODevice::ReadOnly))
         throw link::FormatError(scriptPath, 0,
                                 QStringLiteral("eine lesbare Ablaufdatei (%1)").arg(script.errorString()));
+    // One byte beyond the limit tells a file that is too large from one that just fits.
+    QByteArray bytes = script.read(kMaxScriptBytes + 1);
+    if (bytes.size() > kMaxScriptBytes)
+        throw link::FormatError(
+            scriptPath, 0, QStringLiteral("eine Ablaufdatei von höchstens %1 Bytes").arg(kMaxScriptBytes));
+    return bytes;
+}
+
+} // namespace
+
+QByteArray SendTerminalCommand(link::Link &link, const QString &command)
+{
+    // Pasted or given text may hold several lines: each is a command of its own, sent once the
+    // answer to the one before is in.
+    QList<QByteArray> lines = link::SplitLines(link::EncodeTesterText(command));
+    if (lines.isEmpty())
+        lines << QByteArray(); // a lone CR, as an empty command line sends
+    QByteArray answers;
+    for (const QByteArray &line : std::as_const(lines))
+        answers += link.Exchange(line);
+    return answers;
+}
+
+int RunCommandScript(link::Link &link, const QString &scriptPath, const QString &resultPath,
+                     const std::function<void(const QString &)> &showLine)
+{
+    const QList<QByteArray> lines = link::SplitLines(ReadScript(scriptPath));
     QSaveFile result(resultPath);
     if (!result.open(QIODevice::WriteOnly))
         throw link::FormatError(resultPath, 0,
                                 QStringLiteral("eine schreibbare Datei (%1)").arg(result.errorString()));
 
     int count = 0;
-    while (!script.atEnd()) {
-        QByteArray line = script.readLine();
-        while (line.endsWith('\n') || line.endsWith('\r'))
-            line.chop(1);
+    for (const QByteArray &line : lines) {
         const qsizetype comment = line.indexOf(';');
         if (comment >= 0)
             result.write(line.mid(comment) + "\r\n");
+        // The script is a file of the PC: its "ü" goes out as the tester's, as a typed one does.
+        const QString text = link::DecodePcText(line);
         if (showLine)
-            showLine(link::DecodeTesterText(line));
-        const QByteArray answer = link.Exchange(line);
+            showLine(text);
+        const QByteArray answer = SendTerminalCommand(link, text);
         if (answer.contains("Wertx="))
             result.write(answer + "\r\n");
         ++count;

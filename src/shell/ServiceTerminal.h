@@ -16,11 +16,18 @@ inline const QString kScriptFileName = QStringLiteral("beispiel.abl");
 inline const QString kScriptResultFileName = QStringLiteral("beispiel.txt");
 inline const QString kTraceFileName = QStringLiteral("test.log");
 
-// Sends one typed command and returns the answer as received. Typing exactly "wer?" makes the
-// development trace break its lines behind each record end.
+// Sends a typed command in the tester's character set ("ü" as its byte 129) and returns the
+// answer as received; text of several lines (CR, LF or CR LF) is sent a line at a time, each after
+// the answer to the one before, and the answers are returned one after the other.
 QByteArray SendTerminalCommand(link::Link &link, const QString &command);
 
-// Runs a command script: every line is sent as it stands (a comment behind ";" included);
+// The largest command script taken: a real one is a few hundred lines, and each line is one
+// exchange of its own.
+constexpr qint64 kMaxScriptBytes = 1024 * 1024;
+
+// Runs a command script: every line (ended by CR, LF or CR LF; UTF-8 or Windows text) is sent as
+// it stands, a comment behind ";" included, in the tester's character set as a typed command is,
+// and its answer awaited before the next goes out;
 // comments and answers holding "Wertx=" go to `resultPath`, which is replaced only when the
 // whole run succeeds. `showLine` gets each script line as it is sent. Returns the lines run.
 int RunCommandScript(link::Link &link, const QString &scriptPath, const QString &resultPath,

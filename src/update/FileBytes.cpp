@@ -1,4 +1,4 @@
-// The update's files as bytes: lines of 8-bit text in, whole files out.
+// The update's files as bytes: whole files out (lines in are link::SplitLines).
 #include "FileBytes.h"
 
 #include "link/Errors.h"
@@ -7,23 +7,6 @@
 #include <QSaveFile>
 
 namespace kalvo::update {
-
-QList<QByteArray> SplitLines(const QByteArray &bytes)
-{
-    QList<QByteArray> lines;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i < bytes.size(); ++i) {
-        if (bytes[i] != '\r' && bytes[i] != '\n')
-            continue;
-        lines.append(bytes.mid(start, i - start));
-        if (bytes[i] == '\r' && i + 1 < bytes.size() && bytes[i + 1] == '\n')
-            ++i;
-        start = i + 1;
-    }
-    if (start < bytes.size())
-        lines.append(bytes.mid(start));
-    return lines;
-}
 
 void SaveBytes(const QString &path, const QByteArray &bytes)
 {

@@ -109,7 +109,7 @@ HexFile HexFile::FromBytes(const QString &path, const QByteArray &bytes)
 {
     HexFile hex;
     hex.m_path = path;
-    hex.m_lines = SplitLines(bytes);
+    hex.m_lines = link::SplitLines(bytes);
     while (!hex.m_lines.isEmpty() && hex.m_lines.back().isEmpty())
         hex.m_lines.removeLast();
     return hex;

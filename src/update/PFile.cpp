@@ -3,6 +3,7 @@
 
 #include "FileBytes.h"
 #include "link/Errors.h"
+#include "link/TextRules.h"
 
 #include <QDir>
 #include <QFile>
@@ -74,7 +75,7 @@ QList<QByteArray> ReadTemplateLines(const QString &path)
                                 QStringLiteral("eine Vorlage von höchstens %1 Bytes, nicht %2 Bytes")
                                     .arg(kMaxTemplateFileBytes)
                                     .arg(file.size()));
-    const QList<QByteArray> lines = SplitLines(file.read(kMaxTemplateFileBytes));
+    const QList<QByteArray> lines = link::SplitLines(file.read(kMaxTemplateFileBytes));
     for (qsizetype l = 0; l < lines.size(); ++l) {
         for (qsizetype c = 0; c < lines[l].size(); ++c) {
             const auto byte = static_cast<unsigned char>(lines[l][c]);

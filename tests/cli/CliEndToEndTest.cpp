@@ -55,15 +55,17 @@ TEST(CliEndToEnd, SendPrintsEachAnswerWithControlCharactersEscaped)
     SimProcess sim;
     ASSERT_TRUE(sim.started());
     const RunResult run =
-        RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("--port"), sim.pty(), QStringLiteral("send"),
-                                                 QStringLiteral("var?D3"), QStringLiteral("bit?4")});
+        RunProgram(QStringLiteral("kalvo-cli"),
+                   {QStringLiteral("--port"), sim.pty(), QStringLiteral("send"), QStringLiteral("var?D3"),
+                    QStringLiteral("bit?4"), QStringLiteral("str!121,Müller")});
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QStringList out = run.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    ASSERT_EQ(out.size(), 2) << run.out.toStdString();
+    ASSERT_EQ(out.size(), 3) << run.out.toStdString();
     EXPECT_TRUE(out[0].startsWith(QStringLiteral("var?D3=01.Y"))) << out[0].toStdString();
     EXPECT_TRUE(out[0].endsWith(QStringLiteral("\\x11")));
     EXPECT_TRUE(out[1].startsWith(QStringLiteral("bit?4"))) << out[1].toStdString();
-    EXPECT_EQ(sim.ReceivedBytes(), (QStringList{"var?D3\\r", "bit?4\\r"}));
+    // A typed "ü" goes out as the tester's byte, as from the window's command line.
+    EXPECT_EQ(sim.ReceivedBytes(), (QStringList{"var?D3\\r", "bit?4\\r", "str!121,M\\x81ller\\r"}));
 }
 
 TEST(CliEndToEnd, RefusalIsReportedWithItsNumberAndFailsTheRun)

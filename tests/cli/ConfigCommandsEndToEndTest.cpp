@@ -2,6 +2,7 @@
 #include "support/SimProcess.h"
 #include "support/TestFiles.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -121,8 +122,9 @@ TEST(CliConfigCommands, ModemSettingsGoToTheFiveStringRegistersAndAreStored)
                                                 "str!124,\\r", "str!125,AT&F\\r", "cfg!pgm\\r"}));
 }
 
-// A write session that met a refusal stores nothing, whatever --store says, and ends with exit 1.
-TEST(CliConfigCommands, ARefusalInAWriteSessionIsNamedAndNothingIsStored)
+// A write session that met a refusal stores nothing, whatever --store says, and ends with exit 1;
+// nor does anything go on after a refused identification, though a later "dis?" was answered.
+TEST(CliConfigCommands, ARefusalIsNamedAndNothingIsStoredOrWritten)
 {
     QTemporaryDir dir;
     const QString cal = dir.filePath(QStringLiteral("t.cal"));
@@ -137,15 +139,19 @@ TEST(CliConfigCommands, ARefusalInAWriteSessionIsNamedAndNothingIsStored)
         {"refusestore:wer! 5", {"--yes", "cal", "restore", cal, "--store"}, "wer! 5,3", "kal!pgm\\r"},
         {"refuse:str!123", {"modem", "set", "--tel2", "1", "--store"}, "str!123,1", "cfg!pgm\\r"},
         {"refusestore:cfg!pgm", {"modem", "set", "--store"}, "nicht gespeichert", nullptr},
+        {"refuse:dis?x1", {"name", "NEU-1"}, "Identstring fehlerhaft", "kal!aus\\r"},
+        {"refuse:dis?x1", {"cal", "backup"}, "Identstring fehlerhaft", "kal? 0\\r"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.fault);
         SimProcess sim({QStringLiteral("--fault"), QString::fromLatin1(c.fault)});
         ASSERT_TRUE(sim.started());
-        const RunResult run = RunCli(sim, c.words);
+        const RunResult run = RunCli(sim, c.words, dir.path());
         EXPECT_EQ(run.exitCode, 1) << run.err.toStdString();
         EXPECT_TRUE(run.err.contains(QString::fromLatin1(c.named))) << run.err.toStdString();
         if (c.notSent)
             EXPECT_FALSE(sim.ReceivedBytes().contains(QString::fromLatin1(c.notSent)));
     }
+    // The backup named after the tester was not written.
+    EXPECT_EQ(QDir(dir.path()).entryList({QStringLiteral("*.cal")}), QStringList{QStringLiteral("t.cal")});
 }

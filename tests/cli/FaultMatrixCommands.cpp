@@ -60,6 +60,24 @@ QString IdentifyResults(const QString &out)
     return results.join(QLatin1Char('\n'));
 }
 
+// The dump shows each value's two characters as they came (" 4" or "04") and bits by the digit
+// table, which keeps a group from the line before for a blank: only the value read counts, as two
+// digits, and the block entry behind it. (Before the first digit a group is empty.)
+QString DumpResults(const QString &out)
+{
+    static const QRegularExpression line(QStringLiteral(R"(^(\w\w): ==(..) [01]{0,4} [01]{4}(.*)$)"));
+    QStringList results;
+    for (const QString &text : out.split(QLatin1Char('\n'))) {
+        const auto match = line.match(text);
+        results << (match.hasMatch()
+                        ? match.captured(1) + QStringLiteral(": ") +
+                              match.captured(2).trimmed().toUpper().rightJustified(2, QLatin1Char('0')) +
+                              match.captured(3)
+                        : text);
+    }
+    return results.join(QLatin1Char('\n'));
+}
+
 QStringList Split(const char *text)
 {
     return QString::fromUtf8(text).split(QLatin1Char('|'), Qt::SkipEmptyParts);
@@ -109,6 +127,8 @@ QList<MatrixCommand> BuildCommands()
         command.results = Unchanged;
         if (command.id == QLatin1String("identify"))
             command.results = IdentifyResults;
+        if (command.id == QLatin1String("vars_dump"))
+            command.results = DumpResults;
         if (command.id == QLatin1String("clock"))
             command.repeatable = false; // the tester's time and the PC's
         if (command.id == QLatin1String("kym_read")) {

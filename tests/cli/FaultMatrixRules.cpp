@@ -193,9 +193,10 @@ QStringList Judge(const MatrixCommand &command, const QString &fault, const Posi
 {
     QStringList broken = Check(command, Expect(command, fault, position, clean, run), clean, run, &position);
     // Nothing is stored after a refused or spoiled answer in a session that changes the tester; the
-    // identification before a naming is no part of its session, and "dis?" is asked again anyway.
+    // identification before a naming is no part of its session, and a spoiled "dis?" is asked again
+    // anyway, but a refused one ends the identification.
     if (command.changesTester && fault != QLatin1String("trailingjunk") &&
-        KindOf(position.line) != LineKind::Retried) {
+        (KindOf(position.line) != LineKind::Retried || fault == QLatin1String("refuse"))) {
         for (int i = position.index + 1; i < run.sent.size(); ++i) {
             if (IsStoreLine(run.sent[i]))
                 broken << QStringLiteral("sent %1 after the spoiled answer").arg(CommandLine(run.sent[i]));

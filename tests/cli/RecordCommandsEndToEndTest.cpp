@@ -62,7 +62,12 @@ TEST(CliRecordCommands, ReadAllAsksForEachPartOfEveryRecordAndWritesOneLineEach)
     EXPECT_TRUE(rows[0].startsWith(";Pr\xfc"
                                    "fer;Messstring;"))
         << rows[0].constData();
-    EXPECT_EQ(rows.size(), 1 + lines.size() + 1); // header, one row per record, nothing behind the last
+    // The header, then a row a record, each row ending behind the next record's first character:
+    // the last "$FF" has none behind it.
+    ASSERT_EQ(rows.size(), 1 + lines.size());
+    for (qsizetype i = 1; i < rows.size() - 1; ++i)
+        EXPECT_TRUE(rows[i].endsWith("$FFP\r")) << rows[i].constData();
+    EXPECT_TRUE(rows.last().endsWith(";$FF")) << rows.last().constData();
 }
 
 TEST(CliRecordCommands, EmptyStoreAndUsageErrorsHaveTheirExitCodes)
@@ -124,7 +129,7 @@ TEST(CliRecordCommands, RecordsBecomeReportsAPdfAndACsvWithoutTheTester)
     const RunResult export_ = RunProgram(QStringLiteral("kalvo-cli"), {QStringLiteral("csv"), records, csv});
     ASSERT_EQ(export_.exitCode, 0) << export_.err.toStdString();
     const QList<QByteArray> rows = ReadFile(csv).split('\n');
-    EXPECT_EQ(rows.size(), 1 + count + 1); // the header, a row a record, nothing behind the last line end
+    EXPECT_EQ(rows.size(), 1 + count); // the header, a row a record; nothing follows the last "$FF"
 }
 
 TEST(CliRecordCommands, ARefusalAnywhereExitsOneAndLeavesTheOldFileByteForByte)

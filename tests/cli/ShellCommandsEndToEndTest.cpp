@@ -41,6 +41,35 @@ TEST(CliShellCommands, NameIdentifiesFirstLikeTheWindowAndShowsTheNewName)
     }
 }
 
+// As in the window, the tester's display language becomes the program's once it is identified; a
+// language given with --lang stays.
+TEST(CliShellCommands, AfterIdentifyingTheMessagesSpeakTheTestersLanguage)
+{
+    const struct {
+        QStringList simArguments, arguments;
+        const char *message; // the refusal of the name in the language of the run
+    } cases[] = {
+        {{"--language", "1"}, {"name", "NEU-1"}, "The Kalvomer did not accept the command"},
+        {{"--language", "3"}, {"name", "NEU-1"}, "Le Kalvomer n'a pas accept"},
+        {{"--language", "1"},
+         {"--lang", "deutsch", "name", "NEU-1"},
+         "Der Kalvomer hat den Befehl nicht angenommen"},
+        {{"--language", "0"},
+         {"--lang", "englisch", "name", "NEU-1"},
+         "The Kalvomer did not accept the command"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.arguments.join(' ').toStdString() + " against " +
+                     c.simArguments.join(' ').toStdString());
+        SimProcess sim(c.simArguments +
+                       QStringList{QStringLiteral("--fault"), QStringLiteral("refuse:idn!1")});
+        ASSERT_TRUE(sim.started());
+        const RunResult run = RunCli(sim, c.arguments);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_TRUE(run.err.contains(QString::fromUtf8(c.message))) << run.err.toStdString();
+    }
+}
+
 TEST(CliShellCommands, ClockPrintsTheTestersTimeAndSendsThePcsOrTheGivenText)
 {
     SimProcess sim;

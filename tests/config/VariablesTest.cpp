@@ -48,18 +48,31 @@ TEST(VariableValues, AnAnswerWithoutAHexadecimalValueIsAFormatErrorNamingTheComm
     }
 }
 
-TEST(VariableValues, TheDumpShowsOneDigitValuesWithTheirFullBinaryText)
+// The dump shows the two characters as the tester sent them; a character that is no upper-case
+// digit keeps the bits that the line before left in its group.
+TEST(VariableValues, TheDumpShowsTheAnswersCharactersAndTheirBitsByTheDigitTable)
 {
+    const struct {
+        QByteArray value;
+        const char *line;
+        QByteArray digits; // the value as a number's two digits
+    } dumped[] = {
+        {"FF", "D0: ==FF 1111 1111", "FF"}, {" 4", "D1: == 4 1111 0100", "04"},
+        {"a5", "D2: ==a5 1111 0101", "A5"}, {"3c", "D3: ==3c 0011 0101", "3C"},
+        {"00", "D4: ==00 0000 0000", "00"},
+    };
     ScriptedLink s;
     for (int address = 0xD0; address <= 0xFF; ++address) {
         const QByteArray hex = QByteArray::number(address, 16).toUpper();
-        // The first one with all bits set, so that a stale high nibble would show in the second.
-        const QByteArray value = address == 0xD0 ? "FF" : address == 0xD1 ? " 4" : "00";
-        s.transport.Expect("var?" + hex + "\r").Reply("VAR?" + hex + "=" + value + ".Y\x11");
+        const qsizetype i = address - 0xD0;
+        const QByteArray value = i < std::ssize(dumped) ? dumped[i].value : QByteArray("00");
+        s.transport.Expect("var?" + hex + "\r").ReplyByteByByte("VAR?" + hex + "=" + value + ".Y\n\x11");
     }
     const config::ConfigurationDump dump = config::DumpConfiguration(s.link, {});
     ASSERT_EQ(dump.lines.size(), 48);
-    EXPECT_EQ(dump.lines[0], QStringLiteral("D0: ==FF 1111 1111"));
-    EXPECT_EQ(dump.lines[1], QStringLiteral("D1: ==04 0000 0100"));
+    for (qsizetype i = 0; i < std::ssize(dumped); ++i) {
+        EXPECT_EQ(dump.lines[i], QString::fromLatin1(dumped[i].line));
+        EXPECT_EQ(dump.values[i], dumped[i].digits);
+    }
     EXPECT_TRUE(s.transport.allExpectationsMet());
 }

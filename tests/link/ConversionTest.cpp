@@ -27,6 +27,30 @@ TEST(Conversion, DisplayCharacters)
             << "code " << c.code;
 }
 
+// What is typed on the PC goes out in the tester's bytes: its umlauts, the micro sign a keyboard
+// types and the ohm sign as the codes its display shows them by, its code page for the rest.
+TEST(Conversion, TypedTextBecomesTheTestersBytes)
+{
+    const struct {
+        const char *typed; // UTF-8
+        QByteArray bytes;
+    } cases[] = {
+        {"str!121,Müller", "str!121,M\x81ller"},
+        {"ÄÖÜäöüß", "\x8e\x99\x9a\x84\x94\x81\xe1"},
+        {"µA μ", "\xe6"
+                 "A \xe6"},   // the micro sign and the Greek letter
+        {"Ω Ω", "\xea \xea"}, // the ohm sign and the Greek capital omega
+        {"┌─┐", "\xda\xc4\xbf"},
+        {"€ 漢", "? ?"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(EncodeTesterText(QString::fromUtf8(c.typed)), c.bytes) << c.typed;
+    // Every mapped code but the ohm sign, which the display spells "Ohm", comes back from its text.
+    for (const int code : {230, 142, 153, 154, 225, 132, 148, 129})
+        EXPECT_EQ(EncodeTesterText(ConvertDisplayChar(static_cast<unsigned char>(code))),
+                  QByteArray(1, static_cast<char>(code)));
+}
+
 TEST(Conversion, HexToBinaryKeepsTheGroupOfAnInvalidDigitFromTheLastCall)
 {
     const struct {

@@ -43,19 +43,23 @@ TEST(WakeUp, PassesRepeatUntilThePromptStandsEarlyOrIsMissing)
     }
 }
 
-TEST(Trace, EveryReceivedByteLandsInTheFileAndRecordEndsBreakLinesBehindTheByteAfterADollar)
+TEST(Trace, EveryReceivedByteLandsInTheFileAndNothingElse)
 {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("trace.txt"));
     ScriptedLink s;
     s.link.StartTrace(path);
     s.transport.Expect("dis?\r").ReplyByteByByte("dis? 01.Y\r\n\x11");
-    s.transport.Expect("wer?bgw\r").Reply("wer?bgw\r1,0.5$A2,1.0$B\x11");
+    // An accessory's records back to back, "$FF" closing each: no line end that the tester did not send.
+    s.transport.Expect("wer?\r").Reply("K1\x13"
+                                       "0.5$FFK2\x13"
+                                       "1.0$FF\n\x11");
     s.link.Exchange("dis?");
-    s.link.setTraceRecordEnds(true);
-    EXPECT_EQ(s.link.Exchange("wer?bgw"), QByteArray("wer?bgw\r1,0.5$A2,1.0$B\x11"));
+    s.link.Exchange("wer?");
     s.link.StopTrace();
-    EXPECT_EQ(ReadFile(path), QByteArray("dis? 01.Y\r\n\x11wer?bgw\r1,0.5$A\r\n2,1.0$B\r\n\x11"));
+    EXPECT_EQ(ReadFile(path), QByteArray("dis? 01.Y\r\n\x11K1\x13"
+                                         "0.5$FFK2\x13"
+                                         "1.0$FF\n\x11"));
 }
 
 TEST(SendFileRaw, FilesOfAHundredBytesOrLessCountAsMissingLongerOnesGoByteByByte)

@@ -54,22 +54,23 @@ TEST(DecodeRecord, CodeStringGivesVerdictRegulationClassAndAppliedPart)
     }
 }
 
-TEST(DecodeRecord, ProtectionClassDigitsAreANumberOrMissing)
+// The class is the numeric value of the two characters less 4: characters that are no digits
+// give 0, and the record is still shown.
+TEST(DecodeRecord, ProtectionClassIsTheNumericValueOfItsCharacters)
 {
     const struct {
         QByteArray digits;
-        const char *protectionClass; // nullptr: a FormatError
+        const char *protectionClass;
     } cases[] = {
-        {"05", "1"},  {" 5", "1"},     {"5x", "1"},     {"  ", "-4"},       {"-1", "-5"},
-        {"99", "95"}, {"x5", nullptr}, {"&H", nullptr}, {"?\xea", nullptr},
+        {"05", "1"},  {" 5", "1"},  {"5x", "1"},  {"  ", "-4"},    {"-1", "-5"},
+        {"99", "95"}, {"x5", "-4"}, {"&H", "-4"}, {"?\xea", "-4"}, {"+6", "2"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.digits.constData());
         const QByteArray text = RecordText({{1, "KALVO"}, {2, CodeString('1', '5', c.digits, "01")}});
-        if (c.protectionClass)
-            EXPECT_EQ(DecodeRecord(text).protectionClass, QString::fromLatin1(c.protectionClass));
-        else
-            EXPECT_THROW(DecodeRecord(text), link::FormatError);
+        const DecodedRecord record = DecodeRecord(text);
+        EXPECT_EQ(record.protectionClass, QString::fromLatin1(c.protectionClass));
+        EXPECT_EQ(record.appliedPart, QStringLiteral("B"));
     }
 }
 

@@ -32,25 +32,27 @@ TEST(ExportCsv, BytesFollowTheDollarCountdown)
         QByteArray expected;
     } cases[] = {
         {"one record", {"A;B;C;$FFx"}, {}, "H1;H2\r\n;A;B;C;$FFx\r\n"},
-        {"record text with its line end",
+        // A record's line end is no character: the row ends behind the next record's first one.
+        {"record texts with their line ends",
          {"PA;B;$FF\r\n", "PC;$FF\r\n"},
          {},
-         "H1;H2\r\n;PA;B;$FF\r\nPC;$FF\r\n"},
+         "H1;H2\r\n;PA;B;$FFP\r\nC;$FF"},
+        {"line ends of any kind", {"PA;$FF\n", "PB;$FF\r", "PC"}, {}, "H1;H2\r\n;PA;$FFP\r\nB;$FFP\r\nC"},
         {"tester characters become Windows text",
-         {"P1\xea;2\xe6;\x81;$FF\r\n"},
+         {"P1\xea;2\xe6;\x81;$FF\r\n", "Q"},
          {},
-         "H1;H2\r\n;P1Ohm;2\xb5;\xfc;$FF\r\n"},
+         "H1;H2\r\n;P1Ohm;2\xb5;\xfc;$FFQ\r\n"},
         // Bytes the conversion leaves alone are written as they are: never "?" nor 0x1A.
         {"other bytes stay bytes",
-         {"P\xc4\xb3\x80\xda\xfc\xe4\x9b;$FF\r\n"},
+         {"P\xc4\xb3\x80\xda\xfc\xe4\x9b;$FF\xe1\r\n"},
          {},
-         "H1;H2\r\n;P\xc4\xb3\x80\xda\xfc\xe4\x9b;$FF\r\n"},
+         "H1;H2\r\n;P\xc4\xb3\x80\xda\xfc\xe4\x9b;$FF\xdf\r\n"},
         {"a record converted before is not converted again",
          {"KM\xfcller;<0.3Ohm;2\xb5"
-          "A;$FF\r\n"},
+          "A;$FFK\r\n"},
          {},
          "H1;H2\r\n;KM\xfcller;<0.3Ohm;2\xb5"
-         "A;$FF\r\n"},
+         "A;$FFK\r\n"},
         {"report text beyond Windows-1252 keeps its characters",
          {},
          QStringLiteral("┌─┐ € Ω 漢 #1"),
@@ -60,12 +62,16 @@ TEST(ExportCsv, BytesFollowTheDollarCountdown)
          {"", "PB;$FF\r\n"},
          QStringLiteral("Prüf\tbericht\r\n"),
          "H1;H2\r\n;Pr\xfc"
-         "fberichtPB;$FF\r\n"},
+         "fberichtPB;$FF"},
         {"no entries at all take the report", {}, QStringLiteral("R$12"), "H1;H2\r\n;R$12"},
+        {"the report's line ends are not counted either",
+         {},
+         QStringLiteral("R$1\r\n2x"),
+         "H1;H2\r\n;R$12x\r\n"},
         {"twelve entries and more",
          QList<QByteArray>(14, "Pr;$FF\r\n"),
          {},
-         "H1;H2\r\n;" + QByteArray("Pr;$FF\r\n").repeated(14)},
+         "H1;H2\r\n;Pr;$FFP\r\n" + QByteArray("r;$FFP\r\n").repeated(12) + "r;$FF"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -135,7 +141,7 @@ TEST(ExportCsv, HeaderIsTheLastLineOfUeberCsvAndAMissingOneWritesNothing)
     ExportCsvFile(out, header, {"PKALVO;" + kalvo::testing::CodeString('1', '5') + ";$FF\r\n"}, {});
     EXPECT_EQ(ReadFile(out), ";Pr\xfc"
                              "fer;Messstring\r\n;PKALVO;" +
-                                 kalvo::testing::CodeString('1', '5') + ";$FF\r\n");
+                                 kalvo::testing::CodeString('1', '5') + ";$FF");
 
     WriteFile(out, "yesterday");
     EXPECT_THROW(ExportCsvFile(out, dir.filePath(QStringLiteral("none.csv")), {"Px;$FF\r\n"}, {}),
@@ -227,6 +233,11 @@ TEST(ExtractPrintText, TextBetweenEnqAndFormFeedWithControlCharactersSorted)
         {"other controls and 255 dropped",
          "\x05"
          "A\x07\x11\x09\xff"
+         "B\x0c",
+         QStringLiteral("AB")},
+        {"codes 21 to 31 dropped",
+         "\x05"
+         "A\x15\x16\x17\x18\x19\x1a\x1c\x1d\x1e\x1f"
          "B\x0c",
          QStringLiteral("AB")},
         {"box drawing and tester characters",

@@ -86,10 +86,11 @@ TEST(ReadRecord, APartWithoutItsMarkIsAFormatErrorNamingIt)
         QByteArray x, y;
         const char *named;
     } cases[] = {
-        {"x without colon", FillerRule::Position, "prx?10x.Nx\r\n\x11", "prx?10y:XXXXXXXXab.\r\n\x11", "prx?10x"},
+        {"x without colon", FillerRule::Position, "prx?10x.Nx\r\n\x11", "prx?10y:XXXXXXXXab.\r\n\x11",
+         "prx?10x"},
         {"y without colon", FillerRule::Position, "prx?10x:PA;.\r\n\x11", "\x7f\x03kq0r8zzv\x11", "prx?10y"},
-        {"y without the literal filler", FillerRule::Literal, "prx?10x:PA;.\r\n\x11", "prx?10y:ABCDEFGHdata.\r\n\x11",
-         "prx?10y"},
+        {"y without the literal filler", FillerRule::Literal, "prx?10x:PA;.\r\n\x11",
+         "prx?10y:ABCDEFGHdata.\r\n\x11", "prx?10y"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -306,7 +307,8 @@ TEST(StoreListing, OnlyTestRecordsReachTheListAndTheRawAnswerIsKept)
     ScriptedLink s;
     const QByteArray listing = "DATABASE  Nr=1;01.01.09;08:00;VORGABE-A;;;;;;;;;;"
                                "PROTOKOLL Nr=2;17.03.09;10:42;4711;Typ;DIN VDE 0702;bestanden;;;;;;;\r\n"
-                               "PROTOKOLL Nr=12;18.03.09;11:00;DATABASE-X;;;;;;;;;;\x11";
+                               "PROTOKOLL Nr=12;18.03.09;11:00;DATABASE-X;;;;;;;;;;"
+                               "protokoll Nr=13;18.03.09;11:05;Nr#5@Halle 2 M\x81hle;;;;;;;;;;\x11";
     s.transport.Expect("prx?nx\r")
         .Reply(listing.left(40))
         .Reply(listing.mid(40), std::chrono::milliseconds(5));
@@ -314,11 +316,13 @@ TEST(StoreListing, OnlyTestRecordsReachTheListAndTheRawAnswerIsKept)
     ASSERT_TRUE(read);
     const StoreListing &result = *read;
     EXPECT_EQ(ReadFile(proto), listing);
-    ASSERT_EQ(result.rows.size(), 3);
+    ASSERT_EQ(result.rows.size(), 4);
     EXPECT_EQ(result.rows[1][5], QByteArray("DIN VDE 0702"));
     EXPECT_EQ(result.rows[2][0], QByteArray("PROTOKOLL Nr=12")); // the line end belongs to no field
-    // Only field 0 says what a row is; a device called "DATABASE-X" is still a test record.
-    EXPECT_EQ(result.records, (QStringList{QStringLiteral("4711:2"), QStringLiteral("DATABASE-X:12")}));
+    // Only field 0 says what a row is; a device called "DATABASE-X" is still a test record. The
+    // device's id is shown whole, "#" and "@" included.
+    EXPECT_EQ(result.records, (QStringList{QStringLiteral("4711:2"), QStringLiteral("DATABASE-X:12"),
+                                           QStringLiteral("Nr#5@Halle 2 Mühle:13")}));
 
     EXPECT_TRUE(ParseStoreListing("prx?nx\r\n;\x11").records.isEmpty());
 }

@@ -188,6 +188,69 @@ TEST(ServiceTerminal, ScriptSendsLinesWholeAndKeepsCommentsAndReadings)
     EXPECT_EQ(ReadFile(result).count("var?D3"), 0);
 }
 
+TEST(ServiceTerminal, ScriptLinesEndAtCrLfOrBothAndEachWaitsForItsAnswer)
+{
+    const struct {
+        const char *name;
+        QByteArray file;
+        QList<QByteArray> lines;
+    } cases[] = {
+        {"CR only", "mes!0\rwer?WC;pe\rvar?D3", {"mes!0", "wer?WC;pe", "var?D3"}},
+        {"LF only", "mes!0\nwer?WC;pe\n", {"mes!0", "wer?WC;pe"}},
+        {"CR LF", "mes!0\r\nwer?WC;pe\r\n", {"mes!0", "wer?WC;pe"}},
+        {"mixed, an empty line kept", "mes!0\r\rwer?WC;pe\nvar?D3\r\n", {"mes!0", "", "wer?WC;pe", "var?D3"}},
+        {"empty file", "", {}},
+        // An "ü" goes out as the tester's byte, whether the script was saved as UTF-8 or Windows text.
+        {"UTF-8", "str!121,M\xc3\xbcller\r\n", {"str!121,M\x81ller"}},
+        {"Windows text",
+         "str!121,M\xfcller;\xb5"
+         "A\r",
+         {"str!121,M\x81ller;\xe6"
+          "A"}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        QTemporaryDir dir;
+        const QString script = dir.filePath(QStringLiteral("beispiel.abl"));
+        const QString result = dir.filePath(QStringLiteral("beispiel.txt"));
+        kalvo::testing::WriteFile(script, c.file);
+        kalvo::testing::ScriptedLink s;
+        // Each answer comes in pieces; the next line may only go out once its DC1 is in.
+        for (const QByteArray &line : c.lines)
+            s.transport.Expect(line + "\r").ReplyByteByByte(line.toUpper() + " Wertx= 1.Y\n\x11");
+        QStringList shown;
+        EXPECT_EQ(shell::RunCommandScript(s.link, script, result, [&](const QString &l) { shown << l; }),
+                  c.lines.size());
+        EXPECT_TRUE(s.transport.allExpectationsMet());
+        EXPECT_EQ(shown.size(), c.lines.size());
+        EXPECT_EQ(ReadFile(result).count("Wertx="), c.lines.size());
+    }
+}
+
+TEST(ServiceTerminal, TypedTextOfSeveralLinesGoesOutALineAtATime)
+{
+    const struct {
+        QString typed;
+        QList<QByteArray> lines;
+    } cases[] = {
+        {QStringLiteral("dis?\rver?"), {"dis?", "ver?"}},
+        {QStringLiteral("dis?\r\nver?\n"), {"dis?", "ver?"}},
+        {QString(), {""}}, // an empty command line is a lone CR
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.typed.toStdString());
+        kalvo::testing::ScriptedLink s;
+        QByteArray answers;
+        for (const QByteArray &line : c.lines) {
+            const QByteArray answer = line.toUpper() + ".Y\n\x11";
+            s.transport.Expect(line + "\r").ReplyByteByByte(answer);
+            answers += answer;
+        }
+        EXPECT_EQ(shell::SendTerminalCommand(s.link, c.typed), answers);
+        EXPECT_TRUE(s.transport.allExpectationsMet());
+    }
+}
+
 TEST(ServiceTerminal, AScriptThatStopsHalfWayLeavesTheOldResultAlone)
 {
     QTemporaryDir dir;
@@ -223,7 +286,7 @@ TEST(ServiceTerminal, HelpTextsStepWithKeyOneBetweenThemAndStopReturnsToTheStart
               (QList<QByteArray>{"brk!H 1\r", "tas!1\r", "tas!1\r", "brk!H 2\r", "tas!1\r", "sst!0\r"}));
 }
 
-TEST(ServiceTerminal, DirectPrintingAndTheWerFlag)
+TEST(ServiceTerminal, DirectPrintingAndTheTrace)
 {
     kalvo::testing::SimBench s;
     shell::SetDirectPrinting(s.link, true);
@@ -233,7 +296,6 @@ TEST(ServiceTerminal, DirectPrintingAndTheWerFlag)
     QTemporaryDir dir;
     const QString trace = dir.filePath(QStringLiteral("test.log"));
     s.link.StartTrace(trace);
-    shell::SendTerminalCommand(s.link, QStringLiteral("wer?"));
     shell::SendTerminalCommand(s.link, QStringLiteral("wer?WC"));
     EXPECT_FALSE(s.link.tracing() && ReadFile(trace).isEmpty());
     // Taking the trace empties the file and the trace goes on.
@@ -241,6 +303,21 @@ TEST(ServiceTerminal, DirectPrintingAndTheWerFlag)
     EXPECT_TRUE(taken.contains("wer?WC Wertx="));
     EXPECT_TRUE(s.link.tracing());
     EXPECT_EQ(ReadFile(trace), QByteArray());
+}
+
+TEST(ServiceTerminal, ATypedWerPutsIntoTheTraceOnlyWhatTheTesterSent)
+{
+    QTemporaryDir dir;
+    const QString trace = dir.filePath(QStringLiteral("test.log"));
+    // An accessory's records back to back, each closed by "$FF", in pieces.
+    const QByteArray records = "K1\x13"
+                               "0.5$FFK2\x13"
+                               "1.0$FF\n\x11";
+    kalvo::testing::ScriptedLink s;
+    s.link.StartTrace(trace);
+    s.transport.Expect("wer?\r").ReplyByteByByte(records);
+    EXPECT_EQ(shell::SendTerminalCommand(s.link, QStringLiteral("wer?")), records);
+    EXPECT_EQ(shell::TakeTrace(s.link, trace), records);
 }
 
 TEST(ServiceTerminal, TraceViewsAsTextAndAsDecimalCodes)

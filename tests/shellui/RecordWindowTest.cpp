@@ -142,10 +142,12 @@ TEST_F(RecordWindowTest, AReportBecomesAPdfAndTheRecordsACsvWithARowEach)
     m_dialogs.files.push_back(Path("export.csv"));
     Trigger("fexcel");
     const QList<QByteArray> rows = ReadFile(Path("export.csv")).split('\n');
-    // The header, one row per record, and nothing behind the last line end.
-    ASSERT_EQ(rows.size(), 1 + 14 + 1) << ReadFile(Path("export.csv")).left(400).constData();
+    // The header, one row per record, each ending behind the next record's first character; the
+    // last record's "$FF" has none behind it, and so no line end.
+    ASSERT_EQ(rows.size(), 1 + 14) << ReadFile(Path("export.csv")).left(400).constData();
     EXPECT_TRUE(rows[1].startsWith(";")) << rows[1].left(40).constData();
-    EXPECT_TRUE(rows.last().isEmpty());
+    EXPECT_TRUE(rows[1].endsWith("$FFP\r")) << rows[1].right(40).constData();
+    EXPECT_TRUE(rows.last().endsWith("$FF")) << rows.last().right(40).constData();
 }
 
 TEST_F(RecordWindowTest, RecordsReadInTheWindowGoIntoTheArchiveOnceAndShowInTheWindowArchiv)

@@ -115,7 +115,8 @@ TEST(LinkOverSim, DisplayQueryIsTriedFiveTimes)
         int refusalMessages;
     };
     const Case cases[] = {
-        {"refuse:dis?x4", true, 5, 4},
+        // A refusal is not cured by a later answer: the tries go on, the identification fails.
+        {"refuse:dis?x4", false, 5, 4},
         {"refuse:dis?x5", false, 5, 5},
         {"garbage:dis?x2", true, 3, 0},
     };
