@@ -18,6 +18,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProcess>
@@ -93,6 +95,34 @@ TEST_F(RecordWindowTest, TheStoreListingShowsTestRecordsOnlyAndTheTesterRendersT
     EXPECT_TRUE(Report().contains(QStringLiteral("Infusionspumpe")));
     EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"tas!ron\r", "prn!3,7\r", "rst!0\r"}));
     Screenshot(*m_records, QStringLiteral("records-tester-print"));
+}
+
+TEST_F(RecordWindowTest, EachReportTemplateOfVorlagenRendersTheCurrentRecordWithItsNumber)
+{
+    OpenRecords();
+    QMenu *templates = nullptr;
+    for (QAction *menu : m_records->menuBar()->actions())
+        if (menu->text() == QStringLiteral("Vorlagen"))
+            templates = menu->menu();
+    ASSERT_NE(templates, nullptr);
+    const struct {
+        const char *caption;
+        QByteArray command;
+    } choices[] = {
+        {"1 (DIN VDE 0701)", "prn!1\r"}, {"2 (DIN VDE 0702)", "prn!2\r"}, {"3 (DIN VDE 0751)", "prn!3\r"},
+        {"4 (IEC 601)", "prn!4\r"},      {"5 (Universal)", "prn!0\r"},
+    };
+    const QList<QAction *> entries = templates->actions();
+    ASSERT_EQ(entries.size(), std::size(choices));
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        const auto &choice = choices[i];
+        EXPECT_EQ(entries[i]->text(), QString::fromLatin1(choice.caption)) << i;
+        entries[i]->trigger();
+        EXPECT_TRUE(entries[i]->isChecked()) << choice.caption;
+        const qsizetype before = LinesSince(0).size();
+        Trigger("aktuellProt");
+        EXPECT_EQ(LinesSince(before), QList<QByteArray>{choice.command}) << choice.caption;
+    }
 }
 
 TEST_F(RecordWindowTest, AllRecordsGoToAFileThatReadsBackUnchangedAndBecomeReports)

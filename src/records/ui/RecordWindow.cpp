@@ -107,8 +107,13 @@ void RecordWindow::BuildMenus()
 
     QMenu *templates = menuBar()->addMenu(QStringLiteral("Vorlagen"));
     auto *group = new QActionGroup(this);
-    const std::pair<const char *, int> entries[] = {
-        {"Vorlage 1", 1}, {"Vorlage 2", 2}, {"Vorlage 3", 3}, {"Vorlage 4", 4}, {"Universal", 0}};
+    // Each caption names the regulation whose report the template lays out; the fifth, the
+    // universal one, is the tester's template 0.
+    const std::pair<const char *, int> entries[] = {{"1 (DIN VDE 0701)", 1},
+                                                    {"2 (DIN VDE 0702)", 2},
+                                                    {"3 (DIN VDE 0751)", 3},
+                                                    {"4 (IEC 601)", 4},
+                                                    {"5 (Universal)", 0}};
     for (const auto &[caption, number] : entries) {
         QAction *a = templates->addAction(QString::fromLatin1(caption));
         a->setObjectName(QStringLiteral("vorlage%1").arg(number));
