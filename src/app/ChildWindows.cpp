@@ -48,7 +48,7 @@ void ChildWindows::Present(QWidget *window)
 }
 
 shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &texts,
-                                                    const QString &defaultBackupName)
+                                                    const QStringList &backupNames)
 {
     emit terminalOpened(); // loading the service form ends the development-terminal mode
     if (!m_service) {
@@ -70,8 +70,8 @@ shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &t
         connect(m_servicePanel, &config::ui::ServiceConfigPanel::d3Reset, this, &ChildWindows::d3Reset);
         SetBusy(m_device.busy());
     }
-    if (!defaultBackupName.isEmpty())
-        m_servicePanel->setDefaultBackupName(defaultBackupName);
+    if (!backupNames.isEmpty())
+        m_servicePanel->setBackupNames(backupNames);
     Present(m_service);
     return m_service;
 }

@@ -49,7 +49,8 @@ public:
     ~ChildWindows() override;
 
     // Each opens its window, or raises it when it is open already.
-    shell::ui::ServiceWindow *OpenService(const link::LanguageTable &texts, const QString &defaultBackupName);
+    // `backupNames`: what the calibration backup offers, the first preset; none keeps the last.
+    shell::ui::ServiceWindow *OpenService(const link::LanguageTable &texts, const QStringList &backupNames);
     records::ui::RecordWindow *OpenRecords(const QString &language);
     modem::ui::ModemWindow *OpenModem(const link::LanguageTable &texts);
     // The test-specification database FRMDB; a test record clicked there opens in the record

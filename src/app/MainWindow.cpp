@@ -162,10 +162,10 @@ void MainWindow::ConnectMenus()
     on(m_menu->records, [this] { m_windows->OpenRecords(m_texts.language()); });
     on(m_menu->specifications, [this] { m_windows->OpenDatabase(m_texts); });
     on(m_menu->archive, [this] { m_windows->OpenArchive(m_texts.language()); });
+    // A backup is offered under the tester's name and under the serial number SetSRNr shows.
     on(m_menu->service, [this] {
-        const QByteArray &designation = m_identity.shortDesignation;
-        m_windows->OpenService(m_texts,
-                               designation.isEmpty() ? QString() : config::DefaultBackupName(designation));
+        m_windows->OpenService(
+            m_texts, config::CalibrationBackupNames(m_identity.shortDesignation, m_identity.serialNumber));
     });
     connect(m_menu->languages, &shell::ui::LanguageMenu::chosen, this, &MainWindow::SetLanguage);
     on(m_menu->helpContents, [this] {

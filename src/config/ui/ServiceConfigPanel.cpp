@@ -14,6 +14,7 @@
 #include "link/TextRules.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -45,14 +46,19 @@ ServiceConfigPanel::ServiceConfigPanel(gui::DeviceThread &device, TextSink show,
     frame->setContentsMargins(0, 0, 0, 0);
     m_label2 = new QLabel(m_calibrationFrame);
     m_label2->setObjectName(QStringLiteral("Label2"));
-    m_text1 = new QLineEdit(m_calibrationFrame);
+    m_backupName = new QComboBox(m_calibrationFrame);
+    m_backupName->setObjectName(QStringLiteral("backupNames"));
+    m_backupName->setEditable(true);
+    m_backupName->setInsertPolicy(QComboBox::NoInsert); // a typed name is used, not remembered
+    m_text1 = new QLineEdit(m_backupName);
     m_text1->setObjectName(QStringLiteral("Text1"));
+    m_backupName->setLineEdit(m_text1);
     m_speichern = new QPushButton(QStringLiteral("speichern"), m_calibrationFrame);
     m_speichern->setObjectName(QStringLiteral("speichern"));
     m_kalibfiles = new QListWidget(m_calibrationFrame);
     m_kalibfiles->setObjectName(QStringLiteral("kalibfiles"));
     auto *nameRow = new QHBoxLayout;
-    nameRow->addWidget(m_text1, 1);
+    nameRow->addWidget(m_backupName, 1);
     nameRow->addWidget(m_speichern);
     frame->addWidget(m_label2);
     frame->addLayout(nameRow);
@@ -177,8 +183,10 @@ void ServiceConfigPanel::ResetD3()
 void ServiceConfigPanel::BeginBackup()
 {
     m_label2->setText(QStringLiteral("speichern unter"));
-    m_text1->setText(m_defaultBackup);
-    m_text1->show();
+    m_backupName->clear();
+    m_backupName->addItems(m_backupNames);
+    m_backupName->setCurrentIndex(0);
+    m_backupName->show();
     m_speichern->show();
     m_kalibfiles->hide();
     m_calibrationFrame->show();
@@ -187,7 +195,7 @@ void ServiceConfigPanel::BeginBackup()
 void ServiceConfigPanel::BeginRestore()
 {
     m_label2->setText(QStringLiteral("rückspeichern aus"));
-    m_text1->hide();
+    m_backupName->hide();
     m_speichern->hide();
     m_kalibfiles->clear();
     m_kalibfiles->addItems(QDir(m_dir).entryList({QStringLiteral("*.cal")}, QDir::Files, QDir::Name));

@@ -6,6 +6,7 @@
 #include <functional>
 
 class QAction;
+class QComboBox;
 class QLabel;
 class QLineEdit;
 class QListWidget;
@@ -36,8 +37,9 @@ public:
     void SetBusy(bool busy);
     // The calibration files are looked for and written here (the current directory).
     void setDirectory(const QString &dir) { m_dir = dir; }
-    // The default backup name: the tester's short designation + ".cal".
-    void setDefaultBackupName(const QString &name) { m_defaultBackup = name; }
+    // The names a backup is offered under (CalibrationBackupNames): the first is preset in Text1,
+    // the others are a choice away.
+    void setBackupNames(const QStringList &names) { m_backupNames = names; }
 
 signals:
     // Register D3 was set to 0: the main form's D3 switch is off now.
@@ -63,12 +65,13 @@ private:
     TextSink m_show;
     std::function<void(const QString &)> m_command;
     QString m_dir;
-    QString m_defaultBackup = QStringLiteral("kalvomer.cal");
+    QStringList m_backupNames{QStringLiteral("kalvomer.cal")};
 
     QListWidget *m_readvar;
     QLabel *m_variablesLabel;
     QWidget *m_calibrationFrame;
     QLabel *m_label2;
+    QComboBox *m_backupName; // the names offered, with Text1 as its text box
     QLineEdit *m_text1;
     QListWidget *m_kalibfiles;
     QPushButton *m_speichern;
