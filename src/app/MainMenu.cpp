@@ -54,6 +54,9 @@ MainMenu::MainMenu(QMenuBar *bar) : QObject(bar)
     development = entry(nullptr, "Entw");
     development->setCheckable(true);
     development->setVisible(false);
+    ras = entry(settings, "RAS");
+    ras->setCheckable(true);
+    ras->setVisible(false);
     exit = entry(nullptr, "Beenden");
     exit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
@@ -83,7 +86,8 @@ void MainMenu::ApplyTexts(const link::LanguageTable &texts)
                                                            {helpContents, link::TxtMenuHelpContents},
                                                            {info, link::TxtMenuInfo},
                                                            {exit, link::TxtMenuExit},
-                                                           {development, link::TxtMenuDevelopment}};
+                                                           {development, link::TxtMenuDevelopment},
+                                                           {ras, link::TxtLabelDisplay}};
     for (const auto &[action, id] : captions)
         action->setText(texts.text(id));
     settings->setTitle(texts.text(link::TxtMenuSettings));

@@ -30,6 +30,8 @@ public:
     QAction *connection, *config, *clock, *name, *mitBez, *quillbank, *setKal, *modem;
     QAction *kuschl, *ubez, *pzhv;
     QAction *records, *specifications, *archive, *service, *helpContents, *info, *development, *exit;
+    // Development mode only: RAS shows or hides the tester's display as it sends it.
+    QAction *ras;
 };
 
 } // namespace kalvo::app

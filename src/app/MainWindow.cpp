@@ -78,6 +78,8 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
     m_menu->setKal->setVisible(m_startup.switches.service || m_startup.switches.development);
     if (m_startup.switches.development) {
         m_menu->development->setVisible(true);
+        m_menu->ras->setVisible(true);
+        m_update->SetDevelopment(true);
         const QString trace = QDir::current().filePath(QStringLiteral("test.log"));
         m_device->Configure([trace](link::Link &link) { link.StartTrace(trace); });
     }
@@ -93,6 +95,9 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
         m_display->Show(bytes);
         m_displayDock->show();
     });
+    // RAS follows the display dock however it was shown or closed.
+    connect(m_menu->ras, &QAction::triggered, m_displayDock, &QDockWidget::setVisible);
+    connect(m_displayDock, &QDockWidget::visibilityChanged, m_menu->ras, &QAction::setChecked);
     connect(m_windows, &ChildWindows::terminalOpened, this, [this] {
         m_developmentTerminal = false;
         m_menu->development->setChecked(false);
