@@ -90,7 +90,7 @@ void UpdatePanel::ApplyTexts(const link::LanguageTable &texts)
     m_syst->setText(UpdateCaptionText(UpdateCaption::System, language));
     m_packageMenu->setTitle(UpdateCaptionText(UpdateCaption::Package, language));
     m_manu->setText(UpdateCaptionText(UpdateCaption::Manual, language));
-    m_fileChoice->SetFolderCaption(UpdateCaptionText(UpdateCaption::Folder, language));
+    m_fileChoice->SetLanguage(language);
     m_updateFrame->setTitle(UpdateCaptionText(UpdateCaption::Menu, language));
     m_updateFrame->SetCaptions(texts.text(link::TxtButtonOk), texts.text(link::TxtButtonCancel));
     // A language switch lists the update folder again.
