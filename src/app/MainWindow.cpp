@@ -64,7 +64,7 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
     m_status = new gui::StatusLine(*m_device, this);
     setStatusBar(m_status);
     BuildFrames();
-    m_menu = new MainMenu(menuBar());
+    m_menu = new MainMenu(menuBar(), *m_limits);
     menuBar()->insertMenu(m_menu->languages->menuAction(), m_update->menu());
     ConnectMenus();
 
@@ -159,12 +159,7 @@ void MainWindow::ConnectMenus()
     on(m_menu->quillbank, [this] { ToggleSwitch(false); });
     on(m_menu->setKal, &MainWindow::RestoreCalibrationFromFile);
     on(m_menu->modem, [this] { m_windows->OpenModem(m_texts); });
-    const std::pair<QAction *, config::LimitKind> limits[] = {{m_menu->kuschl, config::LimitKind::Kuschl},
-                                                              {m_menu->ubez, config::LimitKind::Ubez},
-                                                              {m_menu->pzhv, config::LimitKind::Pzhv}};
-    for (const auto &[entry, kind] : limits)
-        on(entry, [this, entry = entry, kind = kind] { m_limits->Edit(kind, Caption(entry)); });
-    on(m_menu->records, [this] { m_windows->OpenRecords(m_texts.language()); });
+    on(m_menu->records, [this] { m_windows->OpenRecords(m_texts); });
     on(m_menu->specifications, [this] { m_windows->OpenDatabase(m_texts); });
     on(m_menu->archive, [this] { m_windows->OpenArchive(m_texts.language()); });
     // A backup is offered under the tester's name and under the serial number SetSRNr shows.

@@ -5,6 +5,7 @@
 #include "archive/ui/ArchiveWindow.h"
 #include "gui/DeviceThread.h"
 #include "link/Link.h"
+#include "link/TextIds.h"
 #include "records/RecordSamples.h"
 #include "sim/SampleRecords.h"
 #include "support/TestFiles.h"
@@ -23,6 +24,8 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProcess>
+#include <QPushButton>
+#include <QScrollBar>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
@@ -123,6 +126,34 @@ TEST_F(RecordWindowTest, EachReportTemplateOfVorlagenRendersTheCurrentRecordWith
         Trigger("aktuellProt");
         EXPECT_EQ(LinesSince(before), QList<QByteArray>{choice.command}) << choice.caption;
     }
+}
+
+TEST_F(RecordWindowTest, TheRecordWindowEditsTheLimitsWithAFrameOfItsOwn)
+{
+    OpenRecords();
+    auto *frame = m_records->findChild<QWidget *>(QStringLiteral("GWFrame"));
+    ASSERT_NE(frame, nullptr);
+    EXPECT_FALSE(frame->isVisible());
+    Trigger("Ubez");
+    ASSERT_TRUE(WaitUntil([&] { return frame->isVisible(); }));
+    auto *scroll = frame->findChild<QScrollBar *>(QStringLiteral("VScroll1"));
+    EXPECT_EQ(scroll->maximum(), 300);
+    scroll->setValue(300);
+    EXPECT_EQ(frame->findChild<QLabel *>(QStringLiteral("Label10"))->text(), QStringLiteral(" 300 V"));
+    const qsizetype before = LinesSince(0).size();
+    QMetaObject::invokeMethod(frame->findChild<QPushButton *>(QStringLiteral("GWok")), "click");
+    ASSERT_TRUE(Idle());
+    QMetaObject::invokeMethod(frame->findChild<QPushButton *>(QStringLiteral("GWspeichern")), "click");
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"wer!bgw601_UBEZ+300 V\r", "cfg!pgm\r"}));
+    // The main window's frame is another one and stays as it was.
+    EXPECT_FALSE(m_window->findChild<QWidget *>(QStringLiteral("GWFrame"))->isVisible());
+    // Its entries speak the program's language.
+    m_window->findChild<QAction *>(QStringLiteral("english"))->trigger();
+    EXPECT_EQ(m_records->findChild<QAction *>(QStringLiteral("Ubez"))->text(),
+              m_window->texts().text(link::TxtMenuLimitReferenceVoltage));
+    EXPECT_EQ(m_records->findChild<QMenu *>(QStringLiteral("grenzwerte"))->title(),
+              m_window->texts().text(link::TxtMenuLimits));
 }
 
 TEST_F(RecordWindowTest, AllRecordsGoToAFileThatReadsBackUnchangedAndBecomeReports)

@@ -17,6 +17,7 @@
 
 #include <QActionGroup>
 #include <QDir>
+#include <QDockWidget>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -129,6 +130,23 @@ void RecordWindow::AddTemplateTools(QMenu *menu, QWidget *fileLabel, QWidget *nu
     menuBar()->addMenu(menu);
     m_templateBar->addWidget(fileLabel, 1);
     m_templateBar->addWidget(numberEntry);
+}
+
+void RecordWindow::AddLimitTools(QMenu *menu, QWidget *frame)
+{
+    menuBar()->addMenu(menu);
+    m_limitDock = new QDockWidget(this);
+    m_limitDock->setObjectName(QStringLiteral("limitDock"));
+    m_limitDock->setWidget(frame);
+    m_limitDock->setFeatures(QDockWidget::DockWidgetClosable);
+    addDockWidget(Qt::RightDockWidgetArea, m_limitDock);
+    m_limitDock->hide();
+}
+
+void RecordWindow::ShowLimitFrame()
+{
+    if (m_limitDock)
+        m_limitDock->show();
 }
 
 void RecordWindow::ShowingTemplate()
