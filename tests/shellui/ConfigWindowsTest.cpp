@@ -133,8 +133,9 @@ TEST_F(ConfigWindowsTest, TheServiceFormListsVariablesDumpsAndBacksUpAndRestores
 
     // Back up under the tester's name, and under the name the serial number in SetSRNr makes;
     // then restore the first and store it on OK.
-    EXPECT_EQ(window.findChild<QLineEdit *>(QStringLiteral("SetSRNr"))->text(),
-              QStringLiteral("0471 1203 5567"));
+    auto *serial = window.findChild<QLineEdit *>(QStringLiteral("SetSRNr"));
+    ASSERT_NE(serial, nullptr);
+    EXPECT_EQ(serial->text(), QStringLiteral("0471 1203 5567"));
     Trigger(*service, "readcal");
     auto *name = service->findChild<QLineEdit *>(QStringLiteral("Text1"));
     EXPECT_EQ(name->text(), QStringLiteral("KALVO-01.cal"));

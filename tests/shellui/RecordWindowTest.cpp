@@ -119,7 +119,7 @@ TEST_F(RecordWindowTest, EachReportTemplateOfVorlagenRendersTheCurrentRecordWith
     ASSERT_EQ(entries.size(), std::size(choices));
     for (qsizetype i = 0; i < entries.size(); ++i) {
         const auto &choice = choices[i];
-        EXPECT_EQ(entries[i]->text(), QString::fromLatin1(choice.caption)) << i;
+        EXPECT_EQ(entries[i]->text().toStdString(), choice.caption) << i;
         entries[i]->trigger();
         EXPECT_TRUE(entries[i]->isChecked()) << choice.caption;
         const qsizetype before = LinesSince(0).size();
@@ -146,6 +146,7 @@ TEST_F(RecordWindowTest, TheRecordWindowEditsTheLimitsWithAFrameOfItsOwn)
     QMetaObject::invokeMethod(frame->findChild<QPushButton *>(QStringLiteral("GWspeichern")), "click");
     ASSERT_TRUE(Idle());
     EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"wer!bgw601_UBEZ+300 V\r", "cfg!pgm\r"}));
+    Screenshot(*m_records, QStringLiteral("records-limit-frame"));
     // The main window's frame is another one and stays as it was.
     EXPECT_FALSE(m_window->findChild<QWidget *>(QStringLiteral("GWFrame"))->isVisible());
     // Its entries speak the program's language.
