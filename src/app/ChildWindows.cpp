@@ -6,6 +6,8 @@
 #include "archive/ArchiveSession.h"
 #include "archive/RecordKeeping.h"
 #include "archive/ui/ArchiveWindow.h"
+#include "config/ui/LimitFrame.h"
+#include "config/ui/LimitMenu.h"
 #include "config/ui/ServiceConfigPanel.h"
 #include "gui/DeviceThread.h"
 #include "gui/WindowPlacement.h"
@@ -48,7 +50,7 @@ void ChildWindows::Present(QWidget *window)
 }
 
 shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &texts,
-                                                    const QString &defaultBackupName)
+                                                    const QStringList &backupNames)
 {
     emit terminalOpened(); // loading the service form ends the development-terminal mode
     if (!m_service) {
@@ -70,13 +72,13 @@ shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &t
         connect(m_servicePanel, &config::ui::ServiceConfigPanel::d3Reset, this, &ChildWindows::d3Reset);
         SetBusy(m_device.busy());
     }
-    if (!defaultBackupName.isEmpty())
-        m_servicePanel->setDefaultBackupName(defaultBackupName);
+    if (!backupNames.isEmpty())
+        m_servicePanel->setBackupNames(backupNames);
     Present(m_service);
     return m_service;
 }
 
-records::ui::RecordWindow *ChildWindows::OpenRecords(const QString &language)
+records::ui::RecordWindow *ChildWindows::OpenRecords(const link::LanguageTable &texts)
 {
     if (!m_records) {
         m_records = new records::ui::RecordWindow(m_device, m_programDir);
@@ -87,9 +89,16 @@ records::ui::RecordWindow *ChildWindows::OpenRecords(const QString &language)
                                     m_templates->numberEntry());
         connect(m_templates, &update::ui::TemplateTools::templateShown, m_records,
                 &records::ui::RecordWindow::ShowingTemplate);
-        m_records->SetBusy(m_device.busy());
+        // The main window's limit editor again, with controls of the record window's own.
+        m_recordLimits = new config::ui::LimitFrame(m_device);
+        m_recordLimitMenu =
+            new config::ui::LimitMenu(*m_recordLimits, QStringLiteral("grenzwerte"), m_records);
+        m_records->AddLimitTools(m_recordLimitMenu, m_recordLimits);
+        connect(m_recordLimits, &config::ui::LimitFrame::loaded, m_records,
+                &records::ui::RecordWindow::ShowLimitFrame);
+        SetBusy(m_device.busy());
     }
-    m_records->SetLanguage(language);
+    ApplyRecordTexts(texts);
     Present(m_records);
     return m_records;
 }
@@ -112,7 +121,7 @@ specdb::ui::DatabaseWindow *ChildWindows::OpenDatabase(const link::LanguageTable
             m_device, texts, specdb::RegulationRules{specdb::ApplyDefaults, specdb::LooserLimits});
         m_database->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_database, &specdb::ui::DatabaseWindow::testRecordChosen, this,
-                [this, &texts](int number) { OpenRecords(texts.language())->ShowStoredRecord(number); });
+                [this, &texts](int number) { OpenRecords(texts)->ShowStoredRecord(number); });
         m_database->SetBusy(m_device.busy());
     }
     Present(m_database);
@@ -180,7 +189,7 @@ void ChildWindows::ApplyTexts(const link::LanguageTable &texts)
         m_servicePanel->ApplyTexts(texts);
     }
     if (m_records)
-        m_records->SetLanguage(texts.language());
+        ApplyRecordTexts(texts);
     if (m_modem)
         m_modem->ApplyTexts(texts);
     if (m_archive)
@@ -198,11 +207,21 @@ void ChildWindows::SetBusy(bool busy)
     if (m_records) {
         m_records->SetBusy(busy);
         m_templates->SetBusy(busy);
+        m_recordLimits->SetBusy(busy);
+        for (QAction *entry : m_recordLimitMenu->entries())
+            entry->setEnabled(!busy);
     }
     if (m_modem)
         m_modem->SetBusy(busy);
     if (m_database)
         m_database->SetBusy(busy);
+}
+
+void ChildWindows::ApplyRecordTexts(const link::LanguageTable &texts)
+{
+    m_records->SetLanguage(texts.language());
+    m_recordLimits->ApplyTexts(texts);
+    m_recordLimitMenu->ApplyTexts(texts);
 }
 
 void ChildWindows::CloseAll()

@@ -18,8 +18,10 @@ class HelpWindow;
 class ServiceWindow;
 } // namespace kalvo::shell::ui
 namespace kalvo::config::ui {
+class LimitFrame;
+class LimitMenu;
 class ServiceConfigPanel;
-}
+} // namespace kalvo::config::ui
 namespace kalvo::records::ui {
 class RecordWindow;
 }
@@ -49,8 +51,10 @@ public:
     ~ChildWindows() override;
 
     // Each opens its window, or raises it when it is open already.
-    shell::ui::ServiceWindow *OpenService(const link::LanguageTable &texts, const QString &defaultBackupName);
-    records::ui::RecordWindow *OpenRecords(const QString &language);
+    // `backupNames`: what the calibration backup offers, the first preset; none keeps the last.
+    shell::ui::ServiceWindow *OpenService(const link::LanguageTable &texts, const QStringList &backupNames);
+    // The record window, with a limit menu and frame of its own.
+    records::ui::RecordWindow *OpenRecords(const link::LanguageTable &texts);
     modem::ui::ModemWindow *OpenModem(const link::LanguageTable &texts);
     // The test-specification database FRMDB; a test record clicked there opens in the record
     // window. `texts` must outlive the window.
@@ -74,6 +78,7 @@ signals:
 
 private:
     void Present(QWidget *window);
+    void ApplyRecordTexts(const link::LanguageTable &texts);
     // Records a window read go into the archive too, on the archive's thread; the user is told
     // what could not be kept.
     void KeepInArchive(const QList<QByteArray> &records, const QString &file, bool fromAccessory);
@@ -87,6 +92,8 @@ private:
     QPointer<config::ui::ServiceConfigPanel> m_servicePanel;
     QPointer<records::ui::RecordWindow> m_records;
     QPointer<update::ui::TemplateTools> m_templates; // a child of the record window
+    QPointer<config::ui::LimitFrame> m_recordLimits; // the record window's, as are the two below
+    QPointer<config::ui::LimitMenu> m_recordLimitMenu;
     QPointer<modem::ui::ModemWindow> m_modem;
     QPointer<specdb::ui::DatabaseWindow> m_database;
     QPointer<archive::ui::ArchiveWindow> m_archive;

@@ -1,6 +1,7 @@
 // The menu bar of the main window: its entries, their object names and their captions.
 #include "MainMenu.h"
 
+#include "config/ui/LimitMenu.h"
 #include "link/LanguageTable.h"
 #include "shell/ui/LanguageMenu.h"
 
@@ -9,7 +10,7 @@
 
 namespace kalvo::app {
 
-MainMenu::MainMenu(QMenuBar *bar) : QObject(bar)
+MainMenu::MainMenu(QMenuBar *bar, config::ui::LimitFrame &limitFrame) : QObject(bar)
 {
     const auto entry = [bar](QMenu *menu, const char *objectName) {
         QAction *a = menu ? menu->addAction(QString()) : bar->addAction(QString());
@@ -36,10 +37,11 @@ MainMenu::MainMenu(QMenuBar *bar) : QObject(bar)
     setKal->setVisible(false);
     modem = entry(settings, "modem");
 
-    limits = menu("grenzwerte");
-    kuschl = entry(limits, "kuschl");
-    ubez = entry(limits, "Ubez");
-    pzhv = entry(limits, "PZHV");
+    limits = new config::ui::LimitMenu(limitFrame, QStringLiteral("grenzwerte"), bar);
+    bar->addMenu(limits);
+    kuschl = limits->entries().at(0);
+    ubez = limits->entries().at(1);
+    pzhv = limits->entries().at(2);
     records = entry(nullptr, "protokolle");
     specifications = entry(nullptr, "datenbank");
     archive = entry(nullptr, "archiv");
@@ -54,6 +56,9 @@ MainMenu::MainMenu(QMenuBar *bar) : QObject(bar)
     development = entry(nullptr, "Entw");
     development->setCheckable(true);
     development->setVisible(false);
+    ras = entry(settings, "RAS");
+    ras->setCheckable(true);
+    ras->setVisible(false);
     exit = entry(nullptr, "Beenden");
     exit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 }
@@ -77,17 +82,15 @@ void MainMenu::ApplyTexts(const link::LanguageTable &texts)
                                                            {quillbank, link::TxtMenuQuillbank},
                                                            {setKal, link::TxtMenuRestoreCalibration},
                                                            {modem, link::TxtMenuModem},
-                                                           {kuschl, link::TxtMenuLimitShortCircuit},
-                                                           {ubez, link::TxtMenuLimitReferenceVoltage},
-                                                           {pzhv, link::TxtMenuLimitHighVoltageTime},
                                                            {helpContents, link::TxtMenuHelpContents},
                                                            {info, link::TxtMenuInfo},
                                                            {exit, link::TxtMenuExit},
-                                                           {development, link::TxtMenuDevelopment}};
+                                                           {development, link::TxtMenuDevelopment},
+                                                           {ras, link::TxtLabelDisplay}};
     for (const auto &[action, id] : captions)
         action->setText(texts.text(id));
     settings->setTitle(texts.text(link::TxtMenuSettings));
-    limits->setTitle(texts.text(link::TxtMenuLimits));
+    limits->ApplyTexts(texts);
     languages->setTitle(texts.text(link::TxtMenuLanguage));
     help->setTitle(texts.text(link::TxtMenuHelp));
     languages->ShowChosen(texts.language());

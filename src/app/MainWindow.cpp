@@ -64,7 +64,7 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
     m_status = new gui::StatusLine(*m_device, this);
     setStatusBar(m_status);
     BuildFrames();
-    m_menu = new MainMenu(menuBar());
+    m_menu = new MainMenu(menuBar(), *m_limits);
     menuBar()->insertMenu(m_menu->languages->menuAction(), m_update->menu());
     ConnectMenus();
 
@@ -78,6 +78,8 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
     m_menu->setKal->setVisible(m_startup.switches.service || m_startup.switches.development);
     if (m_startup.switches.development) {
         m_menu->development->setVisible(true);
+        m_menu->ras->setVisible(true);
+        m_update->SetDevelopment(true);
         const QString trace = QDir::current().filePath(QStringLiteral("test.log"));
         m_device->Configure([trace](link::Link &link) { link.StartTrace(trace); });
     }
@@ -93,6 +95,9 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
         m_display->Show(bytes);
         m_displayDock->show();
     });
+    // RAS follows the display dock however it was shown or closed.
+    connect(m_menu->ras, &QAction::triggered, m_displayDock, &QDockWidget::setVisible);
+    connect(m_displayDock, &QDockWidget::visibilityChanged, m_menu->ras, &QAction::setChecked);
     connect(m_windows, &ChildWindows::terminalOpened, this, [this] {
         m_developmentTerminal = false;
         m_menu->development->setChecked(false);
@@ -154,18 +159,13 @@ void MainWindow::ConnectMenus()
     on(m_menu->quillbank, [this] { ToggleSwitch(false); });
     on(m_menu->setKal, &MainWindow::RestoreCalibrationFromFile);
     on(m_menu->modem, [this] { m_windows->OpenModem(m_texts); });
-    const std::pair<QAction *, config::LimitKind> limits[] = {{m_menu->kuschl, config::LimitKind::Kuschl},
-                                                              {m_menu->ubez, config::LimitKind::Ubez},
-                                                              {m_menu->pzhv, config::LimitKind::Pzhv}};
-    for (const auto &[entry, kind] : limits)
-        on(entry, [this, entry = entry, kind = kind] { m_limits->Edit(kind, Caption(entry)); });
-    on(m_menu->records, [this] { m_windows->OpenRecords(m_texts.language()); });
+    on(m_menu->records, [this] { m_windows->OpenRecords(m_texts); });
     on(m_menu->specifications, [this] { m_windows->OpenDatabase(m_texts); });
     on(m_menu->archive, [this] { m_windows->OpenArchive(m_texts.language()); });
+    // A backup is offered under the tester's name and under the serial number SetSRNr shows.
     on(m_menu->service, [this] {
-        const QByteArray &designation = m_identity.shortDesignation;
-        m_windows->OpenService(m_texts,
-                               designation.isEmpty() ? QString() : config::DefaultBackupName(designation));
+        m_windows->OpenService(
+            m_texts, config::CalibrationBackupNames(m_identity.shortDesignation, m_identity.serialNumber));
     });
     connect(m_menu->languages, &shell::ui::LanguageMenu::chosen, this, &MainWindow::SetLanguage);
     on(m_menu->helpContents, [this] {

@@ -166,6 +166,16 @@ QString SerialBackupName(const QByteArray &serialNumber)
     return QString::fromLatin1(serial.left(8)) + QStringLiteral(".cal");
 }
 
+QStringList CalibrationBackupNames(const QByteArray &shortDesignation, const QByteArray &serialNumber)
+{
+    QStringList names;
+    if (!shortDesignation.trimmed().isEmpty())
+        names << DefaultBackupName(shortDesignation);
+    if (!serialNumber.trimmed().isEmpty() && !names.contains(SerialBackupName(serialNumber)))
+        names << SerialBackupName(serialNumber);
+    return names;
+}
+
 namespace {
 
 QList<CalibrationEntry> ParseEntries(const QString &path, const QList<QByteArray> &lines,

@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <functional>
 
 namespace kalvo::link {
@@ -41,6 +42,10 @@ QString DefaultBackupName(const QByteArray &shortDesignation);
 // The main form's name from the serial number: blanks removed; six 0xFF (an erased number)
 // give "error"; 12 characters or more the first 7, ".", the last 3; otherwise the first 8 + ".cal".
 QString SerialBackupName(const QByteArray &serialNumber);
+// The names a backup is offered under, the one to preset first: the designation's name, then the
+// serial number's; a part the tester did not report (only blanks) gives none, and a name already
+// offered is not offered twice.
+QStringList CalibrationBackupNames(const QByteArray &shortDesignation, const QByteArray &serialNumber);
 
 enum class RestoreSource {
     ServiceForm, // skips empty lines

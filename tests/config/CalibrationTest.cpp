@@ -226,6 +226,23 @@ TEST(Calibration, BackupNames)
     };
     for (const auto &c : cases)
         EXPECT_EQ(config::SerialBackupName(c.serial), QString::fromLatin1(c.name)) << c.serial.constData();
+
+    // What the save offers: the designation's name first, the serial number's second.
+    const struct {
+        QByteArray designation, serial;
+        QStringList offered;
+    } offers[] = {
+        {"KALVO-01", "0471 1203 5567", {"KALVO-01.cal", "0471120.567"}},
+        {"KALVO-01", "", {"KALVO-01.cal"}},
+        {"        ", "0471 1203 5567", {"0471120.567"}},
+        {"", "", {}},
+        {"", "   ", {}},
+        {"1234", "12 34", {"1234.cal"}}, // the same name once
+        {"KALVO-01", "\xFF\xFF\xFF\xFF\xFF\xFF", {"KALVO-01.cal", "error"}},
+    };
+    for (const auto &o : offers)
+        EXPECT_EQ(config::CalibrationBackupNames(o.designation, o.serial), o.offered)
+            << o.designation.constData() << "|" << o.serial.constData();
 }
 
 TEST(Calibration, DiffListsChangedEntriesWithTheirRelativeChange)

@@ -5,6 +5,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QFile>
 #include <QLabel>
@@ -130,14 +131,26 @@ TEST_F(ConfigWindowsTest, TheServiceFormListsVariablesDumpsAndBacksUpAndRestores
     ASSERT_TRUE(WaitUntil([&] { return terminal->toPlainText().count(QLatin1Char('\n')) >= 48; }));
     EXPECT_TRUE(terminal->toPlainText().startsWith(QStringLiteral("D0: ==")));
 
-    // Back up under the tester's name, then restore it and store it on OK.
+    // Back up under the tester's name, and under the name the serial number in SetSRNr makes;
+    // then restore the first and store it on OK.
+    auto *serial = window.findChild<QLineEdit *>(QStringLiteral("SetSRNr"));
+    ASSERT_NE(serial, nullptr);
+    EXPECT_EQ(serial->text(), QStringLiteral("0471 1203 5567"));
     Trigger(*service, "readcal");
     auto *name = service->findChild<QLineEdit *>(QStringLiteral("Text1"));
     EXPECT_EQ(name->text(), QStringLiteral("KALVO-01.cal"));
     Click(*service, "speichern");
-    QFile backup(m_dir.filePath(QStringLiteral("KALVO-01.cal")));
-    ASSERT_TRUE(backup.open(QIODevice::ReadOnly));
-    EXPECT_EQ(backup.readAll().count("\r\n"), 51);
+    auto *offered = service->findChild<QComboBox *>(QStringLiteral("backupNames"));
+    ASSERT_NE(offered, nullptr);
+    ASSERT_EQ(offered->count(), 2);
+    offered->setCurrentIndex(1);
+    EXPECT_EQ(name->text(), QStringLiteral("0471120.567"));
+    Click(*service, "speichern");
+    for (const char *file : {"KALVO-01.cal", "0471120.567"}) {
+        QFile backup(m_dir.filePath(QString::fromLatin1(file)));
+        ASSERT_TRUE(backup.open(QIODevice::ReadOnly)) << file;
+        EXPECT_EQ(backup.readAll().count("\r\n"), 51) << file;
+    }
 
     Trigger(*service, "storecal");
     auto *files = service->findChild<QListWidget *>(QStringLiteral("kalibfiles"));

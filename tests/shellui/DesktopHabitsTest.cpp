@@ -133,8 +133,8 @@ TEST_F(DesktopHabitsTest, ClosingTheMainWindowClosesEveryWindowAndThePort)
     auto &window = Open();
     ASSERT_TRUE(ConnectToSimulator());
     ASSERT_TRUE(window.device().portOpen());
-    QPointer<QWidget> records = window.windows().OpenRecords(QStringLiteral("deutsch"));
-    QPointer<QWidget> service = window.windows().OpenService(window.texts(), QString());
+    QPointer<QWidget> records = window.windows().OpenRecords(window.texts());
+    QPointer<QWidget> service = window.windows().OpenService(window.texts(), {});
     QPointer<QWidget> modem = window.windows().OpenModem(window.texts());
     ASSERT_TRUE(records && service && modem);
     window.close(); // the title bar's button, Alt+F4
@@ -153,9 +153,8 @@ TEST_F(DesktopHabitsTest, TheRecordAndServiceWindowsOpenWholeOnTheScreen)
     const QRect screen = window.screen()->availableGeometry();
     // A screen smaller than the windows would like: they shrink to it rather than hang over.
     ASSERT_LT(screen.width(), 1100) << "the offscreen screen has grown; pick larger windows";
-    for (QWidget *opened :
-         {static_cast<QWidget *>(window.windows().OpenRecords(QStringLiteral("deutsch"))),
-          static_cast<QWidget *>(window.windows().OpenService(window.texts(), QString()))}) {
+    for (QWidget *opened : {static_cast<QWidget *>(window.windows().OpenRecords(window.texts())),
+                            static_cast<QWidget *>(window.windows().OpenService(window.texts(), {}))}) {
         QApplication::processEvents();
         EXPECT_TRUE(screen.contains(opened->frameGeometry()))
             << opened->objectName().toStdString() << " at " << opened->frameGeometry().x() << ","

@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QDockWidget>
 #include <QFile>
 #include <QLabel>
 #include <QTextBrowser>
@@ -94,8 +95,14 @@ TEST_F(MainWindowFlowsTest, HelpFollowsTheLanguageAndInfoShowsTheVersion)
 
 TEST_F(MainWindowFlowsTest, SwitchesOpenConfigurationAtStartAndShowDevelopmentEntries)
 {
+    // The development entries, hidden without "/Entw" and shown with it.
+    const char *const development[] = {"Entw", "RAS", "manu"};
     auto &plain = Open();
-    EXPECT_FALSE(plain.findChild<QAction *>(QStringLiteral("Entw"))->isVisible());
+    for (const char *name : development) {
+        auto *entry = plain.findChild<QAction *>(QString::fromLatin1(name));
+        ASSERT_NE(entry, nullptr) << name;
+        EXPECT_FALSE(entry->isVisible()) << name;
+    }
     m_window.reset();
 
     // "/K" opens the configuration frame as soon as the tester is connected, and only then.
@@ -109,8 +116,23 @@ TEST_F(MainWindowFlowsTest, SwitchesOpenConfigurationAtStartAndShowDevelopmentEn
     window.findChild<QAction *>(QStringLiteral("verbindung"))->trigger();
     ASSERT_TRUE(ConnectToSimulator());
     EXPECT_FALSE(frame->isVisible());
-    EXPECT_TRUE(window.findChild<QAction *>(QStringLiteral("Entw"))->isVisible());
+    for (const char *name : development)
+        EXPECT_TRUE(window.findChild<QAction *>(QString::fromLatin1(name))->isVisible()) << name;
     EXPECT_TRUE(QFile::exists(m_dir.filePath(QStringLiteral("test.log"))));
+
+    // RAS shows and hides the tester's display, and follows the display closed by its own button.
+    auto *ras = window.findChild<QAction *>(QStringLiteral("RAS"));
+    auto *dock = window.findChild<QDockWidget *>(QStringLiteral("displayDock"));
+    EXPECT_EQ(ras->text(), window.texts().text(link::TxtLabelDisplay));
+    ras->trigger();
+    EXPECT_TRUE(dock->isVisible());
+    EXPECT_TRUE(ras->isChecked());
+    dock->close();
+    EXPECT_FALSE(ras->isChecked());
+    ras->trigger();
+    EXPECT_TRUE(dock->isVisible());
+    ras->trigger();
+    EXPECT_FALSE(dock->isVisible());
 }
 
 TEST_F(MainWindowFlowsTest, ExitEndsTheProgram)

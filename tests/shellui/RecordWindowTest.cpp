@@ -5,6 +5,7 @@
 #include "archive/ui/ArchiveWindow.h"
 #include "gui/DeviceThread.h"
 #include "link/Link.h"
+#include "link/TextIds.h"
 #include "records/RecordSamples.h"
 #include "sim/SampleRecords.h"
 #include "support/TestFiles.h"
@@ -18,9 +19,13 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QProcess>
+#include <QPushButton>
+#include <QScrollBar>
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
@@ -93,6 +98,63 @@ TEST_F(RecordWindowTest, TheStoreListingShowsTestRecordsOnlyAndTheTesterRendersT
     EXPECT_TRUE(Report().contains(QStringLiteral("Infusionspumpe")));
     EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"tas!ron\r", "prn!3,7\r", "rst!0\r"}));
     Screenshot(*m_records, QStringLiteral("records-tester-print"));
+}
+
+TEST_F(RecordWindowTest, EachReportTemplateOfVorlagenRendersTheCurrentRecordWithItsNumber)
+{
+    OpenRecords();
+    QMenu *templates = nullptr;
+    for (QAction *menu : m_records->menuBar()->actions())
+        if (menu->text() == QStringLiteral("Vorlagen"))
+            templates = menu->menu();
+    ASSERT_NE(templates, nullptr);
+    const struct {
+        const char *caption;
+        QByteArray command;
+    } choices[] = {
+        {"1 (DIN VDE 0701)", "prn!1\r"}, {"2 (DIN VDE 0702)", "prn!2\r"}, {"3 (DIN VDE 0751)", "prn!3\r"},
+        {"4 (IEC 601)", "prn!4\r"},      {"5 (Universal)", "prn!0\r"},
+    };
+    const QList<QAction *> entries = templates->actions();
+    ASSERT_EQ(entries.size(), std::size(choices));
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        const auto &choice = choices[i];
+        EXPECT_EQ(entries[i]->text().toStdString(), choice.caption) << i;
+        entries[i]->trigger();
+        EXPECT_TRUE(entries[i]->isChecked()) << choice.caption;
+        const qsizetype before = LinesSince(0).size();
+        Trigger("aktuellProt");
+        EXPECT_EQ(LinesSince(before), QList<QByteArray>{choice.command}) << choice.caption;
+    }
+}
+
+TEST_F(RecordWindowTest, TheRecordWindowEditsTheLimitsWithAFrameOfItsOwn)
+{
+    OpenRecords();
+    auto *frame = m_records->findChild<QWidget *>(QStringLiteral("GWFrame"));
+    ASSERT_NE(frame, nullptr);
+    EXPECT_FALSE(frame->isVisible());
+    Trigger("Ubez");
+    ASSERT_TRUE(WaitUntil([&] { return frame->isVisible(); }));
+    auto *scroll = frame->findChild<QScrollBar *>(QStringLiteral("VScroll1"));
+    EXPECT_EQ(scroll->maximum(), 300);
+    scroll->setValue(300);
+    EXPECT_EQ(frame->findChild<QLabel *>(QStringLiteral("Label10"))->text(), QStringLiteral(" 300 V"));
+    const qsizetype before = LinesSince(0).size();
+    QMetaObject::invokeMethod(frame->findChild<QPushButton *>(QStringLiteral("GWok")), "click");
+    ASSERT_TRUE(Idle());
+    QMetaObject::invokeMethod(frame->findChild<QPushButton *>(QStringLiteral("GWspeichern")), "click");
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(LinesSince(before), (QList<QByteArray>{"wer!bgw601_UBEZ+300 V\r", "cfg!pgm\r"}));
+    Screenshot(*m_records, QStringLiteral("records-limit-frame"));
+    // The main window's frame is another one and stays as it was.
+    EXPECT_FALSE(m_window->findChild<QWidget *>(QStringLiteral("GWFrame"))->isVisible());
+    // Its entries speak the program's language.
+    m_window->findChild<QAction *>(QStringLiteral("english"))->trigger();
+    EXPECT_EQ(m_records->findChild<QAction *>(QStringLiteral("Ubez"))->text(),
+              m_window->texts().text(link::TxtMenuLimitReferenceVoltage));
+    EXPECT_EQ(m_records->findChild<QMenu *>(QStringLiteral("grenzwerte"))->title(),
+              m_window->texts().text(link::TxtMenuLimits));
 }
 
 TEST_F(RecordWindowTest, AllRecordsGoToAFileThatReadsBackUnchangedAndBecomeReports)

@@ -4,9 +4,12 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
+#include <QDir>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
@@ -207,4 +210,58 @@ TEST_F(ServiceWindowTest, ACalibrationBackupAsksBeforeReplacingAFile)
     ASSERT_TRUE(Idle());
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.readAll().count("\r\n"), 51);
+}
+
+TEST_F(ServiceWindowTest, TheCalibrationFrameBacksUpAndRestoresInTheFolderItsListsChoose)
+{
+    ASSERT_TRUE(QDir(m_dir.path()).mkdir(QStringLiteral("werkstatt")));
+    for (const char *name : {"alt.cal", "notiz.txt", "werkstatt/w.cal"}) {
+        QFile file(m_dir.filePath(QString::fromLatin1(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly)) << name;
+        file.write("0:1,2\r\n");
+    }
+    auto &service = OpenService();
+    const auto names = [](const QListWidget *list) {
+        QStringList shown;
+        for (int i = 0; i < list->count(); ++i)
+            shown << list->item(i)->text();
+        return shown;
+    };
+    service.findChild<QAction *>(QStringLiteral("readcal"))->trigger();
+    auto *files = Child<QListWidget>("File1");
+    auto *dirs = Child<QListWidget>("dirList");
+    ASSERT_NE(files, nullptr);
+    ASSERT_NE(dirs, nullptr);
+    ASSERT_NE(Child<QComboBox>("DrvList"), nullptr); // shown where the system has drive letters
+    EXPECT_TRUE(files->isVisible());
+    EXPECT_EQ(names(files), QStringList{QStringLiteral("alt.cal")}); // backups only
+    // A backup chosen in the list is the name to save under.
+    files->setCurrentRow(0);
+    EXPECT_EQ(Child<QLineEdit>("Text1")->text(), QStringLiteral("alt.cal"));
+
+    const auto enter = [dirs](const char *folder) {
+        const auto found = dirs->findItems(QString::fromLatin1(folder), Qt::MatchExactly);
+        ASSERT_EQ(found.size(), 1) << folder;
+        emit dirs->itemActivated(found.first());
+    };
+    enter("werkstatt");
+    EXPECT_EQ(names(files), QStringList{QStringLiteral("w.cal")});
+    Child<QLineEdit>("Text1")->setText(QStringLiteral("neu.cal"));
+    Child<QPushButton>("speichern")->click();
+    ASSERT_TRUE(Idle());
+    QFile backup(m_dir.filePath(QStringLiteral("werkstatt/neu.cal")));
+    ASSERT_TRUE(backup.open(QIODevice::ReadOnly));
+    EXPECT_EQ(backup.readAll().count("\r\n"), 51);
+    EXPECT_TRUE(WaitUntil([&] { return files->count() == 2; }));
+    EXPECT_FALSE(QFile::exists(m_dir.filePath(QStringLiteral("neu.cal"))));
+
+    // The restore lists the backups of the folder chosen, and follows a change of it.
+    service.findChild<QAction *>(QStringLiteral("storecal"))->trigger();
+    auto *restore = Child<QListWidget>("kalibfiles");
+    EXPECT_FALSE(files->isVisible());
+    EXPECT_EQ(names(restore), (QStringList{QStringLiteral("neu.cal"), QStringLiteral("w.cal")}));
+    enter("..");
+    EXPECT_EQ(names(restore), QStringList{QStringLiteral("alt.cal")});
+    service.resize(900, 600);
+    Screenshot(service, QStringLiteral("service-calibration-folders"));
 }

@@ -139,6 +139,40 @@ TEST_F(UpdateWindowTest, ChoosingAFileInTheListSendsItAtOnceByTheListsMask)
     EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
 }
 
+TEST_F(UpdateWindowTest, ManualUpdateSendsTheChosenFileAgainByItsName)
+{
+    auto &window = Open({QStringLiteral("--simulate"), QStringLiteral("/Entw")});
+    ASSERT_TRUE(ConnectToSimulator());
+    WritePackage();
+    // Nothing chosen yet: the frame names the folder and okupdate has nothing to send.
+    Trigger("manu");
+    ASSERT_TRUE(Child<QWidget>("updateframe")->isVisible());
+    EXPECT_FALSE(Child<QPushButton>("okupdate")->isEnabled());
+    QMetaObject::invokeMethod(Child<QPushButton>("updatecancel"), "click");
+    EXPECT_FALSE(Child<QWidget>("updateframe")->isVisible());
+
+    Trigger("bilder");
+    auto *files = Child<QListWidget>("File1");
+    ASSERT_EQ(files->count(), 1);
+    emit files->itemActivated(files->item(0));
+    ASSERT_TRUE(WaitUntil([&] { return !window.device().busy(); }, 30000));
+    ASSERT_FALSE(Child<QWidget>("updateframe")->isVisible());
+
+    Trigger("manu");
+    ASSERT_TRUE(Child<QWidget>("updateframe")->isVisible());
+    EXPECT_EQ(QFileInfo(Child<QLabel>("dlFile")->text()).fileName(), QStringLiteral("bilder.p"));
+    auto *start = Child<QPushButton>("okupdate");
+    ASSERT_TRUE(start->isEnabled());
+    const qsizetype before = LinesSince(0).size();
+    QMetaObject::invokeMethod(start, "click");
+    ASSERT_TRUE(WaitUntil([&] { return !window.device().busy(); }, 30000));
+    const QList<QByteArray> commands = CommandsSince(before);
+    EXPECT_EQ(commands.mid(0, 3), (QList<QByteArray>{"idn!99\r", "kal!ein\r", "kal!upd3\r"}))
+        << QByteArrayList(commands).join(' ').toStdString();
+    EXPECT_TRUE(commands.contains("rst!0\r"));
+    EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
+}
+
 TEST_F(UpdateWindowTest, APackageRunFromTheWindowReachesKalvoSimOverAPseudoTerminal)
 {
     SimProcess sim;

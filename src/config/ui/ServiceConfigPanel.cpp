@@ -6,6 +6,7 @@
 #include "config/VariableFile.h"
 #include "config/Variables.h"
 #include "gui/DeviceThread.h"
+#include "gui/FolderLists.h"
 #include "gui/GuiPrompter.h"
 #include "gui/Phrases.h"
 #include "link/Errors.h"
@@ -14,6 +15,7 @@
 #include "link/TextRules.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
 #include <QHBoxLayout>
@@ -45,17 +47,26 @@ ServiceConfigPanel::ServiceConfigPanel(gui::DeviceThread &device, TextSink show,
     frame->setContentsMargins(0, 0, 0, 0);
     m_label2 = new QLabel(m_calibrationFrame);
     m_label2->setObjectName(QStringLiteral("Label2"));
-    m_text1 = new QLineEdit(m_calibrationFrame);
+    m_backupName = new QComboBox(m_calibrationFrame);
+    m_backupName->setObjectName(QStringLiteral("backupNames"));
+    m_backupName->setEditable(true);
+    m_backupName->setInsertPolicy(QComboBox::NoInsert); // a typed name is used, not remembered
+    m_text1 = new QLineEdit(m_backupName);
     m_text1->setObjectName(QStringLiteral("Text1"));
+    m_backupName->setLineEdit(m_text1);
     m_speichern = new QPushButton(QStringLiteral("speichern"), m_calibrationFrame);
     m_speichern->setObjectName(QStringLiteral("speichern"));
     m_kalibfiles = new QListWidget(m_calibrationFrame);
     m_kalibfiles->setObjectName(QStringLiteral("kalibfiles"));
+    m_folders = new gui::FolderLists(m_calibrationFrame);
+    m_folders->SetMask(QStringLiteral("*.cal"));
+    m_folders->SetDirectory(m_dir);
     auto *nameRow = new QHBoxLayout;
-    nameRow->addWidget(m_text1, 1);
+    nameRow->addWidget(m_backupName, 1);
     nameRow->addWidget(m_speichern);
     frame->addWidget(m_label2);
     frame->addLayout(nameRow);
+    frame->addWidget(m_folders);
     frame->addWidget(m_kalibfiles);
     layout->addWidget(m_calibrationFrame);
     m_calibrationFrame->hide();
@@ -75,11 +86,26 @@ ServiceConfigPanel::ServiceConfigPanel(gui::DeviceThread &device, TextSink show,
     connect(m_readvar, &QListWidget::itemActivated, this, &ServiceConfigPanel::ReadChosenVariable);
     connect(m_speichern, &QPushButton::clicked, this, &ServiceConfigPanel::SaveBackup);
     connect(m_kalibfiles, &QListWidget::itemActivated, this, &ServiceConfigPanel::RestoreChosenFile);
+    connect(m_folders, &gui::FolderLists::directoryChanged, this, [this](const QString &dir) {
+        m_dir = dir;
+        ListBackups();
+    });
+    // A backup listed in File1 is a name to save under again (the save asks before replacing it).
+    connect(m_folders->fileList(), &QListWidget::currentTextChanged, this, [this](const QString &name) {
+        if (!name.isEmpty())
+            m_text1->setText(name);
+    });
+}
+
+void ServiceConfigPanel::setDirectory(const QString &dir)
+{
+    m_folders->SetDirectory(dir);
 }
 
 void ServiceConfigPanel::ApplyTexts(const link::LanguageTable &texts)
 {
     m_language = texts.language();
+    m_folders->SetLanguage(m_language);
     m_variablesLabel->setText(texts.text(link::TxtServiceVariables));
     const link::TextId ids[] = {link::TxtServiceLoadVariables,      link::TxtServiceDumpConfiguration,
                                 link::TxtServiceStoreConfiguration, link::TxtServiceResetD3,
@@ -177,9 +203,13 @@ void ServiceConfigPanel::ResetD3()
 void ServiceConfigPanel::BeginBackup()
 {
     m_label2->setText(QStringLiteral("speichern unter"));
-    m_text1->setText(m_defaultBackup);
-    m_text1->show();
+    m_backupName->clear();
+    m_backupName->addItems(m_backupNames);
+    m_backupName->setCurrentIndex(0);
+    m_backupName->show();
     m_speichern->show();
+    m_folders->Refresh();
+    m_folders->fileList()->show();
     m_kalibfiles->hide();
     m_calibrationFrame->show();
 }
@@ -187,12 +217,19 @@ void ServiceConfigPanel::BeginBackup()
 void ServiceConfigPanel::BeginRestore()
 {
     m_label2->setText(QStringLiteral("rückspeichern aus"));
-    m_text1->hide();
+    m_backupName->hide();
     m_speichern->hide();
-    m_kalibfiles->clear();
-    m_kalibfiles->addItems(QDir(m_dir).entryList({QStringLiteral("*.cal")}, QDir::Files, QDir::Name));
+    m_folders->Refresh();
+    m_folders->fileList()->hide();
+    ListBackups();
     m_kalibfiles->show();
     m_calibrationFrame->show();
+}
+
+void ServiceConfigPanel::ListBackups()
+{
+    m_kalibfiles->clear();
+    m_kalibfiles->addItems(QDir(m_dir).entryList({m_folders->mask()}, QDir::Files, QDir::Name));
 }
 
 void ServiceConfigPanel::SaveBackup()
@@ -215,6 +252,8 @@ void ServiceConfigPanel::SaveBackup()
                           return;
                       const QList<QByteArray> lines = BackupCalibration(
                           link, prompter, path, [this](const QString &line) { ShowLine(line); });
+                      // The new backup shows in File1.
+                      QMetaObject::invokeMethod(this, [this] { m_folders->Refresh(); });
                       if (!lines.isEmpty())
                           m_device.Tell(done);
                   });

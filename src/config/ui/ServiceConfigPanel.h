@@ -6,6 +6,7 @@
 #include <functional>
 
 class QAction;
+class QComboBox;
 class QLabel;
 class QLineEdit;
 class QListWidget;
@@ -17,7 +18,8 @@ class LanguageTable;
 
 namespace kalvo::gui {
 class DeviceThread;
-}
+class FolderLists;
+} // namespace kalvo::gui
 
 namespace kalvo::config::ui {
 
@@ -34,10 +36,12 @@ public:
     QList<QAction *> actions() const { return m_actions; }
     void ApplyTexts(const link::LanguageTable &texts);
     void SetBusy(bool busy);
-    // The calibration files are looked for and written here (the current directory).
-    void setDirectory(const QString &dir) { m_dir = dir; }
-    // The default backup name: the tester's short designation + ".cal".
-    void setDefaultBackupName(const QString &name) { m_defaultBackup = name; }
+    // The calibration files are looked for and written here (the current directory at first);
+    // the frame's folder lists change it.
+    void setDirectory(const QString &dir);
+    // The names a backup is offered under (CalibrationBackupNames): the first is preset in Text1,
+    // the others are a choice away.
+    void setBackupNames(const QStringList &names) { m_backupNames = names; }
 
 signals:
     // Register D3 was set to 0: the main form's D3 switch is off now.
@@ -53,6 +57,7 @@ private:
     void BeginRestore();       // storecal
     void SaveBackup();         // speichern
     void RestoreChosenFile();  // kalibfiles
+    void ListBackups();        // kalibfiles, from the folder of the lists
     // The caption of menu entry `index` of actions(): the title of what it starts.
     QString Title(int index) const;
     // A line for the terminal panel, from the device thread.
@@ -63,12 +68,14 @@ private:
     TextSink m_show;
     std::function<void(const QString &)> m_command;
     QString m_dir;
-    QString m_defaultBackup = QStringLiteral("kalvomer.cal");
+    QStringList m_backupNames{QStringLiteral("kalvomer.cal")};
 
     QListWidget *m_readvar;
     QLabel *m_variablesLabel;
     QWidget *m_calibrationFrame;
     QLabel *m_label2;
+    gui::FolderLists *m_folders; // DrvList, dirList, File1 ("*.cal")
+    QComboBox *m_backupName;     // the names offered, with Text1 as its text box
     QLineEdit *m_text1;
     QListWidget *m_kalibfiles;
     QPushButton *m_speichern;

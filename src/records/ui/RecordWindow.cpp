@@ -17,6 +17,7 @@
 
 #include <QActionGroup>
 #include <QDir>
+#include <QDockWidget>
 #include <QListWidget>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -107,8 +108,13 @@ void RecordWindow::BuildMenus()
 
     QMenu *templates = menuBar()->addMenu(QStringLiteral("Vorlagen"));
     auto *group = new QActionGroup(this);
-    const std::pair<const char *, int> entries[] = {
-        {"Vorlage 1", 1}, {"Vorlage 2", 2}, {"Vorlage 3", 3}, {"Vorlage 4", 4}, {"Universal", 0}};
+    // Each caption names the regulation whose report the template lays out; the fifth, the
+    // universal one, is the tester's template 0.
+    const std::pair<const char *, int> entries[] = {{"1 (DIN VDE 0701)", 1},
+                                                    {"2 (DIN VDE 0702)", 2},
+                                                    {"3 (DIN VDE 0751)", 3},
+                                                    {"4 (IEC 601)", 4},
+                                                    {"5 (Universal)", 0}};
     for (const auto &[caption, number] : entries) {
         QAction *a = templates->addAction(QString::fromLatin1(caption));
         a->setObjectName(QStringLiteral("vorlage%1").arg(number));
@@ -124,6 +130,23 @@ void RecordWindow::AddTemplateTools(QMenu *menu, QWidget *fileLabel, QWidget *nu
     menuBar()->addMenu(menu);
     m_templateBar->addWidget(fileLabel, 1);
     m_templateBar->addWidget(numberEntry);
+}
+
+void RecordWindow::AddLimitTools(QMenu *menu, QWidget *frame)
+{
+    menuBar()->addMenu(menu);
+    m_limitDock = new QDockWidget(this);
+    m_limitDock->setObjectName(QStringLiteral("limitDock"));
+    m_limitDock->setWidget(frame);
+    m_limitDock->setFeatures(QDockWidget::DockWidgetClosable);
+    addDockWidget(Qt::RightDockWidgetArea, m_limitDock);
+    m_limitDock->hide();
+}
+
+void RecordWindow::ShowLimitFrame()
+{
+    if (m_limitDock)
+        m_limitDock->show();
 }
 
 void RecordWindow::ShowingTemplate()

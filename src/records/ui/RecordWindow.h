@@ -6,6 +6,7 @@
 
 class QAction;
 class QActionGroup;
+class QDockWidget;
 class QHBoxLayout;
 class QListWidget;
 class QMenu;
@@ -35,6 +36,10 @@ public:
     // The template entries another part of the program brings: their menu, the label with the
     // template's file and the template number entry, placed above the report box.
     void AddTemplateTools(QMenu *menu, QWidget *fileLabel, QWidget *numberEntry);
+    // The limit entries and frame another part of the program brings: the menu joins the bar, the
+    // frame waits in a dock beside the report until ShowLimitFrame (a limit has been read).
+    void AddLimitTools(QMenu *menu, QWidget *frame);
+    void ShowLimitFrame();
     // A template, not a record, stands in the report box: nothing to print or store as a record.
     void ShowingTemplate();
     // Record `number` of the tester's store, printed by the tester with the chosen template (a test
@@ -98,6 +103,7 @@ private:
     int m_template = 1;
 
     QHBoxLayout *m_templateBar;
+    QDockWidget *m_limitDock = nullptr;
     QListWidget *m_list;      // lb1
     QPlainTextEdit *m_report; // Protokol
     QAction *m_drucken, *m_pdf, *m_protStore, *m_fexcel, *m_printProt;

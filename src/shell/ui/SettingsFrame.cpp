@@ -1,6 +1,7 @@
 // The tester-settings frame: the port chooser, its OK button and what identification found.
 #include "SettingsFrame.h"
 
+#include "gui/Phrases.h"
 #include "link/LanguageTable.h"
 #include "link/PortNames.h"
 #include "link/TextRules.h"
@@ -8,6 +9,7 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QLocale>
 #include <QPushButton>
 #include <QSerialPortInfo>
@@ -19,6 +21,9 @@ const char *const kValueNames[6] = {"SystVer", "KonfigVer", "bilderver", "hilfev
 const link::TextId kCaptionTexts[6] = {link::TxtLabelSystem,    link::TxtLabelConfiguration,
                                        link::TxtLabelPictures,  link::TxtLabelHelp,
                                        link::TxtLabelSequences, link::TxtLabelVersion};
+const gui::LanguageTexts kSerialCaption = {u"Seriennummer",    u"Serial number", u"Numéro de série",
+                                           u"Numero di serie", u"Výrobní číslo", u"Serienummer",
+                                           u"Número de serie"};
 } // namespace
 
 SettingsFrame::SettingsFrame(QWidget *parent) : QGroupBox(parent)
@@ -44,6 +49,13 @@ SettingsFrame::SettingsFrame(QWidget *parent) : QGroupBox(parent)
         grid->addWidget(m_captions[i], i + 1, 0);
         grid->addWidget(m_values[i], i + 1, 1, 1, 2);
     }
+    // Read-only, but selectable: a technician copies it into a service report.
+    m_serialLabel = new QLabel(this);
+    m_serial = new QLineEdit(this);
+    m_serial->setObjectName(QStringLiteral("SetSRNr"));
+    m_serial->setReadOnly(true);
+    grid->addWidget(m_serialLabel, 7, 0);
+    grid->addWidget(m_serial, 7, 1, 1, 2);
     m_identity = new QLabel(this);
     m_identity->setObjectName(QStringLiteral("identity"));
     m_identity->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -51,8 +63,8 @@ SettingsFrame::SettingsFrame(QWidget *parent) : QGroupBox(parent)
     m_update->setObjectName(QStringLiteral("updateDue"));
     m_update->setStyleSheet(QStringLiteral("color: #a05000; font-weight: bold"));
     m_update->hide();
-    grid->addWidget(m_identity, 7, 0, 1, 3);
-    grid->addWidget(m_update, 8, 0, 1, 3);
+    grid->addWidget(m_identity, 8, 0, 1, 3);
+    grid->addWidget(m_update, 9, 0, 1, 3);
     grid->setColumnStretch(1, 1);
     connect(m_port, &QComboBox::currentTextChanged, this, &SettingsFrame::portChanged);
     connect(m_activate, &QPushButton::clicked, this, &SettingsFrame::activateRequested);
@@ -94,6 +106,7 @@ void SettingsFrame::ShowIdentity(const link::TesterIdentity &id, const link::Lan
     // With the accessory in front, its own version stands here instead of the tester's.
     const QByteArray version = id.VersionText();
     m_values[5]->setText(version.isEmpty() ? QStringLiteral("-") : link::DecodeTesterText(version));
+    m_serial->setText(link::DecodeTesterText(id.serialNumber).trimmed());
     QStringList identity;
     for (qsizetype i = 1; i < id.identityFields.size(); ++i)
         if (!id.identityFields[i].trimmed().isEmpty())
@@ -112,6 +125,7 @@ void SettingsFrame::ApplyTexts(const link::LanguageTable &texts)
     for (int i = 0; i < 6; ++i)
         m_captions[i]->setText(texts.text(kCaptionTexts[i]));
     m_update->setText(texts.text(link::TxtUpdateDue));
+    m_serialLabel->setText(gui::InLanguage(kSerialCaption, texts.language()));
 }
 
 } // namespace kalvo::shell::ui

@@ -7,6 +7,7 @@
 
 class QComboBox;
 class QLabel;
+class QLineEdit;
 class QPushButton;
 
 namespace kalvo::link {
@@ -40,6 +41,8 @@ private:
     QLabel *m_portLabel;
     QLabel *m_captions[6];
     QLabel *m_values[6]; // SystVer, KonfigVer, bilderver, hilfever, ablaufVer, Version
+    QLabel *m_serialLabel;
+    QLineEdit *m_serial; // SetSRNr: the serial number the backup names are built from
     QLabel *m_identity;
     QLabel *m_update;
     bool m_updateDue = false;

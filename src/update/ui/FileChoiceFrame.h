@@ -1,13 +1,13 @@
-// The file choice `SPdownfiles`: drive (or folder) and directory lists, and the files of one mask.
+// The file choice `SPdownfiles`: its title `titeldf` over the drive, folder and file lists.
 #pragma once
 
 #include <QGroupBox>
 
-class QComboBox;
 class QLabel;
-class QListWidget;
-class QListWidgetItem;
-class QPushButton;
+
+namespace kalvo::gui {
+class FolderLists;
+}
 
 namespace kalvo::update::ui {
 
@@ -16,12 +16,12 @@ class FileChoiceFrame : public QGroupBox {
 public:
     explicit FileChoiceFrame(QWidget *parent = nullptr);
 
-    // Lists the files of `directory` that fit `mask` ("a*.p", case ignored) under `title`.
+    // Lists the files of the directory that fit `mask` ("a*.p", case ignored) under `title`.
     void Choose(const QString &mask, const QString &title);
     void SetDirectory(const QString &directory);
-    const QString &directory() const { return m_directory; }
-    const QString &mask() const { return m_mask; }
-    void SetFolderCaption(const QString &caption);
+    const QString &directory() const;
+    const QString &mask() const;
+    void SetLanguage(const QString &language);
     // Lists the folder again (after a language switch, or when files may have come).
     void Refresh();
 
@@ -31,15 +31,8 @@ signals:
     void directoryChanged(const QString &directory);
 
 private:
-    void EnterDirectory(QListWidgetItem *item);
-
-    QString m_directory;
-    QString m_mask = QStringLiteral("*.*");
-    QLabel *m_title;       // titeldf
-    QComboBox *m_drives;   // DrvList, where the system has drives
-    QPushButton *m_folder; // otherwise a folder chooser does its job
-    QListWidget *m_dirs;   // dirList
-    QListWidget *m_files;  // File1
+    QLabel *m_title; // titeldf
+    gui::FolderLists *m_lists;
 };
 
 } // namespace kalvo::update::ui

@@ -16,7 +16,8 @@ QString UpdateCaptionText(UpdateCaption caption, const QString &language)
         {u"System", u"System", u"Système", u"Sistema", u"Systém", u"Systeem", u"Sistema"},
         {u"Sprachpaket", u"Language package", u"Pack de langue", u"Pacchetto lingua", u"Jazykový balíček",
          u"Taalpakket", u"Paquete de idioma"},
-        {u"Ordner …", u"Folder …", u"Dossier …", u"Cartella …", u"Složka …", u"Map …", u"Carpeta …"},
+        {u"manuelles Update", u"Manual update", u"Mise à jour manuelle", u"Aggiornamento manuale",
+         u"Ruční aktualizace", u"Handmatige update", u"Actualización manual"},
     };
     return gui::InLanguage(rows[static_cast<int>(caption)], language);
 }

@@ -5,7 +5,7 @@
 
 namespace kalvo::update::ui {
 
-enum class UpdateCaption { Menu, Sequences, Pictures, Help, System, Package, Folder };
+enum class UpdateCaption { Menu, Sequences, Pictures, Help, System, Package, Manual };
 
 // `caption` in `language` (the language table's names); German for a name it does not know.
 QString UpdateCaptionText(UpdateCaption caption, const QString &language);

@@ -31,6 +31,11 @@ UpdatePanel::UpdatePanel(gui::DeviceThread &device, QWidget *owner, const QStrin
       m_fileChoice(new FileChoiceFrame)
 {
     BuildMenu();
+    // The firmware and picture files are the same in every language; the sequence and help files
+    // are known once a language entry has named them.
+    m_languageFiles = link::PackageFilesFor(QString());
+    m_languageFiles.sequences.clear();
+    m_languageFiles.help.clear();
     m_fileChoice->SetDirectory(programDir);
     connect(m_fileChoice, &FileChoiceFrame::fileChosen, this, &UpdatePanel::UpdateChosenFile);
     connect(m_updateFrame->startButton(), &QPushButton::clicked, this, &UpdatePanel::UpdateByChosenName);
@@ -67,7 +72,11 @@ void UpdatePanel::BuildMenu()
     m_upoc->setObjectName(QStringLiteral("upoc"));
     m_upoc->setCheckable(true);
     connect(m_upoc, &QAction::toggled, this, [this](bool on) { m_permission.SetUpoc(on); });
-    m_deviceEntries << m_ablauf << m_bilder << m_hilfe << m_syst;
+    m_manu = m_menu->addAction(QString());
+    m_manu->setObjectName(QStringLiteral("manu"));
+    m_manu->setVisible(false);
+    connect(m_manu, &QAction::triggered, this, &UpdatePanel::ShowManualUpdate);
+    m_deviceEntries << m_ablauf << m_bilder << m_hilfe << m_syst << m_manu;
 }
 
 void UpdatePanel::ApplyTexts(const link::LanguageTable &texts)
@@ -80,7 +89,8 @@ void UpdatePanel::ApplyTexts(const link::LanguageTable &texts)
     m_hilfe->setText(UpdateCaptionText(UpdateCaption::Help, language));
     m_syst->setText(UpdateCaptionText(UpdateCaption::System, language));
     m_packageMenu->setTitle(UpdateCaptionText(UpdateCaption::Package, language));
-    m_fileChoice->SetFolderCaption(UpdateCaptionText(UpdateCaption::Folder, language));
+    m_manu->setText(UpdateCaptionText(UpdateCaption::Manual, language));
+    m_fileChoice->SetLanguage(language);
     m_updateFrame->setTitle(UpdateCaptionText(UpdateCaption::Menu, language));
     m_updateFrame->SetCaptions(texts.text(link::TxtButtonOk), texts.text(link::TxtButtonCancel));
     // A language switch lists the update folder again.
@@ -100,6 +110,22 @@ void UpdatePanel::SetBusy(bool busy)
 void UpdatePanel::SetUpoc(bool on)
 {
     m_upoc->setChecked(on);
+}
+
+void UpdatePanel::SetDevelopment(bool on)
+{
+    m_manu->setVisible(on);
+}
+
+void UpdatePanel::ShowManualUpdate()
+{
+    // The frame names what okupdate would send: the file chosen last, else only the folder, and
+    // then okupdate stays disabled.
+    const QString &dir = m_fileChoice->directory();
+    m_updateFrame->ShowFile(m_selectedFile.isEmpty() ? dir : QDir(dir).filePath(m_selectedFile));
+    m_updateFrame->SetProgress(0);
+    m_updateFrame->startButton()->setEnabled(!m_device.busy() && !m_selectedFile.isEmpty());
+    emit showFrame(m_updateFrame);
 }
 
 void UpdatePanel::OpenChoice(ContentKind kind, QAction *entry)

@@ -45,6 +45,8 @@ public:
     void SetBusy(bool busy);
     // The settings file's option: `upoc` checked at start.
     void SetUpoc(bool on);
+    // Development mode offers `manu`: the update frame by hand, to send the chosen file again.
+    void SetDevelopment(bool on);
 
 signals:
     // A frame of the update wants the main window's central area.
@@ -60,6 +62,7 @@ private:
     void UpdateChosenFile(const QString &name); // File1
     void UpdateByChosenName();                  // okupdate
     void UpdatePackageOf(const QString &code);  // a language entry
+    void ShowManualUpdate();                    // manu
     // Runs `run` with a copy of the permission; the permission it leaves is taken back.
     using Run = std::function<UpdateOutcome(link::Link &, link::Prompter &, UpdatePermission &)>;
     void Start(const QString &title, const QString &shownFile, Run run);
@@ -76,7 +79,7 @@ private:
     ContentKind m_kind = ContentKind::System;
 
     QMenu *m_menu, *m_packageMenu;
-    QAction *m_ablauf, *m_bilder, *m_hilfe, *m_syst, *m_upoc;
+    QAction *m_ablauf, *m_bilder, *m_hilfe, *m_syst, *m_upoc, *m_manu;
     QList<QAction *> m_deviceEntries;
     UpdateFrame *m_updateFrame;
     FileChoiceFrame *m_fileChoice;
