@@ -168,9 +168,11 @@ int Defaults(CliContext &context, const QStringList &words)
         codes << QString::fromLatin1(record.codes[static_cast<size_t>(k)]);
     context.out() << "regulation: " << specdb::RegulationList().value(editor.regulationEntry()) << ", class "
                   << record.codes[14] << ", type " << record.codes[15] << '\n'
+                  << "switch: " << editor.switchCode() << " (" << specdb::SwitchMeaning(editor.switchCode())
+                  << ")\n"
                   << "codes 0-19: " << codes.join(QLatin1Char(' ')) << '\n';
-    const QList<specdb::BoxDefault> defaults =
-        specdb::DefaultsFor(editor.regulationEntry(), record.codes[14], record.codes[15]);
+    const QList<specdb::BoxDefault> defaults = specdb::DefaultsFor(editor.regulationEntry(), record.codes[14],
+                                                                   record.codes[15], editor.switchCode());
     for (const specdb::BoxDefault &box : defaults) {
         const QString limit = link::ConvertDisplayText(record.limits[static_cast<size_t>(box.box)]);
         const QString line = QStringLiteral("GWert %1  %2  %3  %4")

@@ -1,8 +1,12 @@
 // The regulations' default limits, one row per value, to be read beside the regulations.
 //
 // Classes: "05" protection class I, "06" class II, "07" class III. Applied parts: "00" none,
-// "01" B, "02" BF, "03" CF. Where a regulation's value lies between two texts the tester takes,
-// the row says which it is and why; where a regulation has no value for a box, it has no row.
+// "01" B, "02" BF, "03" CF. Switch positions: see `kSwitchMeanings`. Where a regulation's value
+// lies between two texts the box takes, the row takes the one that passes nothing the regulation
+// fails (the stricter current or resistance; for the high-voltage test the highest level not above
+// the regulation's, since a higher one may damage sound insulation), or the nearest where the box
+// has no such text, says so in its source and is marked Ours; so is a row for which the regulation gives no
+// value at all. Where a regulation has no value for a box and we choose none, it has no row.
 #include "DefaultLimitTable.h"
 
 #include <iterator>
@@ -23,6 +27,26 @@ constexpr const char *AnyPart = "00 01 02 03";
 constexpr const char *B_BF = "01 02";
 constexpr const char *BF = "02";
 constexpr const char *CF = "03";
+constexpr Choice Ours = Choice::Ours;
+
+// The switch position names the device's category where the medical regulations make exceptions
+// for it, or its supply; the codes are the list's, their meaning is ours. "00", "05" and "Menue"
+// keep the general values; element 19 carries the code.
+constexpr const char *NoEarthedParts = "01"; // also mineral insulation, mobile X-ray with extra PE
+constexpr const char *FixedWithPe = "02";
+constexpr const char *XrayWithoutPe = "20";
+constexpr const char *Mains115V = "05";
+constexpr const char *MobileOrNoEarth = "01 20";
+
+constexpr SwitchPosition kSwitchMeanings[] = {
+    {"00", "allgemein"},
+    {"05", "Netz 115 V (Bezugsspannung bis 150 V)"},
+    {"01",
+     "ohne geerdete berührbare Teile, mineralische Isolierung, fahrbares Röntgengerät mit Schutzleiter"},
+    {"02", "fest angeschlossen mit Schutzleiter"},
+    {"20", "fahrbares Röntgengerät ohne zusätzlichen Schutzleiter"},
+    {"Menue", "Auswahl am Tester, allgemeine Werte"},
+};
 
 // clang-format off
 constexpr RegulationCodes kCodes[] = {
@@ -53,7 +77,7 @@ constexpr DefaultLimit kLimits[] = {
     {Vde0701T1, I,        AnyPart, 1,  "<0.300Ohm", "VDE 0701-1, Schutzleiterwiderstand, Leitung bis 5 m"},
     {Vde0701T1, I,        AnyPart, 3,  ">1.000MOhm", "VDE 0701-1, Isolationswiderstand Schutzklasse I"},
     {Vde0701T1, II,       AnyPart, 3,  ">2.000MOhm", "VDE 0701-1, Isolationswiderstand Schutzklasse II"},
-    {Vde0701T1, III,      AnyPart, 3,  ">0.500MOhm", "VDE 0701-1, Isolationswiderstand Schutzklasse III (0,25 MOhm; der Tester nimmt 0,5 MOhm)"},
+    {Vde0701T1, III,      AnyPart, 3,  ">0.500MOhm", "VDE 0701-1, Isolationswiderstand Schutzklasse III (0,25 MOhm; der Tester nimmt 0,5 MOhm)", nullptr, Ours},
     {Vde0701T1, AnyClass, AnyPart, 4,  ">0500V",    "VDE 0701-1, Messspannung der Isolationsmessung 500 V DC"},
     {Vde0701T1, I,        AnyPart, 5,  "<3.500mA",  "VDE 0701-1, Schutzleiterstrom"},
     {Vde0701T1, II,       AnyPart, 5,  "<0.500mA",  "VDE 0701-1, Berührungsstrom Schutzklasse II"},
@@ -103,7 +127,7 @@ constexpr DefaultLimit kLimits[] = {
     {Vde0702, III,        AnyPart, 1,  "<0.300Ohm", "VDE 0702, Schutzleiterwiderstand (Gerät mit Schutzleiteranschluss)"},
     {Vde0702, I,          AnyPart, 3,  ">0.500MOhm", "VDE 0702, Isolationswiderstand Schutzklasse I"},
     {Vde0702, II,         AnyPart, 3,  ">2.000MOhm", "VDE 0702, Isolationswiderstand Schutzklasse II"},
-    {Vde0702, III,        AnyPart, 3,  ">0.500MOhm", "VDE 0702, Isolationswiderstand Schutzklasse III (0,25 MOhm; der Tester nimmt 0,5 MOhm)"},
+    {Vde0702, III,        AnyPart, 3,  ">0.500MOhm", "VDE 0702, Isolationswiderstand Schutzklasse III (0,25 MOhm; der Tester nimmt 0,5 MOhm)", nullptr, Ours},
     {Vde0702, AnyClass,   AnyPart, 4,  ">0500V",    "VDE 0702, Messspannung der Isolationsmessung 500 V DC"},
     {Vde0702, I,          AnyPart, 5,  "<3.500mA",  "VDE 0702, Schutzleiterstrom"},
     {Vde0702, II,         AnyPart, 5,  "<0.500mA",  "VDE 0702, Berührungsstrom Schutzklasse II"},
@@ -125,9 +149,9 @@ constexpr DefaultLimit kLimits[] = {
     {Vde0751, AnyClass,   CF,      9,  "<0.050mA",  "VDE 0751-1, Ersatz-Patientenableitstrom Typ CF"},
 
     // EN 60601-1: medical electrical equipment, general requirements
-    {En60601, I,          AnyPart, 1,  "<0.300Ohm", "EN 60601-1, 18 f) Schutzleiterimpedanz (0,2 Ohm mit Netzleitung; der Tester nimmt 0,3 Ohm)"},
-    {En60601, I,          AnyPart, 3,  ">2.000MOhm", "EN 60601-1 hat keinen Isolationswiderstand; Wert der Wiederholungsprüfung, VDE 0751-1"},
-    {En60601, II,         AnyPart, 3,  ">7.000MOhm", "EN 60601-1 hat keinen Isolationswiderstand; doppelte Isolierung wie VDE 0701-260"},
+    {En60601, I,          AnyPart, 1,  "<0.300Ohm", "EN 60601-1, 18 f) Schutzleiterimpedanz (0,2 Ohm mit Netzleitung; der Tester nimmt 0,3 Ohm)", nullptr, Ours},
+    {En60601, I,          AnyPart, 3,  ">2.000MOhm", "EN 60601-1 hat keinen Isolationswiderstand; Wert der Wiederholungsprüfung, VDE 0751-1", nullptr, Ours},
+    {En60601, II,         AnyPart, 3,  ">7.000MOhm", "EN 60601-1 hat keinen Isolationswiderstand; doppelte Isolierung wie VDE 0701-260", nullptr, Ours},
     {En60601, I_II,       AnyPart, 4,  ">0500V",    "Messspannung der Isolationsmessung 500 V DC"},
     {En60601, I,          AnyPart, 5,  "<3.500mA",  "VDE 0751-1, Schutzleiterstrom"},
     {En60601, I,          AnyPart, 10, "<0.500mA",  "EN 60601-1, 19.3 Tab. IV, Erdableitstrom, Normalzustand"},
@@ -135,23 +159,23 @@ constexpr DefaultLimit kLimits[] = {
     {En60601, AnyClass,   AnyPart, 12, "<0.100mA",  "EN 60601-1, 19.3 Tab. IV, Gehäuseableitstrom, Normalzustand"},
     {En60601, AnyClass,   AnyPart, 13, "<0.500mA",  "EN 60601-1, 19.3 Tab. IV, Gehäuseableitstrom, erster Fehler"},
     {En60601, I,          AnyPart, 22, ">1.50kV",   "EN 60601-1, 20.3 Tab. V, Basisisolierung 1500 V"},
-    {En60601, II,         AnyPart, 22, ">3.50kV",   "EN 60601-1, 20.3 Tab. V, doppelte Isolierung 4000 V; der Tester prüft mit höchstens 3,5 kV"},
+    {En60601, II,         AnyPart, 22, ">3.50kV",   "EN 60601-1, 20.3 Tab. V, doppelte Isolierung 4000 V; der Tester prüft mit höchstens 3,5 kV", nullptr, Ours},
 
     // EN 61010-1: electrical equipment for measurement, control and laboratory use
-    {En61010, I,          AnyPart, 1,  "<0.300Ohm", "EN 61010-1, 6.5.1 Schutzleiterverbindung (0,1 Ohm; der Tester nimmt 0,3 Ohm)"},
+    {En61010, I,          AnyPart, 1,  "<0.300Ohm", "EN 61010-1, 6.5.1 Schutzleiterverbindung (0,1 Ohm; der Tester nimmt 0,3 Ohm)", nullptr, Ours},
     {En61010, I,          AnyPart, 5,  "<3.500mA",  "EN 61010-1, 6.3.2 Strom im ersten Fehlerfall 3,5 mA"},
     {En61010, AnyClass,   AnyPart, 12, "<0.500mA",  "EN 61010-1, 6.3.1 berührbarer Strom im Normalzustand 0,5 mA"},
     {En61010, I,          AnyPart, 22, ">1.50kV",   "EN 61010-1, 6.8 Prüfspannung Basisisolierung"},
     {En61010, II,         AnyPart, 22, ">3.50kV",   "EN 61010-1, 6.8 Prüfspannung verstärkte Isolierung"},
 
     // EN 60335-1: household appliances
-    {En60335, I,          AnyPart, 1,  "<0.300Ohm", "EN 60335-1, 27.5 Schutzleiterwiderstand (0,1 Ohm ohne Leitung; der Tester nimmt 0,3 Ohm)"},
+    {En60335, I,          AnyPart, 1,  "<0.300Ohm", "EN 60335-1, 27.5 Schutzleiterwiderstand (0,1 Ohm ohne Leitung; der Tester nimmt 0,3 Ohm)", nullptr, Ours},
     {En60335, I,          AnyPart, 5,  "<3.500mA",  "EN 60335-1, 13.2 Ableitstrom ortsfester Geräte Schutzklasse I"},
     {En60335, II,         AnyPart, 12, "<0.250mA",  "EN 60335-1, 13.2 Ableitstrom Schutzklasse II"},
     {En60335, III,        AnyPart, 12, "<0.500mA",  "EN 60335-1, 13.2 Ableitstrom Schutzklasse III"},
 
     // EN 60950-1: information technology equipment
-    {En60950, I,          AnyPart, 1,  "<0.300Ohm", "EN 60950-1, 2.6.3.4 Schutzleiterwiderstand (0,1 Ohm; der Tester nimmt 0,3 Ohm)"},
+    {En60950, I,          AnyPart, 1,  "<0.300Ohm", "EN 60950-1, 2.6.3.4 Schutzleiterwiderstand (0,1 Ohm; der Tester nimmt 0,3 Ohm)", nullptr, Ours},
     {En60950, I,          AnyPart, 5,  "<3.500mA",  "EN 60950-1, 5.1.6 Tab. 5A, Berührungsstrom Schutzklasse I, steckbar Typ A"},
     {En60950, II,         AnyPart, 12, "<0.250mA",  "EN 60950-1, 5.1.6 Tab. 5A, Berührungsstrom Schutzklasse II"},
     {En60950, I,          AnyPart, 22, ">1.50kV",   "EN 60950-1, 5.2.2 Tab. 5B, Basisisolierung 1500 V"},
@@ -163,6 +187,30 @@ constexpr DefaultLimit kLimits[] = {
     {BritishStandard, I_II, AnyPart, 4, ">0500V",   "In-service inspection, Messspannung 500 V DC"},
     {BritishStandard, I,  AnyPart, 5,  "<3.500mA",  "In-service inspection, Schutzleiterstrom"},
     {BritishStandard, II, AnyPart, 12, "<0.250mA",  "In-service inspection, Berührungsstrom Schutzklasse II"},
+};
+
+// What the switch position changes, and the values no regulation gives. Each row follows the
+// general row for its box, so it wins for its switch positions.
+constexpr DefaultLimit kSwitchLimits[] = {
+    // The tester applies mains voltage for the currents of these sequences; a device with less than
+    // 0.2 Ohm between L and N is a short circuit and is not switched on.
+    {En60601, I_II, AnyPart, 2, ">0.200Ohm", "Kurzschlussprüfung L-N, bevor für die Ableitströme Netzspannung angelegt wird; die Norm nennt keinen Wert", nullptr, Ours},
+    {En61010, I_II, AnyPart, 2, ">0.200Ohm", "Kurzschlussprüfung L-N, bevor für die Ableitströme Netzspannung angelegt wird; die Norm nennt keinen Wert", nullptr, Ours},
+
+    {En60601, I,  AnyPart, 10, "<2.500mA", "EN 60601-1, 19.3 Tab. IV Anm. 2 und 4, Erdableitstrom, Normalzustand", MobileOrNoEarth},
+    {En60601, I,  AnyPart, 10, "<05.00mA", "EN 60601-1, 19.3 Tab. IV Anm. 3, fest angeschlossen, Erdableitstrom, Normalzustand", FixedWithPe},
+    {En60601, I,  AnyPart, 11, "<2.000mA", "EN 60601-1, 19.3 Tab. IV Anm. 2 und 4, Erdableitstrom, erster Fehler 5 mA; Kasten 11 nimmt 5 mA nicht, der nächste strengere Wert ist 2 mA", MobileOrNoEarth, Ours},
+    {En60601, I,  AnyPart, 11, "<10.00mA", "EN 60601-1, 19.3 Tab. IV Anm. 3, fest angeschlossen, Erdableitstrom, erster Fehler", FixedWithPe},
+    {En60601, I,  AnyPart, 22, ">1.00kV",  "EN 60601-1, 20.3 Tab. V, Basisisolierung, Bezugsspannung bis 150 V: 1000 V", Mains115V},
+    {En60601, II, AnyPart, 22, ">1.50kV",  "EN 60601-1, 20.3 Tab. V, doppelte Isolierung, Bezugsspannung bis 150 V: 3000 V; der Tester nimmt 1,5 oder 3,5 kV", Mains115V, Ours},
+
+    {Vde0751, I,  AnyPart, 12, "<2.000mA", "VDE 0751-1 Tab. F.1, Ersatz-Geräteableitstrom, Anm. 1, mineralische Isolierung, fahrbare Röntgengeräte mit zusätzlichem Schutzleiter: 5 mA; Kasten 12 nimmt 5 mA nicht, der nächste strengere Wert ist 2 mA", NoEarthedParts, Ours},
+    {Vde0751, I,  AnyPart, 12, "<10.00mA", "VDE 0751-1 Tab. F.1, Ersatz-Geräteableitstrom, fest angeschlossen (Anm. 2)", FixedWithPe},
+    {Vde0751, I,  AnyPart, 12, "<2.000mA", "VDE 0751-1 Tab. F.1, Ersatz-Geräteableitstrom, fahrbare Röntgengeräte ohne zusätzlichen Schutzleiter", XrayWithoutPe},
+
+    {En60950, I,  AnyPart, 22, ">1.00kV",  "EN 60950-1, 5.2.2 Tab. 5B, Basisisolierung bis 184 V Scheitelwert: 1000 V", Mains115V},
+
+    {En61010, AnyClass, AnyPart, 13, "<1.000mA", "EN 61010-1, 6.3.2 berührbarer Strom im ersten Fehlerfall 3,5 mA; Kasten 13 nimmt höchstens 1 mA", nullptr, Ours},
 };
 
 // The patient currents of the medical and laboratory regulations by applied-part type: B and BF
@@ -177,7 +225,7 @@ constexpr DefaultLimit kPatientLimits[] = {
     {En60601, AnyClass, B_BF, 20, "<0.010mA", "EN 60601-1, 19.3 Tab. IV, Patientenhilfsstrom DC, Normalzustand"},
     {En60601, AnyClass, B_BF, 21, "<0.050mA", "EN 60601-1, 19.3 Tab. IV, Patientenhilfsstrom DC, erster Fehler"},
     {En60601, AnyClass, BF,   9,  "<05.00mA", "EN 60601-1, 19.3 Tab. IV, Patientenableitstrom bei Netzspannung am Anwendungsteil, BF"},
-    {En60601, AnyClass, CF,   3,  ">70.00MOhm", "Isolierung des Anwendungsteils Typ CF"},
+    {En60601, AnyClass, CF,   3,  ">70.00MOhm", "Isolierung des Anwendungsteils Typ CF; die Norm nennt keinen Isolationswiderstand", nullptr, Ours},
     {En60601, AnyClass, CF,   9,  "<0.050mA", "EN 60601-1, 19.3 Tab. IV, Patientenableitstrom bei Netzspannung am Anwendungsteil, CF"},
     {En60601, AnyClass, CF,   14, "<0.010mA", "EN 60601-1, 19.3 Tab. IV, Patientenableitstrom AC, Normalzustand, CF"},
     {En60601, AnyClass, CF,   15, "<0.050mA", "EN 60601-1, 19.3 Tab. IV, Patientenableitstrom AC, erster Fehler, CF"},
@@ -200,8 +248,9 @@ constexpr const char *kBox6[] = {"0120V"};
 constexpr const char *kBox8[] = {"<1.000mA", "<3.500mA"};
 constexpr const char *kBox9[] = {"<0.050mA", "<05.00mA"};
 constexpr const char *kBox10[] = {"<0.500mA", "<2.500mA", "<05.00mA"};
-constexpr const char *kBox11[] = {"<1.000mA"};
-constexpr const char *kBox12[] = {"<0.100mA", "<0.250mA", "<0.500mA", "<1.000mA"};
+// Boxes 11 and 12 also take the two texts that only the medical regulations' device categories need.
+constexpr const char *kBox11[] = {"<1.000mA", "<2.000mA", "<10.00mA"};
+constexpr const char *kBox12[] = {"<0.100mA", "<0.250mA", "<0.500mA", "<1.000mA", "<2.000mA", "<10.00mA"};
 constexpr const char *kBox13[] = {"<0.500mA", "<1.000mA"};
 constexpr const char *kBox14[] = {"<0.010mA", "<0.100mA"};
 constexpr const char *kBox15[] = {"<0.050mA", "<0.500mA"};
@@ -210,6 +259,11 @@ constexpr const char *kBox17[] = {"<0.050mA"};
 constexpr const char *kBox22[] = {">1.00kV", ">1.50kV", ">3.50kV"};
 
 } // namespace
+
+std::span<const SwitchPosition> SwitchPositions()
+{
+    return kSwitchMeanings;
+}
 
 std::span<const RegulationCodes> RegulationCodeRows()
 {
@@ -223,12 +277,13 @@ std::span<const ClassCode> ClassCodeRows()
 
 std::span<const DefaultLimit> DefaultLimitRows()
 {
-    // One table for a reader; the patient currents follow the rest so that they win where both
-    // name a box (box 3 of an applied part of type CF).
+    // One table for a reader; the switch positions' rows and the patient currents follow the rest
+    // so that they win where both name a box (box 3 of an applied part of type CF).
     // The tester's EN 61010 sequence measures the patient currents as the EN 60601 one does, with
     // the same limits.
     static const auto rows = [] {
         std::vector<DefaultLimit> all(std::begin(kLimits), std::end(kLimits));
+        all.insert(all.end(), std::begin(kSwitchLimits), std::end(kSwitchLimits));
         for (const Regulation regulation : {En60601, En61010}) {
             for (DefaultLimit row : kPatientLimits) {
                 row.regulation = regulation;

@@ -38,17 +38,31 @@ struct ClassCode {
     const char *element18;
 };
 
-// One default limit. Classes and types are lists of element values separated by blanks:
-// classes "05", "06", "07"; applied-part types "00" none, "01" B, "02" BF, "03" CF.
+// Whether a row's value is the regulation's own or a choice we made where the regulation leaves
+// one open or gives a value the box cannot take.
+enum class Choice { Regulation, Ours };
+
+// One default limit. Classes, types and switch positions are lists of values separated by blanks:
+// classes "05", "06", "07"; applied-part types "00" none, "01" B, "02" BF, "03" CF; switch
+// positions as `SwitchCodes()` lists them, nullptr for every one.
 struct DefaultLimit {
     Regulation regulation;
     const char *classes;
     const char *types;
     int box;            // GWert 1..22
     const char *text;   // "Ohm" at the end stands for the tester's ohm sign
-    const char *source; // the regulation's clause or table
+    const char *source; // the regulation's clause or table, and with Choice::Ours why we chose so
+    const char *switches = nullptr;
+    Choice choice = Choice::Regulation;
 };
 
+// A switch position and what it stands for in the rows, in a few German words.
+struct SwitchPosition {
+    const char *code;
+    const char *meaning;
+};
+
+std::span<const SwitchPosition> SwitchPositions();
 std::span<const RegulationCodes> RegulationCodeRows();
 std::span<const ClassCode> ClassCodeRows();
 std::span<const DefaultLimit> DefaultLimitRows();

@@ -39,25 +39,28 @@ QByteArray SwitchElement(const QByteArray &switchCode)
     return kCodes.contains(switchCode) ? switchCode : QByteArray("00");
 }
 
-// The rows behind the limits 1..22 for one regulation, class and type; nullptr where none.
-std::array<const DefaultLimit *, kLimitSlots>
-TableRows(int regulationEntry, const QByteArray &protectionClass, const QByteArray &appliedPart)
+// The rows behind the limits 1..22 for one regulation, class, type and switch position; nullptr
+// where none.
+std::array<const DefaultLimit *, kLimitSlots> TableRows(int regulationEntry,
+                                                        const QByteArray &protectionClass,
+                                                        const QByteArray &appliedPart,
+                                                        const QByteArray &switchCode)
 {
     std::array<const DefaultLimit *, kLimitSlots> rows{};
     const QByteArray cls = ClassForRows(protectionClass);
     for (const DefaultLimit &row : DefaultLimitRows()) {
         if (static_cast<int>(row.regulation) == regulationEntry && Lists(row.classes, cls) &&
-            Lists(row.types, appliedPart))
+            Lists(row.types, appliedPart) && (!row.switches || Lists(row.switches, switchCode)))
             rows[row.box] = &row; // a later row wins
     }
     return rows;
 }
 
 std::array<QByteArray, kLimitSlots> TableLimits(int regulationEntry, const QByteArray &protectionClass,
-                                                const QByteArray &appliedPart)
+                                                const QByteArray &appliedPart, const QByteArray &switchCode)
 {
     std::array<QByteArray, kLimitSlots> limits;
-    const auto rows = TableRows(regulationEntry, protectionClass, appliedPart);
+    const auto rows = TableRows(regulationEntry, protectionClass, appliedPart, switchCode);
     for (int box = 1; box <= kLimitBoxes; ++box) {
         if (rows[box])
             limits[box] = LimitFromText(QString::fromUtf8(rows[box]->text));
@@ -93,31 +96,44 @@ void ApplyDefaults(SpecRecord &record, int regulationEntry, const QByteArray &sw
             ClassForRows(protectionClass) == row.protectionClass)
             record.codes[18] = row.element18;
     }
-    const auto limits = TableLimits(regulationEntry, protectionClass, record.codes[15]);
+    const auto limits = TableLimits(regulationEntry, protectionClass, record.codes[15], switchCode);
     for (int box = 1; box <= kLimitBoxes; ++box)
         record.limits[box] = limits[box];
 }
 
 QList<BoxDefault> DefaultsFor(int regulationEntry, const QByteArray &protectionClass,
-                              const QByteArray &appliedPart)
+                              const QByteArray &appliedPart, const QByteArray &switchCode)
 {
-    const auto rows = TableRows(regulationEntry, protectionClass, appliedPart);
+    const auto rows = TableRows(regulationEntry, protectionClass, appliedPart, switchCode);
     QList<BoxDefault> defaults;
     for (int box = 1; box <= kLimitBoxes; ++box) {
-        if (rows[box])
-            defaults.append({box, LimitFromText(QString::fromUtf8(rows[box]->text)),
-                             QString::fromUtf8(rows[box]->source)});
-        else
+        const DefaultLimit *row = rows[box];
+        if (!row) {
             defaults.append({box, {}, {}});
+            continue;
+        }
+        QString source = QString::fromUtf8(row->source);
+        if (row->choice == Choice::Ours)
+            source.prepend(QStringLiteral("unsere Wahl: "));
+        defaults.append({box, LimitFromText(QString::fromUtf8(row->text)), source});
     }
     return defaults;
+}
+
+QString SwitchMeaning(const QByteArray &switchCode)
+{
+    for (const SwitchPosition &position : SwitchPositions()) {
+        if (switchCode == position.code)
+            return QString::fromUtf8(position.meaning);
+    }
+    return {};
 }
 
 QString BoxMeaning(int box)
 {
     static const char *const kMeanings[kLimitBoxes] = {
         "Schutzleiterwiderstand",
-        "Widerstand, Mindestwert",
+        "Kurzschlussprüfung L-N, Mindestwiderstand",
         "Isolationswiderstand",
         "Messspannung der Isolationsmessung",
         "Schutzleiterstrom / Berührungsstrom",
@@ -144,8 +160,7 @@ QString BoxMeaning(int box)
 
 QList<int> LooserLimits(const SpecRecord &record, int regulationEntry, const QByteArray &switchCode)
 {
-    Q_UNUSED(switchCode) // the regulations' limits do not depend on the switch position
-    const auto defaults = TableLimits(regulationEntry, record.codes[14], record.codes[15]);
+    const auto defaults = TableLimits(regulationEntry, record.codes[14], record.codes[15], switchCode);
     QList<int> looser;
     for (int box = 1; box <= kLimitBoxes; ++box) {
         if (IsLooser(record.limits[box], defaults[box]))

@@ -19,12 +19,16 @@ void ApplyDefaults(SpecRecord &record, int regulationEntry, const QByteArray &sw
 struct BoxDefault {
     int box;         // 1..22
     QByteArray text; // empty: the regulation sets nothing there
-    QString source;  // the regulation's clause or table; empty with an empty text
+    QString source;  // the regulation's clause or table, "unsere Wahl: " in front where the value is
+                     // ours; empty with an empty text
 };
-// The 22 boxes the generator fills for the regulation list entry, protection class (element 14)
-// and applied-part type (element 15).
+// The 22 boxes the generator fills for the regulation list entry, protection class (element 14),
+// applied-part type (element 15) and switch position.
 QList<BoxDefault> DefaultsFor(int regulationEntry, const QByteArray &protectionClass,
-                              const QByteArray &appliedPart);
+                              const QByteArray &appliedPart, const QByteArray &switchCode);
+// What a switch position stands for when the generator chooses limits ("fest angeschlossen mit
+// Schutzleiter"); empty for a code the list does not hold.
+QString SwitchMeaning(const QByteArray &switchCode);
 // What box 1..22 measures, in a few German words ("Schutzleiterwiderstand").
 QString BoxMeaning(int box);
 

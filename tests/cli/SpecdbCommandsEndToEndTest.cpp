@@ -97,16 +97,31 @@ TEST(CliSpecdbCommands, DefaultsShowTheCodesAndEachBoxWithItsSourceWithoutATeste
                    Args({"specdb", "defaults", "--regulation", "vde 0701 t.1", "--class", "05"}));
     ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
     const QStringList lines = run.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    ASSERT_EQ(lines.size(), 24) << run.out.toStdString();
+    ASSERT_EQ(lines.size(), 25) << run.out.toStdString();
     EXPECT_EQ(lines[0], QStringLiteral("regulation: VDE 0701 T.1, class 05, type 02"));
-    EXPECT_EQ(lines[1],
+    EXPECT_EQ(lines[1], QStringLiteral("switch: 00 (allgemein)"));
+    EXPECT_EQ(lines[2],
               QStringLiteral("codes 0-19: 00 01 00 00 00 00 10 00 20 00 00 00 00 00 05 02 00 1F 02 00"));
-    EXPECT_TRUE(lines[2].startsWith(QStringLiteral("GWert  1  Schutzleiterwiderstand")))
-        << lines[2].toStdString();
-    EXPECT_TRUE(lines[2].contains(QStringLiteral("<0.300Ohm   VDE 0701-1"))) << lines[2].toStdString();
-    EXPECT_TRUE(lines[3].endsWith(QStringLiteral("  -")))
-        << "box 2 is left empty: " << lines[3].toStdString();
-    EXPECT_TRUE(lines[23].startsWith(QStringLiteral("GWert 22"))) << lines[23].toStdString();
+    EXPECT_TRUE(lines[3].startsWith(QStringLiteral("GWert  1  Schutzleiterwiderstand")))
+        << lines[3].toStdString();
+    EXPECT_TRUE(lines[3].contains(QStringLiteral("<0.300Ohm   VDE 0701-1"))) << lines[3].toStdString();
+    EXPECT_TRUE(lines[4].endsWith(QStringLiteral("  -")))
+        << "box 2 is left empty: " << lines[4].toStdString();
+    EXPECT_TRUE(lines[24].startsWith(QStringLiteral("GWert 22"))) << lines[24].toStdString();
+
+    // The switch position of a permanently connected medical device, and a value that is ours.
+    const RunResult fixed = RunProgram(
+        QStringLiteral("kalvo-cli"),
+        Args({"specdb", "defaults", "--regulation", "EN 60601", "--class", "05", "--switch", "02"}));
+    ASSERT_EQ(fixed.exitCode, 0) << fixed.err.toStdString();
+    const QStringList fixedLines = fixed.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    ASSERT_EQ(fixedLines.size(), 25) << fixed.out.toStdString();
+    EXPECT_EQ(fixedLines[1], QStringLiteral("switch: 02 (fest angeschlossen mit Schutzleiter)"));
+    EXPECT_TRUE(fixedLines[2].endsWith(QStringLiteral(" 24 03 02"))) << fixedLines[2].toStdString();
+    EXPECT_TRUE(fixedLines[13].contains(QStringLiteral("<10.00mA    EN 60601-1, 19.3 Tab. IV Anm. 3")))
+        << fixedLines[13].toStdString();
+    EXPECT_TRUE(fixedLines[4].contains(QStringLiteral(">0.200Ohm   unsere Wahl: ")))
+        << fixedLines[4].toStdString();
     const RunResult wrong =
         RunProgram(QStringLiteral("kalvo-cli"), Args({"specdb", "defaults", "--regulation", "VDE 9999"}));
     EXPECT_EQ(wrong.exitCode, 2);

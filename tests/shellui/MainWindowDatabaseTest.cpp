@@ -50,6 +50,30 @@ TEST_F(MainWindowDatabaseTest, TheEditorProposesTheRegulationsLimitsAndATestReco
     EXPECT_EQ(database->findChild<QLineEdit *>(QStringLiteral("GWert5"))->text(), QStringLiteral("<3.500mA"));
     EXPECT_TRUE(database->findChild<QLineEdit *>(QStringLiteral("GWert14"))->text().isEmpty());
 
+    // In a medical regulation the switch position chooses the earth leakage of a permanently
+    // connected device, and back.
+    const auto limit = [&](int box) {
+        return database->findChild<QLineEdit *>(QStringLiteral("GWert%1").arg(box))->text();
+    };
+    const auto choose = [&](const char *list, int entry) {
+        auto *box = database->findChild<QComboBox *>(QString::fromLatin1(list));
+        box->setCurrentIndex(entry);
+        emit box->activated(entry);
+    };
+    choose("Vorschrift", regulation->findText(QStringLiteral("EN 60601")));
+    EXPECT_EQ(limit(10), QStringLiteral("<0.500mA"));
+    choose("Schalterstellung", 3);
+    EXPECT_TRUE(database->findChild<QComboBox *>(QStringLiteral("Schalterstellung"))
+                    ->currentText()
+                    .startsWith(QStringLiteral("02  fest")));
+    EXPECT_EQ(limit(10), QStringLiteral("<05.00mA"));
+    EXPECT_EQ(limit(11), QStringLiteral("<10.00mA"));
+    EXPECT_EQ(limit(2), QStringLiteral(">0.200Ohm"));
+    Screenshot(*database, QStringLiteral("database-switch-position"));
+    choose("Schalterstellung", 0);
+    EXPECT_EQ(limit(11), QStringLiteral("<1.000mA"));
+    choose("Vorschrift", entry);
+
     // A limit looser than the regulation's stands out; a stricter one does not.
     const auto type = [&](const char *box, const QString &text) {
         auto *edit = database->findChild<QLineEdit *>(QString::fromLatin1(box));

@@ -6,7 +6,11 @@
 #include "specdb/LimitText.h"
 #include "specdb/SpecChunks.h"
 
+#include <QSet>
 #include <QStringList>
+
+#include <array>
+#include <iterator>
 
 #include <gtest/gtest.h>
 
@@ -143,7 +147,7 @@ TEST(DefaultLimits, EveryCombinationWritesOnlyTextsItsBoxTakes)
             for (const QByteArray type : {"00", "01", "02", "03"}) {
                 for (const QByteArray &switchCode : switches) {
                     const SpecRecord record = Generated(entry, cls, type, switchCode);
-                    const QList<BoxDefault> shown = DefaultsFor(entry, cls, type);
+                    const QList<BoxDefault> shown = DefaultsFor(entry, cls, type, switchCode);
                     for (int box = 1; box <= kLimitBoxes; ++box) {
                         const QByteArray &text = record.limits[box];
                         // What is shown with its source is what the generator writes.
@@ -167,12 +171,111 @@ TEST(DefaultLimits, EveryCombinationWritesOnlyTextsItsBoxTakes)
         }
     }
     EXPECT_GT(written, 1000);
-    // And every row of the table names where its value comes from.
+    // And every row of the table names where its value comes from, and only switch positions the
+    // list holds.
+    const QList<QByteArray> switchList(std::begin(switches), std::end(switches));
     for (const DefaultLimit &row : DefaultLimitRows()) {
         EXPECT_GT(QByteArray(row.source).size(), 10) << row.text;
         EXPECT_GE(row.box, 1);
         EXPECT_LE(row.box, kLimitBoxes);
+        for (const QByteArray &code : QByteArray(row.switches ? row.switches : "00").split(' '))
+            EXPECT_TRUE(switchList.contains(code)) << row.text << ' ' << code.constData();
     }
+    for (const QByteArray &code : switchList)
+        EXPECT_FALSE(SwitchMeaning(code).isEmpty()) << code.constData();
+}
+
+TEST(DefaultLimits, EveryTextOfEveryBoxIsWrittenBySomeCombination)
+{
+    const QByteArray switches[] = {"00", "05", "01", "02", "20", "Menue"};
+    std::array<QSet<QByteArray>, kLimitSlots> written;
+    for (int entry = 0; entry < kRegulationCount; ++entry)
+        for (const QByteArray cls : {"05", "06", "07"})
+            for (const QByteArray type : {"00", "01", "02", "03"})
+                for (const QByteArray &switchCode : switches) {
+                    const SpecRecord record = Generated(entry, cls, type, switchCode);
+                    for (int box = 1; box <= kLimitBoxes; ++box)
+                        written[box].insert(record.limits[box]);
+                }
+    QSet<QByteArray> everyText;
+    for (int box = 1; box <= kLimitBoxes; ++box) {
+        for (const char *text : AllowedTexts(box)) {
+            const QByteArray limit = LimitFromText(QString::fromUtf8(text));
+            everyText.insert(limit);
+            EXPECT_TRUE(written[box].contains(limit))
+                << "box " << box << " never gets " << kalvo::link::EscapeBytes(limit).toStdString();
+        }
+    }
+    // The full set of texts the generator writes, each in at least one box.
+    const char *texts[] = {"<0.300O",  "<1.000O",  ">0.200O",  ">0.500MO", ">1.000MO", ">2.000MO", ">7.000MO",
+                           ">70.00MO", ">0250V",   ">0500V",   "0120V",    "<0.010mA", "<0.050mA", "<0.100mA",
+                           "<0.250mA", "<0.500mA", "<1.000mA", "<2.000mA", "<2.500mA", "<3.500mA", "<05.00mA",
+                           "<10.00mA", ">1.00kV",  ">1.50kV",  ">3.50kV"};
+    for (const char *text : texts)
+        EXPECT_TRUE(everyText.contains(Text(text))) << text;
+    EXPECT_EQ(everyText.size(), static_cast<qsizetype>(std::size(texts)));
+}
+
+TEST(DefaultLimits, TheSwitchPositionChoosesTheMedicalDeviceCategoriesAndTheSupply)
+{
+    const struct {
+        Regulation regulation;
+        const char *cls;
+        const char *switchCode;
+        int box;
+        const char *text;
+        bool ours; // the source says the value is our choice
+    } cases[] = {
+        // Earth leakage of EN 60601-1 Table IV: general, its notes 2 and 4, note 3.
+        {Regulation::En60601, "05", "00", 10, "<0.500mA", false},
+        {Regulation::En60601, "05", "00", 11, "<1.000mA", false},
+        {Regulation::En60601, "05", "Menue", 10, "<0.500mA", false},
+        {Regulation::En60601, "05", "01", 10, "<2.500mA", false},
+        {Regulation::En60601, "05", "20", 10, "<2.500mA", false},
+        {Regulation::En60601, "05", "01", 11, "<2.000mA", true}, // 5 mA is not a text box 11 takes
+        {Regulation::En60601, "05", "02", 10, "<05.00mA", false},
+        {Regulation::En60601, "05", "02", 11, "<10.00mA", false},
+        {Regulation::En60601, "06", "02", 10, "", false}, // no protective conductor, no earth leakage
+        // The substitute equipment leakage of VDE 0751-1 by device category.
+        {Regulation::Vde0751, "05", "00", 12, "<1.000mA", false},
+        {Regulation::Vde0751, "05", "02", 12, "<10.00mA", false},
+        {Regulation::Vde0751, "05", "20", 12, "<2.000mA", false},
+        {Regulation::Vde0751, "05", "01", 12, "<2.000mA", true},
+        {Regulation::Vde0751, "06", "02", 12, "<0.500mA", false},
+        // The high-voltage level for a 115 V supply, never above the regulation's.
+        {Regulation::En60601, "05", "05", 22, ">1.00kV", false},
+        {Regulation::En60601, "06", "05", 22, ">1.50kV", true},
+        {Regulation::En60601, "05", "00", 22, ">1.50kV", false},
+        {Regulation::En60950, "05", "05", 22, ">1.00kV", false},
+        {Regulation::En60950, "05", "00", 22, ">1.50kV", false},
+        // The values no regulation gives.
+        {Regulation::En60601, "05", "00", 2, ">0.200O", true},
+        {Regulation::En61010, "06", "02", 2, ">0.200O", true},
+        {Regulation::En60601, "07", "00", 2, "", false},
+        {Regulation::Vde0751, "05", "00", 2, "", false},
+        {Regulation::En61010, "05", "00", 13, "<1.000mA", true},
+        // An appliance regulation does not know the categories.
+        {Regulation::Vde0702, "05", "02", 8, "<1.000mA", false},
+    };
+    for (const auto &c : cases) {
+        const int entry = static_cast<int>(c.regulation);
+        SCOPED_TRACE(QStringLiteral("regulation %1, class %2, switch %3, box %4")
+                         .arg(entry)
+                         .arg(QString::fromLatin1(c.cls), QString::fromLatin1(c.switchCode))
+                         .arg(c.box)
+                         .toStdString());
+        const SpecRecord record = Generated(entry, c.cls, "02", c.switchCode);
+        EXPECT_EQ(kalvo::link::EscapeBytes(record.limits[c.box]), kalvo::link::EscapeBytes(Text(c.text)));
+        EXPECT_EQ(record.codes[19],
+                  QByteArray(c.switchCode) == "Menue" ? QByteArray("00") : QByteArray(c.switchCode));
+        const BoxDefault shown = DefaultsFor(entry, c.cls, "02", c.switchCode).at(c.box - 1);
+        EXPECT_EQ(shown.source.startsWith(QStringLiteral("unsere Wahl: ")), c.ours)
+            << shown.source.toStdString();
+    }
+    // A limit is judged against the default of the record's own switch position.
+    SpecRecord fixed = Generated(static_cast<int>(Regulation::En60601), "05", "02", "02");
+    EXPECT_TRUE(LooserLimits(fixed, static_cast<int>(Regulation::En60601), "02").isEmpty());
+    EXPECT_EQ(LooserLimits(fixed, static_cast<int>(Regulation::En60601), "00"), (QList<int>{10, 11}));
 }
 
 TEST(DefaultLimits, TheAppliedPartChoosesThePatientCurrentsOfTheMedicalRegulations)
@@ -301,7 +404,7 @@ TEST(LimitText, TheLooserBoxesOfASpecificationAreNamedInOrder)
     record.limits[1] = "<1.000" + kOhmText;
     record.limits[9].clear();
     record.limits[12] = "<0.500mA";         // stricter than 1 mA: fine
-    record.limits[2] = ">0.200" + kOhmText; // the regulation sets nothing there
+    record.limits[2] = ">0.200" + kOhmText; // nothing is set there
     EXPECT_EQ(LooserLimits(record, 5, "00"), (QList<int>{1, 9}));
     // Judged against the class and type the record holds.
     record.codes[15] = "02";

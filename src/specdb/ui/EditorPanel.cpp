@@ -5,9 +5,11 @@
 #include "gui/GuiPrompter.h"
 #include "link/Errors.h"
 #include "link/TextRules.h"
+#include "specdb/DefaultLimits.h"
 #include "specdb/SpecChunks.h"
 #include "specdb/SpecDecoding.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
@@ -68,8 +70,14 @@ void EditorPanel::BuildLists()
     m_parts = List(this, "AnzahlAWT", parts);
     QStringList switches;
     for (const QByteArray &code : SwitchCodes())
-        switches << QString::fromLatin1(code);
+        switches << QStringLiteral("%1  %2").arg(QString::fromLatin1(code), SwitchMeaning(code));
     m_switch = List(this, "Schalterstellung", switches);
+    // The meanings are long: the box keeps the form narrow, its list shows them whole.
+    m_switch->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    m_switch->setMinimumContentsLength(24);
+    m_switch->view()->setMinimumWidth(m_switch->view()->sizeHintForColumn(0) + 24);
+    for (int entry = 0; entry < switches.size(); ++entry)
+        m_switch->setItemData(entry, switches[entry], Qt::ToolTipRole);
     m_insulated = new QCheckBox(QStringLiteral("Anwendungsteile isoliert"), this);
     m_insulated->setObjectName(QStringLiteral("ISOAWT"));
     m_builtBefore1982 = new QCheckBox(QStringLiteral("Baujahr vor 1982"), this);
