@@ -35,8 +35,11 @@ QByteArray ClassForRows(const QByteArray &protectionClass)
 // The switch position as element 19: its own code, "00" for the menu or anything else.
 QByteArray SwitchElement(const QByteArray &switchCode)
 {
-    static const QList<QByteArray> kCodes{"00", "05", "01", "02", "20"};
-    return kCodes.contains(switchCode) ? switchCode : QByteArray("00");
+    for (const SwitchPosition &position : SwitchPositions()) {
+        if (switchCode == position.code && switchCode.size() == 2)
+            return switchCode;
+    }
+    return "00";
 }
 
 // The rows behind the limits 1..22 for one regulation, class, type and switch position; nullptr
