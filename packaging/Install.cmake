@@ -1,0 +1,19 @@
+# What `cmake --install` puts where: the programs and the data files they read beside themselves
+# share one folder (bin/ on Windows, lib/kalvo/ elsewhere, linked from bin/). Included last by the
+# top-level CMakeLists.txt, when every program target exists.
+if(WIN32)
+    set(KALVO_PROGRAM_DIR ${CMAKE_INSTALL_BINDIR} CACHE STRING "Folder of the programs and their data files")
+else()
+    set(KALVO_PROGRAM_DIR lib/kalvo CACHE STRING "Folder of the programs and their data files")
+endif()
+
+set(KALVO_PROGRAMS kalvo-cli kalvo-sim)
+if(TARGET kalvo)
+    list(PREPEND KALVO_PROGRAMS kalvo)
+endif()
+install(TARGETS ${KALVO_PROGRAMS} RUNTIME DESTINATION ${KALVO_PROGRAM_DIR})
+install(FILES ${KALVO_DATA_FILES} DESTINATION ${KALVO_PROGRAM_DIR})
+
+if(UNIX AND NOT APPLE)
+    include(${CMAKE_CURRENT_LIST_DIR}/linux/Package.cmake)
+endif()
