@@ -1,6 +1,9 @@
 # What `cmake --install` puts where: the programs and the data files they read beside themselves
 # share one folder (bin/ on Windows, lib/kalvo/ elsewhere, linked from bin/). Included last by the
 # top-level CMakeLists.txt, when every program target exists.
+# Installing and packaging build nothing themselves: `./kalvo.sh package` builds the programs it
+# packs (and the tests' build folder is shared with it), so a package never waits for the tests.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 if(WIN32)
     set(KALVO_PROGRAM_DIR ${CMAKE_INSTALL_BINDIR} CACHE STRING "Folder of the programs and their data files")
 else()
