@@ -21,6 +21,21 @@ bool CanCreateFileIn(const QString &folder)
     return probe.open();
 }
 
+// The note, the first time this program moves the file.
+QString Said(Prompter &prompter, const FilePlace &place)
+{
+    if (place.moved()) {
+        static QMutex mutex;
+        static QSet<QString> told;
+        QMutexLocker lock(&mutex);
+        if (!told.contains(place.path)) {
+            told.insert(place.path);
+            prompter.message(MovedNote(place));
+        }
+    }
+    return place.path;
+}
+
 } // namespace
 
 QString UserDataFolder()
@@ -29,20 +44,19 @@ QString UserDataFolder()
     return QDir(base).filePath(QStringLiteral("kalvo"));
 }
 
-FilePlace PlaceFile(const QString &folder, const QString &name)
-{
-    const QString absolute = QFileInfo(folder.isEmpty() ? QDir::currentPath() : folder).absoluteFilePath();
-    if (CanCreateFileIn(absolute))
-        return {QDir(absolute).filePath(name), QString()};
-    const QString data = UserDataFolder();
-    QDir().mkpath(data);
-    return {QDir(data).filePath(name), QDir::toNativeSeparators(absolute)};
-}
-
 FilePlace PlaceFile(const QString &path)
 {
     const QFileInfo info(path);
-    return PlaceFile(info.absolutePath(), info.fileName());
+    if (CanCreateFileIn(info.absolutePath()))
+        return {path, QString()};
+    const QString data = UserDataFolder();
+    QDir().mkpath(data);
+    return {QDir(data).filePath(info.fileName()), QDir::toNativeSeparators(info.absolutePath())};
+}
+
+FilePlace PlaceFile(const QString &folder, const QString &name)
+{
+    return PlaceFile(folder.isEmpty() ? name : QDir(folder).filePath(name));
 }
 
 QString MovedNote(const FilePlace &place)
@@ -56,17 +70,12 @@ QString MovedNote(const FilePlace &place)
 
 QString PlaceFileAndSay(Prompter &prompter, const QString &folder, const QString &name)
 {
-    const FilePlace place = PlaceFile(folder, name);
-    if (place.moved()) {
-        static QMutex mutex;
-        static QSet<QString> told;
-        QMutexLocker lock(&mutex);
-        if (!told.contains(place.path)) {
-            told.insert(place.path);
-            prompter.message(MovedNote(place));
-        }
-    }
-    return place.path;
+    return Said(prompter, PlaceFile(folder, name));
+}
+
+QString PlaceFileAndSay(Prompter &prompter, const QString &path)
+{
+    return Said(prompter, PlaceFile(path));
 }
 
 } // namespace kalvo::link

@@ -20,10 +20,11 @@ struct FilePlace {
     bool moved() const { return !wanted.isEmpty(); }
 };
 
-// `name` in `folder` when a file can be created there, else in UserDataFolder(), which is then
-// created. The same folder gives the same answer, so a file written now is found again later.
+// `name` in `folder` (the current folder when empty) when a file can be created there, else in
+// UserDataFolder(), which is then created. A path that stays is written as it was given (relative
+// stays relative). The same folder gives the same answer, so a file written now is found later.
 FilePlace PlaceFile(const QString &folder, const QString &name);
-// PlaceFile for a path whose folder was chosen by the program (a P-file beside its template).
+// The same for a path whose folder was chosen by the program (a P-file beside its template).
 FilePlace PlaceFile(const QString &path);
 
 // "log.tmp: /usr/lib/kalvo ist nicht beschreibbar, die Datei liegt in /home/u/.local/share/kalvo";
@@ -32,5 +33,6 @@ QString MovedNote(const FilePlace &place);
 
 // PlaceFile, and the note through `prompter` the first time this program moves that file.
 QString PlaceFileAndSay(Prompter &prompter, const QString &folder, const QString &name);
+QString PlaceFileAndSay(Prompter &prompter, const QString &path);
 
 } // namespace kalvo::link

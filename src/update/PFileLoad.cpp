@@ -24,10 +24,7 @@ std::optional<MadePFile> MakePFile(link::Prompter &prompter, const QString &temp
         return std::nullopt;
     }
     // Beside the template, or in the user's data folder when the template's folder is read-only.
-    const QFileInfo beside(PFileName(templatePath));
-    MadePFile made{outPath.isEmpty()
-                       ? link::PlaceFileAndSay(prompter, beside.absolutePath(), beside.fileName())
-                       : outPath,
+    MadePFile made{outPath.isEmpty() ? link::PlaceFileAndSay(prompter, PFileName(templatePath)) : outPath,
                    build.bytes};
     SaveBytes(made.path, made.bytes);
     return made;

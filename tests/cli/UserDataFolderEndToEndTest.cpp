@@ -80,6 +80,8 @@ TEST(CliUserDataFolder, FilesOfAReadOnlyFolderGoToTheDataFolderAndTheOutputSaysW
         {{}, {QStringLiteral("records"), QStringLiteral("list")}, QStringLiteral("proto.txt"), work.path()},
         {{}, {QStringLiteral("specdb"), QStringLiteral("list")}, QStringLiteral("test.txt"), work.path()},
     };
+    for (const auto &c : cases) // the build's folder may hold a log.tmp of an earlier run
+        QFile::remove(QDir(c.folder).filePath(c.file));
     const ReadOnly fixedPrograms(programs.path());
     const ReadOnly fixedWork(work.path());
     for (const auto &c : cases) {
