@@ -2,6 +2,7 @@
 // files it keeps there land in the user's data folder, and it says where.
 #include "support/ProgramFolder.h"
 #include "support/SimProcess.h"
+#include "support/TestFiles.h"
 
 #include <QDir>
 #include <QFile>
@@ -67,6 +68,8 @@ TEST(CliUserDataFolder, FilesOfAReadOnlyFolderGoToTheDataFolderAndTheOutputSaysW
     ASSERT_EQ(::chmod(QFile::encodeName(dataHome.path()).constData(), 0777), 0);
     const QString records = dataHome.filePath(QStringLiteral("kym.txt"));
     const QString data = dataHome.filePath(QStringLiteral("kalvo"));
+    const QString script = dataHome.filePath(QStringLiteral("beispiel.abl"));
+    ASSERT_TRUE(WriteFile(script, "var?D3\r\n"));
     const struct {
         QStringList simArguments;
         QStringList arguments;
@@ -79,6 +82,7 @@ TEST(CliUserDataFolder, FilesOfAReadOnlyFolderGoToTheDataFolderAndTheOutputSaysW
          programs.path()},
         {{}, {QStringLiteral("records"), QStringLiteral("list")}, QStringLiteral("proto.txt"), work.path()},
         {{}, {QStringLiteral("specdb"), QStringLiteral("list")}, QStringLiteral("test.txt"), work.path()},
+        {{}, {QStringLiteral("script"), script}, QStringLiteral("beispiel.txt"), work.path()},
     };
     for (const auto &c : cases) // the build's folder may hold a log.tmp of an earlier run
         QFile::remove(QDir(c.folder).filePath(c.file));
