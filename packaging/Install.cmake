@@ -10,10 +10,13 @@ else()
     set(KALVO_PROGRAM_DIR lib/kalvo CACHE STRING "Folder of the programs and their data files")
 endif()
 
-set(KALVO_PROGRAMS kalvo-cli kalvo-sim)
-if(TARGET kalvo)
-    list(PREPEND KALVO_PROGRAMS kalvo)
-endif()
+# Whichever of the programs this platform builds (kalvo-sim needs pseudo-terminals).
+set(KALVO_PROGRAMS)
+foreach(program kalvo kalvo-cli kalvo-sim)
+    if(TARGET ${program})
+        list(APPEND KALVO_PROGRAMS ${program})
+    endif()
+endforeach()
 install(TARGETS ${KALVO_PROGRAMS} RUNTIME DESTINATION ${KALVO_PROGRAM_DIR})
 install(FILES ${KALVO_DATA_FILES} DESTINATION ${KALVO_PROGRAM_DIR})
 
