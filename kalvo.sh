@@ -5,6 +5,8 @@
 #   ./kalvo.sh sanitize  build with AddressSanitizer and UBSan and run the unit tests, leaks included
 #   ./kalvo.sh bench     build and run the benchmarks
 #   ./kalvo.sh fuzz [SECONDS]  build the libFuzzer harnesses with clang and run each for SECONDS (60)
+#   ./kalvo.sh package   build the Debian package into packages/ and check it (and the Windows
+#                        installer when the toolchain is there)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -113,13 +115,34 @@ screenshots)
         build/bin/shellui_tests
     echo "Pictures in build/bin/screenshots/"
     ;;
+package)
+    # The programs of the one build folder (the tests are not built for this), installed under /usr.
+    install_missing dpkg-dev
+    cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+    cmake --build build -j "$JOBS" --target kalvo kalvo-cli kalvo-sim kalvo-manpages
+    mkdir -p packages
+    rm -rf packages/kalvo_*.deb build/cpack
+    cpack --config build/CPackConfig.cmake -B build/cpack >/dev/null
+    cp build/cpack/kalvo_*.deb packages/
+    deb=$(ls packages/kalvo_*.deb)
+    packaging/linux/check-deb.sh "$deb"
+    echo "Debian package: $deb ($(du -k "$deb" | cut -f1) KiB)"
+    # The Windows installer and zip, when the cross toolchain and its script are there.
+    if [ -d ../shared/toolchains ] && [ -x packaging/windows/package.sh ]; then
+        if [ -d build-windows ]; then
+            packaging/windows/package.sh build-windows packages
+        else
+            echo "No Windows installer: build-windows/ is missing (./kalvo.sh windows makes it)."
+        fi
+    fi
+    ;;
 fuzz)
     seconds=${2:-60}
     build build-fuzz -DKALVO_FUZZ=ON -DCMAKE_CXX_COMPILER=clang++
     run_fuzzers "$seconds"
     ;;
 *)
-    echo "usage: $0 run|test|sanitize|bench|screenshots|fuzz [SECONDS]" >&2
+    echo "usage: $0 run|test|sanitize|bench|screenshots|fuzz [SECONDS]|package" >&2
     exit 2
     ;;
 esac

@@ -15,8 +15,10 @@
 #include "link/PortNames.h"
 #include "link/Registers.h"
 #include "link/ServiceSession.h"
+#include "link/UserFiles.h"
 #include "shell/ClockAndName.h"
 #include "shell/PortMemory.h"
+#include "shell/ServiceTerminal.h"
 #include "shell/ui/ConfigFrame.h"
 #include "shell/ui/LanguageMenu.h"
 #include "shell/ui/RemoteDisplay.h"
@@ -80,8 +82,10 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
         m_menu->development->setVisible(true);
         m_menu->ras->setVisible(true);
         m_update->SetDevelopment(true);
-        const QString trace = QDir::current().filePath(QStringLiteral("test.log"));
-        m_device->Configure([trace](link::Link &link) { link.StartTrace(trace); });
+        const link::FilePlace trace = link::PlaceFile(QDir::currentPath(), shell::kTraceFileName);
+        if (trace.moved())
+            m_startup.switches.warnings << link::MovedNote(trace);
+        m_device->Configure([path = trace.path](link::Link &link) { link.StartTrace(path); });
     }
     if (const QStringList warnings = m_startup.settings.warnings + m_startup.switches.warnings;
         !warnings.isEmpty())

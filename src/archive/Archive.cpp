@@ -147,6 +147,15 @@ void Archive::OpenConnection()
     const bool postgres = isPostgres();
     m_db = QSqlDatabase::addDatabase(postgres ? QStringLiteral("QPSQL") : QStringLiteral("QSQLITE"),
                                      m_connectionName);
+    if (!m_db.isValid()) {
+        // The plugin is there but would not load: its client library is missing (Windows without
+        // libpq.dll); Qt's own "Driver not loaded" says nothing of that.
+        m_db = QSqlDatabase();
+        QSqlDatabase::removeDatabase(m_connectionName);
+        throw Failure(QStringLiteral("öffnen"),
+                      postgres ? QStringLiteral("PostgreSQL-Treiber nicht verfügbar: libpq fehlt")
+                               : QStringLiteral("SQLite-Treiber nicht verfügbar"));
+    }
     const int wait = m_target.WaitSeconds();
     if (postgres) {
         m_db.setHostName(m_target.host);

@@ -2,10 +2,10 @@
 #include "ArchiveLocation.h"
 
 #include "ArchiveTypes.h"
+#include "link/UserFiles.h"
 
 #include <QDir>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -110,8 +110,7 @@ void WriteArchiveSettings(const ArchiveSettings &settings)
 QString DefaultArchivePath()
 {
     // The generic folder, not the program's own: kalvo and kalvo-cli share one archive.
-    const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    return QDir(base).filePath(QStringLiteral("kalvo/archive.sqlite"));
+    return QDir(link::UserDataFolder()).filePath(QStringLiteral("archive.sqlite"));
 }
 
 ArchiveTarget ParseArchiveUrl(const QString &url)

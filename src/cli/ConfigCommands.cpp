@@ -9,6 +9,7 @@
 #include "config/Variables.h"
 #include "link/Identification.h"
 #include "link/TextRules.h"
+#include "link/UserFiles.h"
 #include "modem/ModemSettings.h"
 
 #include <QDir>
@@ -148,7 +149,8 @@ int Cal(CliContext &context, QStringList words)
         if (path.isEmpty()) {
             const link::TesterIdentity id = link::IdentifyTester(context.link(), {});
             context.TesterIdentified(id);
-            path = config::DefaultBackupName(id.shortDesignation);
+            path =
+                link::PlaceFileAndSay(context.prompter(), {}, config::DefaultBackupName(id.shortDesignation));
         }
         config::BackupCalibration(context.link(), context.prompter(), path, show);
         out << "51 entries -> " << QDir::toNativeSeparators(path) << '\n';

@@ -3,6 +3,7 @@
 #include "CliContext.h"
 #include "CliWords.h"
 
+#include "link/UserFiles.h"
 #include "records/RecordDecoding.h"
 #include "records/RecordFiles.h"
 #include "records/RecordRetrieval.h"
@@ -70,7 +71,8 @@ int Records(CliContext &context, const QStringList &words)
     if (action == QLatin1String("list") && w.positional.size() == 1 && w.options.isEmpty()) {
         context.OpenPort();
         const auto result =
-            records::ListStoreRecords(context.link(), context.prompter(), records::kProtoFileName);
+            records::ListStoreRecords(context.link(), context.prompter(),
+                                      link::PlaceFileAndSay(context.prompter(), {}, records::kProtoFileName));
         for (const QString &entry : std::as_const(result.listing.records))
             out << entry << '\n';
         return ExitFor(result.status);
@@ -149,8 +151,9 @@ int Kym(CliContext &context, const QStringList &words)
 {
     if (words.size() != 2 || words[0] != QLatin1String("read"))
         throw UsageError{QStringLiteral("read FILE")};
-    const QString logTmp = QDir(QCoreApplication::applicationDirPath()).filePath(records::kLogTmpFileName);
     context.prompter().PresetFile(words[1]);
+    const QString logTmp = link::PlaceFileAndSay(context.prompter(), QCoreApplication::applicationDirPath(),
+                                                 records::kLogTmpFileName);
     context.OpenPort();
     QTextStream &out = context.out();
     const auto result =

@@ -3,6 +3,7 @@
 #include "CliContext.h"
 
 #include "link/TextRules.h"
+#include "link/UserFiles.h"
 #include "shell/ClockAndName.h"
 #include "shell/ServiceTerminal.h"
 
@@ -61,6 +62,8 @@ int Script(CliContext &context, const QStringList &words)
     if (script.isEmpty())
         throw UsageError{QStringLiteral("die Ablaufdatei fehlt")};
     context.OpenPort();
+    if (result == shell::kScriptResultFileName) // the current folder's, unless that is read-only
+        result = link::PlaceFileAndSay(context.prompter(), {}, result);
     QTextStream &out = context.out();
     shell::RunCommandScript(context.link(), script, result,
                             [&out](const QString &line) { out << line << Qt::endl; });

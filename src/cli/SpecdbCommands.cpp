@@ -15,6 +15,7 @@
 #include "link/Errors.h"
 #include "link/TextIds.h"
 #include "link/TextRules.h"
+#include "link/UserFiles.h"
 
 #include <QDir>
 
@@ -106,7 +107,9 @@ void ApplyLimit(specdb::SpecEditor &editor, const QString &word)
 std::optional<specdb::SpecStore> ReadStore(CliContext &context)
 {
     context.OpenPort();
-    auto store = specdb::ReadSpecStore(context.link(), context.prompter(), specdb::kStoreTraceFileName);
+    auto store =
+        specdb::ReadSpecStore(context.link(), context.prompter(),
+                              link::PlaceFileAndSay(context.prompter(), {}, specdb::kStoreTraceFileName));
     if (store && store->unanswered) {
         context.prompter().message(
             QStringLiteral("Die Antwort auf \"prx?n\" nennt keinen Speicher (kein \"PRX\")."),

@@ -7,6 +7,7 @@
 #include "link/Identification.h"
 #include "link/Link.h"
 #include "link/PackageFiles.h"
+#include "link/UserFiles.h"
 #include "update/PFile.h"
 #include "update/PFileLoad.h"
 #include "update/Templates.h"
@@ -129,8 +130,8 @@ int PFile(CliContext &context, const QStringList &words)
         ConnectAndIdentify(context, true);
         if (!update::BuildAndLoadPFile(context.link(), context.prompter(), w.positional[1], slot))
             return kExitFailed;
-        context.out() << QDir::toNativeSeparators(update::PFileName(w.positional[1])) << " -> slot " << slot
-                      << '\n';
+        const QString made = link::PlaceFile(update::PFileName(w.positional[1])).path;
+        context.out() << QDir::toNativeSeparators(made) << " -> slot " << slot << '\n';
         return kExitDone;
     }
     throw UsageError{QStringLiteral("build | load")};
@@ -144,8 +145,10 @@ int Templates(CliContext &context, const QStringList &words)
     const int k = NumberArgument(w.positional[1], QStringLiteral("K"));
     if (k < update::kFirstTemplate || k > update::kLastTemplate)
         throw UsageError{QStringLiteral("K muss zwischen 0 und 4 liegen, nicht %1").arg(k)};
-    const QString path = w.positional.value(2, update::TemplateFileName(k));
     ConnectAndIdentify(context, false);
+    const QString path = w.positional.size() > 2
+                             ? w.positional[2]
+                             : link::PlaceFileAndSay(context.prompter(), {}, update::TemplateFileName(k));
     if (!update::SaveTemplateFromTester(context.link(), k, path))
         return kExitFailed;
     context.out() << "template " << k << " -> " << QDir::toNativeSeparators(path) << '\n';

@@ -3,6 +3,7 @@
 
 #include "Errors.h"
 #include "PortNames.h"
+#include "PortProblem.h"
 
 #include <algorithm>
 #include <thread>
@@ -23,10 +24,12 @@ void SerialTransport::open(const QString &name)
     m_port = std::make_unique<QSerialPort>();
     m_port->setPortName(SystemPortName(name));
     if (!m_port->open(QIODevice::ReadWrite)) {
-        const QString reason = m_port->errorString();
+        const auto error = m_port->error();
+        const PortAccess access = DescribePortAccess(name, SystemPortName(name), m_port->errorString(),
+                                                     error == QSerialPort::PermissionError,
+                                                     error == QSerialPort::DeviceNotFoundError);
         m_port.reset();
-        throw PortError(PortError::Kind::CannotOpen,
-                        QStringLiteral("%1 kann nicht geöffnet werden: %2").arg(name, reason));
+        throw PortError(PortError::Kind::CannotOpen, PortOpenMessage(access));
     }
     // DC1 ends every answer and must never be taken as XON.
     m_port->setBaudRate(QSerialPort::Baud9600);

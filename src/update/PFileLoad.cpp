@@ -9,6 +9,7 @@
 #include "link/Link.h"
 #include "link/Prompter.h"
 #include "link/ServiceSession.h"
+#include "link/UserFiles.h"
 
 #include <QFileInfo>
 
@@ -22,7 +23,9 @@ std::optional<MadePFile> MakePFile(link::Prompter &prompter, const QString &temp
         prompter.message(kTooLongText, link::Prompter::Icon::Warning);
         return std::nullopt;
     }
-    MadePFile made{outPath.isEmpty() ? PFileName(templatePath) : outPath, build.bytes};
+    // Beside the template, or in the user's data folder when the template's folder is read-only.
+    MadePFile made{outPath.isEmpty() ? link::PlaceFileAndSay(prompter, PFileName(templatePath)) : outPath,
+                   build.bytes};
     SaveBytes(made.path, made.bytes);
     return made;
 }

@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLibraryInfo>
 #include <QProcess>
 
 using namespace kalvo;
@@ -211,6 +212,30 @@ TEST(ArchiveCliFile, ABusyArchiveIsNamedAndTheRecordFileIsStillWrittenWhileLists
     const RunResult list = RunProgram(QStringLiteral("kalvo-cli"), {"--archive", url, "archive", "list"});
     EXPECT_EQ(list.exitCode, 0) << list.err.toStdString();
     EXPECT_TRUE(list.out.contains(QStringLiteral("D-1"))) << list.out.toStdString();
+}
+
+// The PostgreSQL driver is there but its client library is not (Windows without libpq.dll): a copy
+// of the driver that asks for a library nobody has, found first through QT_PLUGIN_PATH.
+TEST(ArchiveCliFile, ADriverWithoutItsClientLibraryIsNamedInsteadOfDriverNotLoaded)
+{
+    const QString driver =
+        QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/sqldrivers/libqsqlpsql.so");
+    QByteArray bytes = ReadFile(driver);
+    if (!bytes.contains("libpq.so.5"))
+        GTEST_SKIP() << "no PostgreSQL driver that loads libpq.so.5 in " << driver.toStdString();
+    bytes.replace("libpq.so.5", "libpq.no.5");
+    QTemporaryDir plugins;
+    ASSERT_TRUE(QDir(plugins.path()).mkdir(QStringLiteral("sqldrivers")));
+    ASSERT_TRUE(WriteFile(plugins.filePath(QStringLiteral("sqldrivers/libqsqlpsql.so")), bytes));
+    const QByteArray before = qgetenv("QT_PLUGIN_PATH");
+    qputenv("QT_PLUGIN_PATH", QFile::encodeName(plugins.path()));
+    const RunResult list =
+        RunProgram(QStringLiteral("kalvo-cli"),
+                   {"--archive", "postgresql://kalvo@127.0.0.1:1/archiv", "archive", "list"});
+    qputenv("QT_PLUGIN_PATH", before);
+    EXPECT_EQ(list.exitCode, 1);
+    EXPECT_TRUE(list.err.contains(QStringLiteral("PostgreSQL-Treiber nicht verfügbar: libpq fehlt")))
+        << list.err.toStdString();
 }
 
 TEST(ArchiveCliFile, ListsAndChecksOfAMistypedArchiveCreateNothing)

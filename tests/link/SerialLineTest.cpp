@@ -5,7 +5,13 @@
 #include "support/ScriptedPrompter.h"
 #include "support/SilentPty.h"
 
+#include <QFile>
+#include <QFileInfo>
+#include <grp.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace kalvo;
 using namespace std::chrono_literals;
@@ -46,3 +52,56 @@ TEST(SerialLine, ACommandTheLineDoesNotTakeEndsInTheTimeoutAndClosesThePort)
 }
 
 } // namespace
+
+// A terminal only its group may use: the message names the group and how to join it. Root may open
+// anything, so there the terminal is given to the group dialout and the attempt is made by a child
+// that has become nobody.
+TEST(SerialLine, APortThatMayNotBeOpenedNamesItsGroupAndTheCommandToJoinIt)
+{
+    kalvo::testing::SilentPty pty;
+    ASSERT_FALSE(pty.path().isEmpty());
+    const QByteArray path = QFile::encodeName(pty.path());
+    ASSERT_EQ(::chmod(path.constData(), 0060), 0);
+    if (::geteuid() == 0) {
+        const struct group *dialout = ::getgrnam("dialout");
+        ASSERT_NE(dialout, nullptr);
+        ASSERT_EQ(::chown(path.constData(), uid_t(-1), dialout->gr_gid), 0);
+    }
+    const QString group = QFileInfo(pty.path()).group();
+    if (group.isEmpty() || group == QLatin1String("root"))
+        GTEST_SKIP() << "the terminal belongs to no group a user could join";
+    int fds[2];
+    ASSERT_EQ(::pipe(fds), 0);
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        ::close(fds[0]);
+        if (::geteuid() == 0 &&
+            (::setgroups(0, nullptr) != 0 || ::setgid(65534) != 0 || ::setuid(65534) != 0))
+            ::_exit(2);
+        QByteArray text = "opened";
+        try {
+            link::SerialTransport transport;
+            transport.open(pty.path());
+        } catch (const link::PortError &e) {
+            text = e.message().toUtf8();
+        }
+        const bool written = ::write(fds[1], text.constData(), size_t(text.size())) == text.size();
+        ::_exit(written ? 0 : 1);
+    }
+    ::close(fds[1]);
+    QByteArray text;
+    char buffer[4096];
+    for (ssize_t n; (n = ::read(fds[0], buffer, sizeof buffer)) > 0;)
+        text.append(buffer, n);
+    ::close(fds[0]);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    const QString message = QString::fromUtf8(text);
+    EXPECT_TRUE(message.contains(pty.path() + QStringLiteral(" kann nicht geöffnet werden: ")))
+        << message.toStdString();
+    EXPECT_TRUE(message.contains(QStringLiteral("gehört der Gruppe %1").arg(group))) << message.toStdString();
+    EXPECT_TRUE(message.contains(QStringLiteral("sudo usermod -aG %1 $USER").arg(group)))
+        << message.toStdString();
+}

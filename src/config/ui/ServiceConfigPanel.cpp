@@ -13,6 +13,7 @@
 #include "link/LanguageTable.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
+#include "link/UserFiles.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -237,7 +238,9 @@ void ServiceConfigPanel::SaveBackup()
     const QString name = m_text1->text().trimmed();
     if (name.isEmpty())
         return;
-    const QString path = QDir(m_dir).filePath(name);
+    // A read-only folder (the current one of an installed program) sends it to the user's data folder.
+    const link::FilePlace place = link::PlaceFile(m_dir, name);
+    const QString path = place.path;
     // A backup is the one copy of the tester's calibration: another one is never replaced unasked.
     if (QFileInfo::exists(path) &&
         !gui::GuiPrompter(window(), Title(4))
@@ -246,7 +249,9 @@ void ServiceConfigPanel::SaveBackup()
         return;
     m_show(QString(), true);
     m_device.Post(window(), Title(4),
-                  [this, path, done = gui::PhraseText(gui::Phrase::CalibrationBackedUp, m_language)](
+                  [this, path,
+                   done = gui::PhraseText(gui::Phrase::CalibrationBackedUp, m_language) +
+                          (place.moved() ? QStringLiteral("\n") + link::MovedNote(place) : QString())](
                       link::Link &link, link::Prompter &prompter) {
                       if (link.PortClosed())
                           return;

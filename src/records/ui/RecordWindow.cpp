@@ -8,6 +8,7 @@
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
+#include "link/UserFiles.h"
 #include "records/RecordDecoding.h"
 #include "records/RecordFiles.h"
 #include "records/RecordRetrieval.h"
@@ -29,8 +30,6 @@
 namespace kalvo::records::ui {
 
 namespace {
-const QString kLogTmp = QStringLiteral("log.tmp");
-const QString kProtoTxt = QStringLiteral("proto.txt");
 const QString kPdfFilter = QStringLiteral("PDF (*.pdf)|*.pdf");
 // The export is read by spreadsheets: ".csv" first, the record files' ".txt" still offered.
 const QString kCsvFilter = QStringLiteral("CSV (*.csv)|*.csv|Ascii file (*.txt)|*.txt|(*.*)|*.*");
@@ -285,9 +284,9 @@ void RecordWindow::StoreCurrentRecordToFile()
 
 void RecordWindow::ShowStoreListing()
 {
-    const QString proto = QDir::current().filePath(kProtoTxt);
     ClearList(Source::TesterStore);
-    Post(Entry("dbProt"), [this, proto](link::Link &link, link::Prompter &prompter) {
+    Post(Entry("dbProt"), [this](link::Link &link, link::Prompter &prompter) {
+        const QString proto = link::PlaceFileAndSay(prompter, QDir::currentPath(), kProtoFileName);
         // Entries show as the listing streams in; the finished listing then stands for them all.
         const ListingResult result =
             ListStoreRecords(link, prompter, proto, [this](const QString &entry, int number) {
@@ -334,8 +333,8 @@ void RecordWindow::StoreAllRecordsToFile()
 void RecordWindow::ReadAccessory()
 {
     ClearList(Source::Records);
-    const QString logTmp = QDir(m_programDir).filePath(kLogTmp);
-    Post(Entry("kymAscii"), [this, logTmp](link::Link &link, link::Prompter &prompter) {
+    Post(Entry("kymAscii"), [this](link::Link &link, link::Prompter &prompter) {
+        const QString logTmp = link::PlaceFileAndSay(prompter, m_programDir, kLogTmpFileName);
         const RetrievalResult result =
             ReadAccessoryRecords(link, prompter, logTmp, [this](int, const QByteArray &record) {
                 OnWindow([this, record] { AddRecord(record); });
@@ -353,11 +352,11 @@ void RecordWindow::ReadAccessory()
 
 void RecordWindow::StoreAccessory()
 {
-    const QString logTmp = QDir(m_programDir).filePath(kLogTmp);
-    Post(m_protStore,
-         [logTmp, records = m_records, text = reportText()](link::Link &link, link::Prompter &prompter) {
-             StoreAccessoryRecords(link, prompter, logTmp, records, text);
-         });
+    Post(m_protStore, [dir = m_programDir, records = m_records,
+                       text = reportText()](link::Link &link, link::Prompter &prompter) {
+        const QString logTmp = link::PlaceFileAndSay(prompter, dir, kLogTmpFileName);
+        StoreAccessoryRecords(link, prompter, logTmp, records, text);
+    });
 }
 
 void RecordWindow::ExportCsv()

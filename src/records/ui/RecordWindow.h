@@ -27,7 +27,8 @@ namespace kalvo::records::ui {
 class RecordWindow : public QMainWindow {
     Q_OBJECT
 public:
-    // `programDir` holds "log.tmp" of the last accessory read; "proto.txt" goes to the current folder.
+    // `programDir` holds "log.tmp" of the last accessory read; "proto.txt" goes to the current folder;
+    // either goes to the user's data folder when its folder is read-only.
     RecordWindow(gui::DeviceThread &device, const QString &programDir, QWidget *parent = nullptr);
 
     void SetBusy(bool busy);

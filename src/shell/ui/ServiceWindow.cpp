@@ -187,6 +187,11 @@ QString ServiceWindow::FilePath(const QString &name) const
     return QDir(m_dir).filePath(name);
 }
 
+link::FilePlace ServiceWindow::WrittenFile(const QString &name) const
+{
+    return link::PlaceFile(m_dir, name);
+}
+
 void ServiceWindow::SendCommandLine()
 {
     const QString command = m_befehl->text();
@@ -221,7 +226,10 @@ void ServiceWindow::RunScript()
     m_terminal->show();
     m_terminal->clear();
     const QString script = FilePath(kScriptFileName);
-    const QString result = FilePath(kScriptResultFileName);
+    const link::FilePlace place = WrittenFile(kScriptResultFileName);
+    if (place.moved())
+        AppendToTerminal(link::MovedNote(place) + QStringLiteral("\n"));
+    const QString result = place.path;
     Post(m_abl->text(), [this, script, result](link::Link &link) {
         RunCommandScript(link, script, result, [this](const QString &line) {
             QMetaObject::invokeMethod(this, [this, line] { AppendToTerminal(line + QStringLiteral("\n")); });
@@ -234,7 +242,7 @@ void ServiceWindow::ShowScriptResult()
     m_terminal->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_terminal->show();
     try {
-        QString text = ReadScriptResult(FilePath(kScriptResultFileName));
+        QString text = ReadScriptResult(WrittenFile(kScriptResultFileName).path);
         AppendToTerminal(text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     } catch (const link::KalvoError &e) {
         gui::GuiPrompter(this, m_ablPro->text().remove(QLatin1Char('&')))
@@ -279,7 +287,7 @@ void ServiceWindow::ToggleDirectPrinting()
 
 void ServiceWindow::ShowTrace(bool asCodes)
 {
-    const QString path = FilePath(kTraceFileName);
+    const QString path = WrittenFile(kTraceFileName).path;
     m_terminal->show();
     Post((asCodes ? m_loghex : m_log)->text(), [this, path, asCodes](link::Link &link) {
         const QByteArray trace = TakeTrace(link, path);

@@ -2,6 +2,7 @@
 // help-text stepping, direct printing and the trace views.
 #pragma once
 
+#include "link/UserFiles.h"
 #include "shell/ServiceTerminal.h"
 
 #include <QMainWindow>
@@ -60,6 +61,8 @@ private:
     void ShowTrace(bool asCodes);
     void AppendToTerminal(const QString &text);
     QString FilePath(const QString &name) const;
+    // A file this window writes (trace, script result): in its folder, or the user's data folder.
+    link::FilePlace WrittenFile(const QString &name) const;
 
     // Runs `job` for the entry or button captioned `title`.
     void Post(const QString &title, std::function<void(link::Link &)> job);

@@ -10,6 +10,7 @@
 #include "link/LanguageTable.h"
 #include "link/Link.h"
 #include "link/TextIds.h"
+#include "link/UserFiles.h"
 #include "specdb/SpecDecoding.h"
 #include "specdb/SpecRemoval.h"
 #include "specdb/SpecUpload.h"
@@ -115,7 +116,8 @@ void DatabaseWindow::ShowStore(const SpecStore &store)
 
 void DatabaseWindow::ReadAgain(DatabaseWindow *window, link::Link &link, link::Prompter &prompter)
 {
-    const auto store = ReadSpecStore(link, prompter, kStoreTraceFileName);
+    const auto store = ReadSpecStore(
+        link, prompter, link::PlaceFileAndSay(prompter, QDir::currentPath(), kStoreTraceFileName));
     window->OnWindow([window, store = store.value_or(SpecStore{})] { window->ShowStore(store); });
 }
 
