@@ -12,6 +12,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -21,7 +22,7 @@ namespace {
 
 const QString kUsage = QStringLiteral(
     "import FILE... | list [FILTER] [--json] | show N [--pdf OUT] | export OUT.csv [FILTER] | verify | "
-    "due [--before DATE] | interval [--regulation NAME | --device ID] [MONTHS | default]");
+    "due [--before DATE] [--json] | interval [--regulation NAME | --device ID] [MONTHS | default]");
 const QStringList kFilterOptions = {QStringLiteral("--device"),     QStringLiteral("--type"),
                                     QStringLiteral("--customer"),   QStringLiteral("--text"),
                                     QStringLiteral("--regulation"), QStringLiteral("--since"),
@@ -183,14 +184,28 @@ int Verify(CliContext &context, const Words &w)
 int Due(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 1)
-        throw UsageError{QStringLiteral("due nimmt nur --before DATE")};
+        throw UsageError{QStringLiteral("due nimmt nur --before DATE und --json")};
     // Without a date: what is due today or overdue.
     const QDate before =
         w.options.contains(QStringLiteral("--before"))
             ? DateArgument(w.options.value(QStringLiteral("--before")), QStringLiteral("--before"))
             : QDate::currentDate().addDays(1);
     QTextStream &out = context.out();
-    for (const archive::DueDevice &d : archive::DueDevices(context.archive(kRead), before))
+    const QList<archive::DueDevice> due = archive::DueDevices(context.archive(kRead), before);
+    if (w.flags.contains(QStringLiteral("--json"))) {
+        QJsonArray list;
+        for (const archive::DueDevice &d : due)
+            list.append(QJsonObject{{QStringLiteral("nextTest"), Day(d.nextTest)},
+                                    {QStringLiteral("deviceId"), d.deviceId},
+                                    {QStringLiteral("deviceType"), d.deviceType},
+                                    {QStringLiteral("regulation"), d.regulation},
+                                    {QStringLiteral("lastTest"), Moment(d.lastTest)},
+                                    {QStringLiteral("intervalMonths"), d.intervalMonths},
+                                    {QStringLiteral("lastRecordId"), d.lastRecordId}});
+        context.PrintJson(list);
+        return kExitDone;
+    }
+    for (const archive::DueDevice &d : due)
         out << Day(d.nextTest) << '\t' << d.deviceId << '\t' << d.deviceType << '\t' << d.regulation << '\t'
             << QStringLiteral("zuletzt ") << Moment(d.lastTest) << '\t' << d.intervalMonths << " Monate\t Nr "
             << d.lastRecordId << '\n';
@@ -241,7 +256,7 @@ int Archive(CliContext &context, const QStringList &words)
     if (action == QLatin1String("verify"))
         return Verify(context, SplitWords(words, {}));
     if (action == QLatin1String("due"))
-        return Due(context, SplitWords(words, {QStringLiteral("--before")}));
+        return Due(context, SplitWords(words, {QStringLiteral("--before")}, {QStringLiteral("--json")}));
     if (action == QLatin1String("interval"))
         return Interval(context,
                         SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--device")}));

@@ -1,10 +1,13 @@
 // One kalvo-cli command: its words, its help line and what it does.
 #pragma once
 
+#include "CliTexts.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <optional>
 
 namespace kalvo::cli {
 
@@ -12,15 +15,20 @@ class CliContext;
 
 struct CliCommand {
     QString name;     // the command word, e.g. "identify"
-    QString synopsis; // its arguments, e.g. "[--update-dir DIR]"
+    QString synopsis; // its arguments, e.g. "[--update-dir DIR]"; names every option it takes
     QString summary;  // one line for `kalvo-cli help`
     // Gets the words behind the command name; returns the exit code. Throws UsageError for bad words.
     std::function<int(CliContext &, const QStringList &)> run;
 };
 
 // Thrown by a command whose arguments are wrong; main prints it with the command's synopsis.
+// The words every command shares (`kind` with its `args`) are told in the program's language.
 struct UsageError {
     QString text;
+    std::optional<UsageText> kind = std::nullopt;
+    QStringList args = {};
+
+    QString In(const QString &language) const;
 };
 
 QList<CliCommand> LinkCommands();

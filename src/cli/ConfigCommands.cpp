@@ -1,6 +1,7 @@
 // kalvo-cli vars, limits, cal and modem: the tester's configuration, limits, calibration, modem.
 #include "CliCommand.h"
 #include "CliContext.h"
+#include "CliWords.h"
 
 #include "config/Calibration.h"
 #include "config/CalibrationDiff.h"
@@ -13,6 +14,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QRegularExpression>
 
 namespace kalvo::cli {
@@ -53,24 +56,34 @@ bool TakeStore(QStringList &words)
     return words.removeAll(QStringLiteral("--store")) > 0;
 }
 
-int Vars(CliContext &context, const QStringList &words)
+int Vars(CliContext &context, const QStringList &arguments)
 {
+    const Words w = SplitWords(arguments, {}, {QStringLiteral("--json")});
+    const QStringList &words = w.positional;
+    const bool json = w.flags.contains(QStringLiteral("--json"));
     const QString action = words.value(0);
     QTextStream &out = context.out();
-    if (action == QLatin1String("store") && words.size() == 1) {
+    if (action == QLatin1String("store") && words.size() == 1 && !json) {
         context.OpenPort();
         return config::StoreConfiguration(context.link(), context.prompter()) ? kExitDone : kExitFailed;
     }
-    if ((action == QLatin1String("list") || action == QLatin1String("dump")) && words.size() == 1) {
+    if (action == QLatin1String("list") && words.size() == 1) {
         const config::VariableFile file = config::VariableFile::Load(config::VariableFile::Locate());
-        if (action == QLatin1String("list")) {
+        if (json)
+            context.PrintJson(QJsonArray::fromStringList(file.entries()));
+        else
             for (const QString &entry : file.entries())
                 out << entry << '\n';
-            return kExitDone;
-        }
+        return kExitDone;
+    }
+    if (action == QLatin1String("dump") && words.size() == 1) {
+        const config::VariableFile file = config::VariableFile::Load(config::VariableFile::Locate());
         context.OpenPort();
-        out << config::DumpConfiguration(context.link(), file.blockEntries()).lines.join(QLatin1Char('\n'))
-            << '\n';
+        const QStringList lines = config::DumpConfiguration(context.link(), file.blockEntries()).lines;
+        if (json)
+            context.PrintJson(QJsonArray::fromStringList(lines));
+        else
+            out << lines.join(QLatin1Char('\n')) << '\n';
         return kExitDone;
     }
     if (action == QLatin1String("read") && words.size() == 2) {
@@ -87,11 +100,19 @@ int Vars(CliContext &context, const QStringList &words)
         }
         context.OpenPort();
         const config::VariableReading reading = config::ReadVariable(context.link(), entry);
+        if (json) {
+            context.PrintJson(QJsonObject{{QStringLiteral("entry"), entry},
+                                          {QStringLiteral("command"), QString::fromLatin1(reading.command)},
+                                          {QStringLiteral("value"), QString::fromLatin1(reading.value)},
+                                          {QStringLiteral("binary"), reading.binary},
+                                          {QStringLiteral("number"), reading.number}});
+            return kExitDone;
+        }
         out << entry << ' ' << reading.command << ": " << reading.value << ' ' << reading.binary << " ("
             << reading.number << ")\n";
         return kExitDone;
     }
-    throw UsageError{QStringLiteral("list | read NAME|ADDRESS | dump | store")};
+    throw UsageError{QStringLiteral("list [--json] | read NAME|ADDRESS [--json] | dump [--json] | store")};
 }
 
 config::LimitKind LimitArgument(const QString &word)
@@ -176,18 +197,15 @@ int Cal(CliContext &context, QStringList words)
     throw UsageError{QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal")};
 }
 
-int Modem(CliContext &context, QStringList words)
+int Modem(CliContext &context, const QStringList &words)
 {
-    const bool store = TakeStore(words);
-    if (words.value(0) != QLatin1String("set"))
+    const Words w =
+        SplitWords(words, {QStringLiteral("--tel1"), QStringLiteral("--tel2"), QStringLiteral("--init")},
+                   {QStringLiteral("--store")});
+    if (w.positional != QStringList{QStringLiteral("set")})
         throw UsageError{QStringLiteral("set [--tel1 T] [--tel2 T] [--init S] [--store]")};
-    QMap<QString, QString> given;
-    for (qsizetype i = 1; i < words.size(); i += 2) {
-        const QString &option = words[i];
-        if (!QStringList{"--tel1", "--tel2", "--init"}.contains(option) || i + 1 >= words.size())
-            throw UsageError{QStringLiteral("unbekanntes Argument %1").arg(option)};
-        given.insert(option, words[i + 1]);
-    }
+    const bool store = w.flags.contains(QStringLiteral("--store"));
+    const QMap<QString, QString> &given = w.options;
     context.OpenPort();
     // As the modem window does: all five registers are written, and what is not given is empty
     // (the tester has no command that reads them back).
@@ -207,7 +225,8 @@ int Modem(CliContext &context, QStringList words)
 QList<CliCommand> ConfigCommands()
 {
     return {
-        {QStringLiteral("vars"), QStringLiteral("list | read NAME|ADDRESS | dump | store"),
+        {QStringLiteral("vars"),
+         QStringLiteral("list [--json] | read NAME|ADDRESS [--json] | dump [--json] | store"),
          QStringLiteral("the names of variable.mas, one variable or bit, the configuration block D0..FF, "
                         "store the configuration (cfg!pgm)"),
          Vars},

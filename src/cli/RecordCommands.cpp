@@ -13,6 +13,8 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
 
 namespace kalvo::cli {
 
@@ -56,9 +58,11 @@ int ReadAll(CliContext &context, const QString &file)
 
 int Records(CliContext &context, const QStringList &words)
 {
-    const Words w = SplitWords(words, {QStringLiteral("--template")});
+    const Words w = SplitWords(words, {QStringLiteral("--template")}, {QStringLiteral("--json")});
     const QString action = w.positional.value(0);
     QTextStream &out = context.out();
+    if (!w.flags.isEmpty() && action != QLatin1String("list"))
+        throw UsageError{{}, UsageText::UnknownArgument, {w.flags.first()}};
     if (action == QLatin1String("count") && w.positional.size() == 1 && w.options.isEmpty()) {
         context.OpenPort();
         const std::optional<int> count = records::CountRecords(context.link());
@@ -71,8 +75,17 @@ int Records(CliContext &context, const QStringList &words)
         context.OpenPort();
         const auto result =
             records::ListStoreRecords(context.link(), context.prompter(), records::kProtoFileName);
-        for (const QString &entry : std::as_const(result.listing.records))
-            out << entry << '\n';
+        if (w.flags.isEmpty()) {
+            for (const QString &entry : std::as_const(result.listing.records))
+                out << entry << '\n';
+        } else if (result.status == records::RetrievalStatus::Done ||
+                   result.status == records::RetrievalStatus::NoRecords) { // an empty store: []
+            QJsonArray list;
+            for (qsizetype i = 0; i < result.listing.records.size(); ++i)
+                list.append(QJsonObject{{QStringLiteral("number"), result.listing.numbers.value(i)},
+                                        {QStringLiteral("entry"), result.listing.records[i]}});
+            context.PrintJson(list);
+        }
         return ExitFor(result.status);
     }
     if (action == QLatin1String("read-all") && w.positional.size() == 2 && w.options.isEmpty())
@@ -95,7 +108,8 @@ int Records(CliContext &context, const QStringList &words)
         out << records::RenderStoredRecord(context.link(), templateNumber, record);
         return kExitDone;
     }
-    throw UsageError{QStringLiteral("count | list | read-all FILE | current FILE | show N [--template 0-4]")};
+    throw UsageError{
+        QStringLiteral("count | list [--json] | read-all FILE | current FILE | show N [--template 0-4]")};
 }
 
 int Report(CliContext &context, const QStringList &words)
@@ -185,7 +199,7 @@ QList<CliCommand> RecordCommands()
 {
     return {
         {QStringLiteral("records"),
-         QStringLiteral("count | list | read-all FILE | current FILE | show N [--template 0-4]"),
+         QStringLiteral("count | list [--json] | read-all FILE | current FILE | show N [--template 0-4]"),
          QStringLiteral(
              "the tester's test records: how many, the store listing, all or the current one into a "
              "record file, one as the tester prints it (template 1 by default)"),

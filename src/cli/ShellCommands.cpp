@@ -1,6 +1,7 @@
 // kalvo-cli clock, name and script: the tester's clock and name, and command scripts.
 #include "CliCommand.h"
 #include "CliContext.h"
+#include "CliWords.h"
 
 #include "link/TextRules.h"
 #include "shell/ClockAndName.h"
@@ -49,17 +50,13 @@ int Name(CliContext &context, const QStringList &words)
 
 int Script(CliContext &context, const QStringList &words)
 {
-    QString script, result = shell::kScriptResultFileName;
-    for (qsizetype i = 0; i < words.size(); ++i) {
-        if (words[i] == QLatin1String("--out") && i + 1 < words.size())
-            result = words[++i];
-        else if (script.isEmpty() && !words[i].startsWith(QLatin1String("--")))
-            script = words[i];
-        else
-            throw UsageError{QStringLiteral("unbekanntes Argument %1").arg(words[i])};
-    }
-    if (script.isEmpty())
+    const Words w = SplitWords(words, {QStringLiteral("--out")});
+    if (w.positional.size() > 1)
+        throw UsageError{{}, UsageText::UnknownArgument, {w.positional[1]}};
+    if (w.positional.isEmpty())
         throw UsageError{QStringLiteral("die Ablaufdatei fehlt")};
+    const QString script = w.positional.first();
+    const QString result = w.options.value(QStringLiteral("--out"), shell::kScriptResultFileName);
     context.OpenPort();
     QTextStream &out = context.out();
     shell::RunCommandScript(context.link(), script, result,

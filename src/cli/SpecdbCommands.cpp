@@ -17,6 +17,8 @@
 #include "link/TextRules.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonObject>
 
 namespace kalvo::cli {
 
@@ -28,28 +30,6 @@ const specdb::RegulationRules &Rules()
 {
     static const specdb::RegulationRules rules{specdb::ApplyDefaults, specdb::LooserLimits};
     return rules;
-}
-
-// "--limit N=TEXT" may come again and again; "--all" has no value. Both are taken out of `words`.
-QStringList TakeRepeated(QStringList &words, const QString &option)
-{
-    QStringList values;
-    for (qsizetype i = 0; i < words.size();) {
-        if (words[i] != option) {
-            ++i;
-            continue;
-        }
-        if (i + 1 >= words.size())
-            throw UsageError{QStringLiteral("%1 braucht einen Wert").arg(option)};
-        values << words[i + 1];
-        words.remove(i, 2);
-    }
-    return values;
-}
-
-bool TakeFlag(QStringList &words, const QString &flag)
-{
-    return words.removeAll(flag) > 0;
 }
 
 QString Squeezed(const QString &text)
@@ -118,13 +98,22 @@ std::optional<specdb::SpecStore> ReadStore(CliContext &context)
 
 int List(CliContext &context, const QStringList &words)
 {
-    if (!words.isEmpty())
-        throw UsageError{QStringLiteral("list nimmt keine Argumente")};
+    const Words w = SplitWords(words, {}, {QStringLiteral("--json")});
+    if (!w.positional.isEmpty())
+        throw UsageError{QStringLiteral("list nimmt nur --json")};
     const auto store = ReadStore(context);
     if (!store)
         return kExitFailed;
-    for (const QString &entry : store->entries)
-        context.out() << entry << '\n';
+    if (w.flags.isEmpty()) {
+        for (const QString &entry : store->entries)
+            context.out() << entry << '\n';
+        return kExitDone;
+    }
+    QJsonArray list;
+    for (qsizetype i = 0; i < store->entries.size(); ++i)
+        list.append(QJsonObject{{QStringLiteral("number"), static_cast<int>(i + 1)},
+                                {QStringLiteral("entry"), store->entries[i]}});
+    context.PrintJson(list);
     return kExitDone;
 }
 
@@ -185,12 +174,14 @@ int Defaults(CliContext &context, const QStringList &words)
     return kExitDone;
 }
 
-int Add(CliContext &context, QStringList words)
+int Add(CliContext &context, const QStringList &words)
 {
-    const QStringList limits = TakeRepeated(words, QStringLiteral("--limit"));
-    const Words w = SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--class"),
-                                       QStringLiteral("--type"), QStringLiteral("--parts"),
-                                       QStringLiteral("--sfc"), QStringLiteral("--switch")});
+    // "--limit N=TEXT" may come again and again.
+    const Words w =
+        SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--class"),
+                           QStringLiteral("--type"), QStringLiteral("--parts"), QStringLiteral("--sfc"),
+                           QStringLiteral("--switch"), QStringLiteral("--limit")});
+    const QStringList limits = w.repeated.value(QStringLiteral("--limit"));
     if (w.positional.size() != 1 || !w.options.contains(QStringLiteral("--regulation")))
         throw UsageError{QStringLiteral("NAME und --regulation fehlen")};
     specdb::SpecEditor editor(Rules().defaults);
@@ -275,9 +266,11 @@ int StoreSet(CliContext &context, const QStringList &files)
     return kExitFailed;
 }
 
-int Delete(CliContext &context, QStringList words)
+int Delete(CliContext &context, const QStringList &arguments)
 {
-    const bool all = TakeFlag(words, QStringLiteral("--all"));
+    const Words w = SplitWords(arguments, {}, {QStringLiteral("--all")});
+    const QStringList &words = w.positional;
+    const bool all = !w.flags.isEmpty();
     if (all == (words.size() == 1) || words.size() > 1)
         throw UsageError{QStringLiteral("N oder --all")};
     const int number = all ? 0 : NumberArgument(words[0], QStringLiteral("N"));
@@ -324,7 +317,7 @@ QList<CliCommand> SpecdbCommands()
     return {
         {QStringLiteral("specdb"),
          QStringLiteral(
-             "list | defaults --regulation NAME [--class 05|06|07] [--type 00-03] [--switch CODE] | "
+             "list [--json] | defaults --regulation NAME [--class 05|06|07] [--type 00-03] [--switch CODE] | "
              "add NAME --regulation NAME [--class 05|06|07] [--type 00-03] [--parts N] "
              "[--sfc N,PE,AWT] [--switch CODE] [--limit N=TEXT]... | store-set FILE... | delete N|--all"),
          QStringLiteral(
