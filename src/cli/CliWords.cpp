@@ -13,23 +13,27 @@ QString OptionName(const QString &typed)
     return typed.mid(2);
 }
 
-// Levenshtein distance, case-insensitive.
+// Edits between two words, case-insensitive: a letter inserted, dropped or changed, or two
+// neighbours swapped ("cvs" for "csv"), each one edit.
 int EditDistance(const QString &a, const QString &b)
 {
     const QString x = a.toLower(), y = b.toLower();
-    QList<int> row(y.size() + 1);
+    const qsizetype columns = y.size() + 1;
+    QList<int> d((x.size() + 1) * columns);
+    const auto at = [&d, columns](qsizetype i, qsizetype j) -> int & { return d[i * columns + j]; };
+    for (qsizetype i = 0; i <= x.size(); ++i)
+        at(i, 0) = static_cast<int>(i);
     for (qsizetype j = 0; j <= y.size(); ++j)
-        row[j] = static_cast<int>(j);
+        at(0, j) = static_cast<int>(j);
     for (qsizetype i = 1; i <= x.size(); ++i) {
-        int diagonal = row[0];
-        row[0] = static_cast<int>(i);
         for (qsizetype j = 1; j <= y.size(); ++j) {
-            const int above = row[j];
-            row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (x[i - 1] == y[j - 1] ? 0 : 1)});
-            diagonal = above;
+            const int change = x[i - 1] == y[j - 1] ? 0 : 1;
+            at(i, j) = std::min({at(i - 1, j) + 1, at(i, j - 1) + 1, at(i - 1, j - 1) + change});
+            if (i > 1 && j > 1 && x[i - 1] == y[j - 2] && x[i - 2] == y[j - 1])
+                at(i, j) = std::min(at(i, j), at(i - 2, j - 2) + 1);
         }
     }
-    return row[y.size()];
+    return at(x.size(), y.size());
 }
 
 } // namespace

@@ -75,6 +75,22 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
 
     const RunResult due = Cli({"archive", "due", "--before", "2010-01-13"});
     EXPECT_TRUE(due.out.contains(QStringLiteral("2010-01-12\tE-0815\t"))) << due.out.toStdString();
+    // The same devices as one JSON document.
+    const RunResult dueJson = Cli({"archive", "due", "--before=2010-01-13", "--json"});
+    ASSERT_EQ(dueJson.exitCode, 0) << dueJson.err.toStdString();
+    QStringList dueLines;
+    for (const QJsonValue &value : QJsonDocument::fromJson(dueJson.out.toUtf8()).array()) {
+        const QJsonObject d = value.toObject();
+        dueLines << QStringLiteral("%1\t%2\t%3\t%4\tzuletzt %5\t%6 Monate\t Nr %7")
+                        .arg(d[QStringLiteral("nextTest")].toString(),
+                             d[QStringLiteral("deviceId")].toString(),
+                             d[QStringLiteral("deviceType")].toString(),
+                             d[QStringLiteral("regulation")].toString(),
+                             d[QStringLiteral("lastTest")].toString())
+                        .arg(d[QStringLiteral("intervalMonths")].toInt())
+                        .arg(d[QStringLiteral("lastRecordId")].toInteger());
+    }
+    EXPECT_EQ(dueLines, due.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) << dueJson.out.toStdString();
     EXPECT_FALSE(Cli({"archive", "due", "--before", "2010-01-12"}).out.contains(QStringLiteral("E-0815")));
 
     // Its own interval moves its next test; "default" gives it back to the regulation's.
