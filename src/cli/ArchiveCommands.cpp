@@ -35,8 +35,7 @@ QDate DateArgument(const QString &word, const QString &what)
     if (!date.isValid())
         date = QDate::fromString(word, QStringLiteral("dd.MM.yyyy"));
     if (!date.isValid())
-        throw UsageError{
-            QStringLiteral("%1 braucht ein Datum wie 2024-03-01 oder 01.03.2024, nicht %2").arg(what, word)};
+        throw Usage(UsageText::NeedsDate, {what, word});
     return date;
 }
 
@@ -90,7 +89,7 @@ constexpr auto kRead = archive::ArchiveAccess::Read;
 int Import(CliContext &context, const QStringList &files)
 {
     if (files.isEmpty())
-        throw UsageError{QStringLiteral("import braucht mindestens eine Protokolldatei")};
+        throw Usage(UsageText::Expected, {QStringLiteral("import FILE...")});
     QTextStream &out = context.out();
     int exitCode = kExitDone;
     for (const QString &file : files) {
@@ -117,7 +116,7 @@ int Import(CliContext &context, const QStringList &files)
 int List(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 1)
-        throw UsageError{QStringLiteral("list nimmt nur Filter")};
+        throw Usage(UsageText::Expected, {QStringLiteral("list [FILTER] [--json]")});
     QTextStream &out = context.out();
     const bool json = w.flags.contains(QStringLiteral("--json"));
     bool first = true;
@@ -142,7 +141,7 @@ int List(CliContext &context, const Words &w)
 int Show(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 2)
-        throw UsageError{QStringLiteral("show braucht die Nummer eines Protokolls im Archiv")};
+        throw Usage(UsageText::Expected, {QStringLiteral("show N [--pdf OUT]")});
     const int id = NumberArgument(w.positional[1], QStringLiteral("N"));
     if (w.options.contains(QStringLiteral("--pdf"))) {
         const QString pdf = w.options.value(QStringLiteral("--pdf"));
@@ -162,7 +161,7 @@ int Show(CliContext &context, const Words &w)
 int Export(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 2)
-        throw UsageError{QStringLiteral("export braucht eine Ausgabedatei")};
+        throw Usage(UsageText::Expected, {QStringLiteral("export OUT.csv [FILTER]")});
     const qint64 count = archive::ExportArchiveCsv(context.archive(kRead), FilterFrom(w), w.positional[1]);
     context.out() << count << " records -> " << QDir::toNativeSeparators(w.positional[1]) << '\n';
     return kExitDone;
@@ -171,7 +170,7 @@ int Export(CliContext &context, const Words &w)
 int Verify(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 1)
-        throw UsageError{QStringLiteral("verify nimmt keine Argumente")};
+        throw Usage(UsageText::Expected, {QStringLiteral("verify")});
     const archive::VerifyResult result = archive::VerifyArchive(context.archive(kRead));
     QTextStream &out = context.out();
     for (const archive::ChangedRecord &changed : result.changed)
@@ -184,7 +183,7 @@ int Verify(CliContext &context, const Words &w)
 int Due(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 1)
-        throw UsageError{QStringLiteral("due nimmt nur --before DATE und --json")};
+        throw Usage(UsageText::Expected, {QStringLiteral("due [--before DATE] [--json]")});
     // Without a date: what is due today or overdue.
     const QDate before =
         w.options.contains(QStringLiteral("--before"))
@@ -226,16 +225,17 @@ int Interval(CliContext &context, const Words &w)
         return kExitDone;
     }
     if (w.positional.size() != 2 || regulation.isEmpty() == device.isEmpty())
-        throw UsageError{QStringLiteral("interval --regulation NAME MONATE oder --device ID MONATE|default")};
+        throw Usage(UsageText::Expected,
+                    {QStringLiteral("interval [--regulation NAME MONTHS | --device ID MONTHS|default]")});
     const QString value = w.positional[1];
     if (!device.isEmpty()) {
         archive::SetDeviceInterval(archive, device,
                                    value == QLatin1String("default")
                                        ? std::nullopt
-                                       : std::optional<int>(NumberArgument(value, QStringLiteral("MONATE"))));
+                                       : std::optional<int>(NumberArgument(value, QStringLiteral("MONTHS"))));
         return kExitDone;
     }
-    archive::SetRegulationInterval(archive, regulation, NumberArgument(value, QStringLiteral("MONATE")));
+    archive::SetRegulationInterval(archive, regulation, NumberArgument(value, QStringLiteral("MONTHS")));
     return kExitDone;
 }
 
@@ -260,7 +260,7 @@ int Archive(CliContext &context, const QStringList &words)
     if (action == QLatin1String("interval"))
         return Interval(context,
                         SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--device")}));
-    throw UsageError{kUsage};
+    throw Usage(UsageText::Expected, {kUsage});
 }
 
 } // namespace

@@ -31,6 +31,12 @@ struct UsageError {
     QString In(const QString &language) const;
 };
 
+// A usage error in the words every command shares, told in the program's language.
+inline UsageError Usage(UsageText kind, const QStringList &args = {})
+{
+    return {{}, kind, args};
+}
+
 QList<CliCommand> LinkCommands();
 QList<CliCommand> ShellCommands();
 QList<CliCommand> RecordCommands();

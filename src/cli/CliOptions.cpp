@@ -64,10 +64,10 @@ CliOptions ParseCliOptions(const QStringList &arguments)
         bool ok = false;
         options.timeoutSeconds = parser.value(QStringLiteral("timeout")).toDouble(&ok);
         if (!ok || !(options.timeoutSeconds > 0)) // "nan" is no number of seconds
-            options.error = UsageError{{}, UsageText::TimeoutSeconds};
+            options.error = Usage(UsageText::TimeoutSeconds);
     }
     if (options.words.isEmpty())
-        options.error = UsageError{{}, UsageText::NoCommand};
+        options.error = Usage(UsageText::NoCommand);
     return options;
 }
 

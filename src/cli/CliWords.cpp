@@ -43,7 +43,7 @@ int NumberArgument(const QString &word, const QString &what)
     bool ok = false;
     const int value = word.toInt(&ok);
     if (!ok)
-        throw UsageError{{}, UsageText::NotANumber, {what, word}};
+        throw Usage(UsageText::NotANumber, {what, word});
     return value;
 }
 
@@ -89,7 +89,7 @@ Words SplitWords(const QStringList &words, const QStringList &valueOptions, cons
         if (!valueOptions.contains(words[i]))
             continue;
         if (i + 1 >= words.size()) // else the parser would take the "--" below as the value
-            throw UsageError{{}, UsageText::NeedsValue, {words[i]}};
+            throw Usage(UsageText::NeedsValue, {words[i]});
         optionWords << words[++i];
     }
     QCommandLineParser parser;

@@ -95,7 +95,7 @@ int Vars(CliContext &context, const QStringList &arguments)
         if (entry.isEmpty()) {
             static const QRegularExpression address(QStringLiteral("^[0-9A-Fa-f]{2}$"));
             if (!address.match(words[1]).hasMatch())
-                throw UsageError{QStringLiteral("%1 steht nicht in variable.mas").arg(words[1])};
+                throw Usage(UsageText::NotInVariableFile, {words[1]});
             entry = QStringLiteral("V#") + words[1].toUpper();
         }
         context.OpenPort();
@@ -112,14 +112,15 @@ int Vars(CliContext &context, const QStringList &arguments)
             << reading.number << ")\n";
         return kExitDone;
     }
-    throw UsageError{QStringLiteral("list [--json] | read NAME|ADDRESS [--json] | dump [--json] | store")};
+    throw Usage(UsageText::Expected,
+                {QStringLiteral("list [--json] | read NAME|ADDRESS [--json] | dump [--json] | store")});
 }
 
 config::LimitKind LimitArgument(const QString &word)
 {
     const auto kind = config::LimitKindFromName(word);
     if (!kind)
-        throw UsageError{QStringLiteral("kuschl, ubez oder pzhv, nicht %1").arg(word)};
+        throw Usage(UsageText::NoneOf, {word, QStringLiteral("kuschl, ubez, pzhv")});
     return *kind;
 }
 
@@ -141,11 +142,8 @@ int Limits(CliContext &context, QStringList words)
         const int value = words[2].toInt(&ok);
         const config::LimitInfo &info = config::Limit(kind);
         if (!ok || !config::InRange(kind, value))
-            throw UsageError{QStringLiteral("%1 muss zwischen %2 und %3 liegen, nicht %4")
-                                 .arg(words[1])
-                                 .arg(info.minimum)
-                                 .arg(info.maximum)
-                                 .arg(words[2])};
+            throw Usage(UsageText::Between,
+                        {words[1], QString::number(info.minimum), QString::number(info.maximum), words[2]});
         context.OpenPort();
         // A refused limit is not stored: WriteLimit said so and the store is not sent.
         if (!config::WriteLimit(context.link(), context.prompter(), kind, value))
@@ -154,7 +152,8 @@ int Limits(CliContext &context, QStringList words)
             return kExitFailed;
         return kExitDone;
     }
-    throw UsageError{QStringLiteral("get kuschl|ubez|pzhv | set kuschl|ubez|pzhv VALUE [--store]")};
+    throw Usage(UsageText::Expected,
+                {QStringLiteral("get kuschl|ubez|pzhv | set kuschl|ubez|pzhv VALUE [--store]")});
 }
 
 int Cal(CliContext &context, QStringList words)
@@ -194,7 +193,8 @@ int Cal(CliContext &context, QStringList words)
             out << "no differences\n";
         return kExitDone;
     }
-    throw UsageError{QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal")};
+    throw Usage(UsageText::Expected,
+                {QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal")});
 }
 
 int Modem(CliContext &context, const QStringList &words)
@@ -203,7 +203,7 @@ int Modem(CliContext &context, const QStringList &words)
         SplitWords(words, {QStringLiteral("--tel1"), QStringLiteral("--tel2"), QStringLiteral("--init")},
                    {QStringLiteral("--store")});
     if (w.positional != QStringList{QStringLiteral("set")})
-        throw UsageError{QStringLiteral("set [--tel1 T] [--tel2 T] [--init S] [--store]")};
+        throw Usage(UsageText::Expected, {QStringLiteral("set [--tel1 T] [--tel2 T] [--init S] [--store]")});
     const bool store = w.flags.contains(QStringLiteral("--store"));
     const QMap<QString, QString> &given = w.options;
     context.OpenPort();

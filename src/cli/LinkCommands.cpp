@@ -24,7 +24,7 @@ int Identify(CliContext &context, const QStringList &words)
 {
     const Words w = SplitWords(words, {QStringLiteral("--update-dir")});
     if (!w.positional.isEmpty())
-        throw UsageError{{}, UsageText::UnknownArgument, {w.positional.first()}};
+        throw Usage(UsageText::UnknownArgument, {w.positional.first()});
     const QString updateDir =
         w.options.value(QStringLiteral("--update-dir"), QCoreApplication::applicationDirPath());
     link::Link &link = context.link();
@@ -64,7 +64,7 @@ int Identify(CliContext &context, const QStringList &words)
 int Send(CliContext &context, const QStringList &words)
 {
     if (words.isEmpty())
-        throw UsageError{QStringLiteral("mindestens ein Befehl")};
+        throw Usage(UsageText::Expected, {QStringLiteral("CMD...")});
     link::Link &link = context.link();
     context.OpenPort();
     for (const QString &command : words) {

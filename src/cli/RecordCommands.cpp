@@ -20,6 +20,9 @@ namespace kalvo::cli {
 
 namespace {
 
+const QString kReportSynopsis = QStringLiteral("FILE [--record N] [--pdf OUT]");
+const QString kCsvSynopsis = QStringLiteral("FILE OUT [--header ueber.csv]");
+
 int ExitFor(records::RetrievalStatus status)
 {
     return status == records::RetrievalStatus::Done ? kExitDone : kExitFailed;
@@ -62,7 +65,7 @@ int Records(CliContext &context, const QStringList &words)
     const QString action = w.positional.value(0);
     QTextStream &out = context.out();
     if (!w.flags.isEmpty() && action != QLatin1String("list"))
-        throw UsageError{{}, UsageText::UnknownArgument, {w.flags.first()}};
+        throw Usage(UsageText::UnknownArgument, {w.flags.first()});
     if (action == QLatin1String("count") && w.positional.size() == 1 && w.options.isEmpty()) {
         context.OpenPort();
         const std::optional<int> count = records::CountRecords(context.link());
@@ -99,24 +102,28 @@ int Records(CliContext &context, const QStringList &words)
     if (action == QLatin1String("show") && w.positional.size() == 2) {
         const int record = NumberArgument(w.positional[1], QStringLiteral("N"));
         if (record < 1 || record > records::kMaxRecords)
-            throw UsageError{QStringLiteral("N muss zwischen 1 und %1 liegen").arg(records::kMaxRecords)};
+            throw Usage(UsageText::Between, {QStringLiteral("N"), QStringLiteral("1"),
+                                             QString::number(records::kMaxRecords), w.positional[1]});
         const int templateNumber =
             NumberArgument(w.options.value(QStringLiteral("--template"), "1"), QStringLiteral("--template"));
         if (templateNumber < records::kLowestTemplate || templateNumber > records::kHighestTemplate)
-            throw UsageError{QStringLiteral("--template muss zwischen 0 und 4 liegen")};
+            throw Usage(UsageText::Between,
+                        {QStringLiteral("--template"), QString::number(records::kLowestTemplate),
+                         QString::number(records::kHighestTemplate), QString::number(templateNumber)});
         context.OpenPort();
         out << records::RenderStoredRecord(context.link(), templateNumber, record);
         return kExitDone;
     }
-    throw UsageError{
-        QStringLiteral("count | list [--json] | read-all FILE | current FILE | show N [--template 0-4]")};
+    throw Usage(
+        UsageText::Expected,
+        {QStringLiteral("count | list [--json] | read-all FILE | current FILE | show N [--template 0-4]")});
 }
 
 int Report(CliContext &context, const QStringList &words)
 {
     const Words w = SplitWords(words, {QStringLiteral("--record"), QStringLiteral("--pdf")});
     if (w.positional.size() != 1)
-        throw UsageError{QStringLiteral("genau eine Protokolldatei")};
+        throw Usage(UsageText::Expected, {kReportSynopsis});
     const QList<QByteArray> all = records::LoadRecordFile(w.positional[0]);
     int exitCode = ArchiveLoadedFile(context, all, w.positional[0]) ? kExitDone : kExitFailed;
     QList<QByteArray> chosen = all;
@@ -124,7 +131,8 @@ int Report(CliContext &context, const QStringList &words)
         const int number =
             NumberArgument(w.options.value(QStringLiteral("--record")), QStringLiteral("--record"));
         if (number < 1 || number > all.size())
-            throw UsageError{QStringLiteral("--record muss zwischen 1 und %1 liegen").arg(all.size())};
+            throw Usage(UsageText::Between, {QStringLiteral("--record"), QStringLiteral("1"),
+                                             QString::number(all.size()), QString::number(number)});
         chosen = {all[number - 1]};
     }
     QTextStream &out = context.out();
@@ -162,7 +170,7 @@ int Report(CliContext &context, const QStringList &words)
 int Kym(CliContext &context, const QStringList &words)
 {
     if (words.size() != 2 || words[0] != QLatin1String("read"))
-        throw UsageError{QStringLiteral("read FILE")};
+        throw Usage(UsageText::Expected, {QStringLiteral("read FILE")});
     const QString logTmp = QDir(QCoreApplication::applicationDirPath()).filePath(records::kLogTmpFileName);
     context.prompter().PresetFile(words[1]);
     context.OpenPort();
@@ -184,7 +192,7 @@ int Csv(CliContext &context, const QStringList &words)
 {
     const Words w = SplitWords(words, {QStringLiteral("--header")});
     if (w.positional.size() != 2)
-        throw UsageError{QStringLiteral("eine Protokolldatei und eine Ausgabedatei")};
+        throw Usage(UsageText::Expected, {kCsvSynopsis});
     // Every record of the file goes into the export, not only the first twelve the old table held.
     const QList<QByteArray> entries = records::LoadRecordFile(w.positional[0]);
     const bool archived = ArchiveLoadedFile(context, entries, w.positional[0]);
@@ -204,13 +212,13 @@ QList<CliCommand> RecordCommands()
              "the tester's test records: how many, the store listing, all or the current one into a "
              "record file, one as the tester prints it (template 1 by default)"),
          Records},
-        {QStringLiteral("report"), QStringLiteral("FILE [--record N] [--pdf OUT]"),
+        {QStringLiteral("report"), kReportSynopsis,
          QStringLiteral(
              "the test report of each record of a record file (or of record N), form feed between"),
          Report},
         {QStringLiteral("kym"), QStringLiteral("read FILE"),
          QStringLiteral("read every record of the KYM accessory into log.tmp and FILE"), Kym},
-        {QStringLiteral("csv"), QStringLiteral("FILE OUT [--header ueber.csv]"),
+        {QStringLiteral("csv"), kCsvSynopsis,
          QStringLiteral("export every record of a record file as semicolon-separated Windows text"), Csv},
     };
 }

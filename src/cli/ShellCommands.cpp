@@ -16,7 +16,7 @@ namespace {
 int Clock(CliContext &context, const QStringList &words)
 {
     if (words.size() > 1)
-        throw UsageError{QStringLiteral("höchstens ein Text")};
+        throw Usage(UsageText::Expected, {QStringLiteral("[TEXT]")});
     if (!words.isEmpty())
         context.prompter().PresetText(words.first());
     context.OpenPort();
@@ -32,7 +32,7 @@ int Clock(CliContext &context, const QStringList &words)
 int Name(CliContext &context, const QStringList &words)
 {
     if (words.size() != 1)
-        throw UsageError{QStringLiteral("genau ein Name")};
+        throw Usage(UsageText::Expected, {QStringLiteral("NAME")});
     context.OpenPort();
     QTextStream &out = context.out();
     // The window's sequence: identify, then name; the name shown last is the one the tester holds.
@@ -52,9 +52,9 @@ int Script(CliContext &context, const QStringList &words)
 {
     const Words w = SplitWords(words, {QStringLiteral("--out")});
     if (w.positional.size() > 1)
-        throw UsageError{{}, UsageText::UnknownArgument, {w.positional[1]}};
+        throw Usage(UsageText::UnknownArgument, {w.positional[1]});
     if (w.positional.isEmpty())
-        throw UsageError{QStringLiteral("die Ablaufdatei fehlt")};
+        throw Usage(UsageText::Expected, {QStringLiteral("FILE.abl [--out FILE]")});
     const QString script = w.positional.first();
     const QString result = w.options.value(QStringLiteral("--out"), shell::kScriptResultFileName);
     context.OpenPort();

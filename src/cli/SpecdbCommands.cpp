@@ -24,6 +24,12 @@ namespace kalvo::cli {
 
 namespace {
 
+const QString kDefaultsSynopsis =
+    QStringLiteral("defaults --regulation NAME [--class 05|06|07] [--type 00-03] [--switch CODE]");
+const QString kAddSynopsis =
+    QStringLiteral("add NAME --regulation NAME [--class 05|06|07] [--type 00-03] [--parts N] "
+                   "[--sfc N,PE,AWT] [--switch CODE] [--limit N=TEXT]...");
+
 // The regulations' default limits and the looser-limit check: the generator of the default limits
 // is handed in here.
 const specdb::RegulationRules &Rules()
@@ -44,8 +50,9 @@ int RegulationArgument(const QString &word)
         if (Squeezed(list[i]) == Squeezed(word))
             return static_cast<int>(i);
     }
-    throw UsageError{QStringLiteral("--regulation muss eine von \"%1\" sein, nicht \"%2\"")
-                         .arg(list.join(QStringLiteral("\", \"")), word)};
+    throw Usage(UsageText::OneOf, {QStringLiteral("--regulation"),
+                                   QStringLiteral("\"%1\"").arg(list.join(QStringLiteral("\", \""))),
+                                   QStringLiteral("\"%1\"").arg(word)});
 }
 
 int EntryArgument(const QString &word, const QString &option, const QStringList &codes,
@@ -53,8 +60,7 @@ int EntryArgument(const QString &word, const QString &option, const QStringList 
 {
     const qsizetype at = codes.indexOf(word);
     if (at < 0)
-        throw UsageError{QStringLiteral("%1 muss einer von %2 sein, nicht %3")
-                             .arg(option, codes.join(QLatin1Char('|')), word)};
+        throw Usage(UsageText::OneOf, {option, codes.join(QLatin1Char('|')), word});
     return entries[at];
 }
 
@@ -65,7 +71,7 @@ std::array<bool, 4> SingleFaultArgument(const QString &word)
     for (const QString &name : word.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         const qsizetype at = names.indexOf(name.trimmed().toUpper());
         if (at < 0)
-            throw UsageError{QStringLiteral("--sfc nimmt N, PE und AWT, nicht %1").arg(name)};
+            throw Usage(UsageText::NoneOf, {name, QStringLiteral("N, PE, AWT")});
         boxes[static_cast<size_t>(at + 1)] = true;
     }
     return boxes;
@@ -77,7 +83,8 @@ void ApplyLimit(specdb::SpecEditor &editor, const QString &word)
     bool ok = false;
     const int box = word.left(equals).toInt(&ok);
     if (equals < 0 || !ok || box < 1 || box > specdb::kLimitBoxes)
-        throw UsageError{QStringLiteral("--limit will N=TEXT mit N von 1 bis 22, nicht %1").arg(word)};
+        throw Usage(UsageText::Between, {QStringLiteral("--limit N=TEXT: N"), QStringLiteral("1"),
+                                         QString::number(specdb::kLimitBoxes), word});
     editor.SetLimit(box, specdb::LimitFromText(word.mid(equals + 1)));
 }
 
@@ -100,7 +107,7 @@ int List(CliContext &context, const QStringList &words)
 {
     const Words w = SplitWords(words, {}, {QStringLiteral("--json")});
     if (!w.positional.isEmpty())
-        throw UsageError{QStringLiteral("list nimmt nur --json")};
+        throw Usage(UsageText::Expected, {QStringLiteral("list [--json]")});
     const auto store = ReadStore(context);
     if (!store)
         return kExitFailed;
@@ -148,7 +155,7 @@ int Defaults(CliContext &context, const QStringList &words)
     const Words w = SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--class"),
                                        QStringLiteral("--type"), QStringLiteral("--switch")});
     if (!w.positional.isEmpty() || !w.options.contains(QStringLiteral("--regulation")))
-        throw UsageError{QStringLiteral("--regulation fehlt")};
+        throw Usage(UsageText::Expected, {kDefaultsSynopsis});
     specdb::SpecEditor editor(Rules().defaults);
     ChooseFromWords(editor, w);
     const specdb::SpecRecord &record = editor.record();
@@ -183,14 +190,16 @@ int Add(CliContext &context, const QStringList &words)
                            QStringLiteral("--switch"), QStringLiteral("--limit")});
     const QStringList limits = w.repeated.value(QStringLiteral("--limit"));
     if (w.positional.size() != 1 || !w.options.contains(QStringLiteral("--regulation")))
-        throw UsageError{QStringLiteral("NAME und --regulation fehlen")};
+        throw Usage(UsageText::Expected, {kAddSynopsis});
     specdb::SpecEditor editor(Rules().defaults);
     ChooseFromWords(editor, w);
     if (w.options.contains(QStringLiteral("--parts"))) {
         const int parts =
             NumberArgument(w.options.value(QStringLiteral("--parts")), QStringLiteral("--parts"));
         if (parts < 0 || parts > specdb::kMaxAppliedParts)
-            throw UsageError{QStringLiteral("--parts muss zwischen 0 und 10 liegen, nicht %1").arg(parts)};
+            throw Usage(UsageText::Between,
+                        {QStringLiteral("--parts"), QStringLiteral("0"),
+                         QString::number(specdb::kMaxAppliedParts), QString::number(parts)});
         editor.ChooseAppliedParts(parts);
     }
     if (w.options.contains(QStringLiteral("--sfc")))
@@ -238,7 +247,7 @@ int Add(CliContext &context, const QStringList &words)
 int StoreSet(CliContext &context, const QStringList &files)
 {
     if (files.isEmpty())
-        throw UsageError{QStringLiteral("mindestens eine Datei")};
+        throw Usage(UsageText::Expected, {QStringLiteral("store-set FILE...")});
     // Every file is read and taken apart first: a bad one stops all of them before anything is sent.
     // Lines behind a file's last whole record are left out, as the tester's own upload does.
     QList<specdb::SetGroup> groups;
@@ -272,7 +281,7 @@ int Delete(CliContext &context, const QStringList &arguments)
     const QStringList &words = w.positional;
     const bool all = !w.flags.isEmpty();
     if (all == (words.size() == 1) || words.size() > 1)
-        throw UsageError{QStringLiteral("N oder --all")};
+        throw Usage(UsageText::Expected, {QStringLiteral("delete N|--all")});
     const int number = all ? 0 : NumberArgument(words[0], QStringLiteral("N"));
     const auto store = ReadStore(context);
     if (!store)
@@ -307,7 +316,7 @@ int Specdb(CliContext &context, const QStringList &words)
         return StoreSet(context, rest);
     if (action == QLatin1String("delete"))
         return Delete(context, rest);
-    throw UsageError{QStringLiteral("list | defaults | add | store-set | delete")};
+    throw Usage(UsageText::Expected, {QStringLiteral("list | defaults | add | store-set | delete")});
 }
 
 } // namespace
@@ -316,10 +325,8 @@ QList<CliCommand> SpecdbCommands()
 {
     return {
         {QStringLiteral("specdb"),
-         QStringLiteral(
-             "list [--json] | defaults --regulation NAME [--class 05|06|07] [--type 00-03] [--switch CODE] | "
-             "add NAME --regulation NAME [--class 05|06|07] [--type 00-03] [--parts N] "
-             "[--sfc N,PE,AWT] [--switch CODE] [--limit N=TEXT]... | store-set FILE... | delete N|--all"),
+         QStringLiteral("list [--json] | %1 | %2 | store-set FILE... | delete N|--all")
+             .arg(kDefaultsSynopsis, kAddSynopsis),
          QStringLiteral(
              "the test specifications in the tester's store: list the store, show the regulation's "
              "default limits with their sources (no tester needed), add one (\"Ohm\" in a "
