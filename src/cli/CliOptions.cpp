@@ -35,12 +35,12 @@ CliOptions ParseCliOptions(const QStringList &arguments)
     QCommandLineParser parser;
     // The first word that is no option is the command; what follows belongs to it.
     parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
-    QStringList valueOptions, flagOptions{QStringLiteral("--help"), QStringLiteral("--version")};
+    QStringList valueOptions, flagOptions{QStringLiteral("--version")};
     for (const GlobalOption &option : kGlobalOptions)
         (option.valueName ? valueOptions : flagOptions) << QStringLiteral("--") + QLatin1String(option.name);
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     parser.addOption(help);
-    AddOptions(parser, valueOptions, flagOptions.mid(1));
+    AddOptions(parser, valueOptions, flagOptions);
 
     CliOptions options;
     const bool parsed = parser.parse(QStringList{QStringLiteral("kalvo-cli")} + arguments);

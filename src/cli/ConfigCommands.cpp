@@ -22,6 +22,9 @@ namespace kalvo::cli {
 
 namespace {
 
+const QString kVarsSynopsis =
+    QStringLiteral("list [--json] | read NAME|ADDRESS [--json] | dump [--json] | store");
+
 // Forwards to the command line's prompter but answers a store question with OK when asked to
 // store (--store) — unless the tester refused something: then the command line's prompter answers
 // Cancel, whatever --store or --yes say, so that nothing half-written is kept.
@@ -112,8 +115,7 @@ int Vars(CliContext &context, const QStringList &arguments)
             << reading.number << ")\n";
         return kExitDone;
     }
-    throw Usage(UsageText::Expected,
-                {QStringLiteral("list [--json] | read NAME|ADDRESS [--json] | dump [--json] | store")});
+    throw Usage(UsageText::Expected, {kVarsSynopsis});
 }
 
 config::LimitKind LimitArgument(const QString &word)
@@ -225,8 +227,7 @@ int Modem(CliContext &context, const QStringList &words)
 QList<CliCommand> ConfigCommands()
 {
     return {
-        {QStringLiteral("vars"),
-         QStringLiteral("list [--json] | read NAME|ADDRESS [--json] | dump [--json] | store"),
+        {QStringLiteral("vars"), kVarsSynopsis,
          QStringLiteral("the names of variable.mas, one variable or bit, the configuration block D0..FF, "
                         "store the configuration (cfg!pgm)"),
          Vars},

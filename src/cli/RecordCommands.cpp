@@ -20,6 +20,8 @@ namespace kalvo::cli {
 
 namespace {
 
+const QString kRecordsSynopsis =
+    QStringLiteral("count | list [--json] | read-all FILE | current FILE | show N [--template 0-4]");
 const QString kReportSynopsis = QStringLiteral("FILE [--record N] [--pdf OUT]");
 const QString kCsvSynopsis = QStringLiteral("FILE OUT [--header ueber.csv]");
 
@@ -114,9 +116,7 @@ int Records(CliContext &context, const QStringList &words)
         out << records::RenderStoredRecord(context.link(), templateNumber, record);
         return kExitDone;
     }
-    throw Usage(
-        UsageText::Expected,
-        {QStringLiteral("count | list [--json] | read-all FILE | current FILE | show N [--template 0-4]")});
+    throw Usage(UsageText::Expected, {kRecordsSynopsis});
 }
 
 int Report(CliContext &context, const QStringList &words)
@@ -206,8 +206,7 @@ int Csv(CliContext &context, const QStringList &words)
 QList<CliCommand> RecordCommands()
 {
     return {
-        {QStringLiteral("records"),
-         QStringLiteral("count | list [--json] | read-all FILE | current FILE | show N [--template 0-4]"),
+        {QStringLiteral("records"), kRecordsSynopsis,
          QStringLiteral(
              "the tester's test records: how many, the store listing, all or the current one into a "
              "record file, one as the tester prints it (template 1 by default)"),
