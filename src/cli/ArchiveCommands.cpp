@@ -22,7 +22,8 @@ namespace {
 
 const QString kUsage = QStringLiteral(
     "import FILE... | list [FILTER] [--json] | show N [--pdf OUT] | export OUT.csv [FILTER] | verify | "
-    "due [--before DATE] [--json] | interval [--regulation NAME | --device ID] [MONTHS | default]");
+    "due [--before DATE] [--json] | interval [--json] | interval --regulation NAME MONTHS | interval "
+    "--device ID MONTHS|default");
 const QStringList kFilterOptions = {QStringLiteral("--device"),     QStringLiteral("--type"),
                                     QStringLiteral("--customer"),   QStringLiteral("--text"),
                                     QStringLiteral("--regulation"), QStringLiteral("--since"),
@@ -218,15 +219,27 @@ int Interval(CliContext &context, const Words &w)
     const QString device = w.options.value(QStringLiteral("--device"));
     if (w.positional.size() == 1 && w.options.isEmpty()) {
         const archive::RetestIntervals intervals = archive::LoadIntervals(archive);
+        if (w.flags.contains(QStringLiteral("--json"))) {
+            QJsonArray list;
+            for (const auto &[name, months] : archive::DefaultRegulationIntervals())
+                list.append(
+                    QJsonObject{{QStringLiteral("months"), intervals.byRegulation.value(name, months)},
+                                {QStringLiteral("regulation"), name}});
+            for (auto it = intervals.byDevice.cbegin(); it != intervals.byDevice.cend(); ++it)
+                list.append(QJsonObject{{QStringLiteral("months"), it.value()},
+                                        {QStringLiteral("device"), it.key()}});
+            context.PrintJson(list);
+            return kExitDone;
+        }
         for (const auto &[name, months] : archive::DefaultRegulationIntervals())
             context.out() << intervals.byRegulation.value(name, months) << " Monate\t" << name << '\n';
         for (auto it = intervals.byDevice.cbegin(); it != intervals.byDevice.cend(); ++it)
             context.out() << it.value() << " Monate\tGerät " << it.key() << '\n';
         return kExitDone;
     }
-    if (w.positional.size() != 2 || regulation.isEmpty() == device.isEmpty())
-        throw Usage(UsageText::Expected,
-                    {QStringLiteral("interval [--regulation NAME MONTHS | --device ID MONTHS|default]")});
+    if (w.positional.size() != 2 || regulation.isEmpty() == device.isEmpty() || !w.flags.isEmpty())
+        throw Usage(UsageText::Expected, {QStringLiteral("interval [--json] | interval --regulation NAME "
+                                                         "MONTHS | interval --device ID MONTHS|default")});
     const QString value = w.positional[1];
     if (!device.isEmpty()) {
         archive::SetDeviceInterval(archive, device,
@@ -259,7 +272,8 @@ int Archive(CliContext &context, const QStringList &words)
         return Due(context, SplitWords(words, {QStringLiteral("--before")}, {QStringLiteral("--json")}));
     if (action == QLatin1String("interval"))
         return Interval(context,
-                        SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--device")}));
+                        SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--device")},
+                                   {QStringLiteral("--json")}));
     throw Usage(UsageText::Expected, {kUsage});
 }
 

@@ -158,13 +158,30 @@ int Limits(CliContext &context, QStringList words)
                 {QStringLiteral("get kuschl|ubez|pzhv | set kuschl|ubez|pzhv VALUE [--store]")});
 }
 
+QJsonValue JsonNumber(const std::optional<double> &value)
+{
+    return value ? QJsonValue(*value) : QJsonValue();
+}
+
+QJsonObject Json(const config::CalibrationDifference &d)
+{
+    return {{QStringLiteral("entry"), d.entry},
+            {QStringLiteral("before"),
+             QJsonArray{QString::fromLatin1(d.before[0]), QString::fromLatin1(d.before[1])}},
+            {QStringLiteral("after"),
+             QJsonArray{QString::fromLatin1(d.after[0]), QString::fromLatin1(d.after[1])}},
+            {QStringLiteral("percent"), QJsonArray{JsonNumber(d.percent[0]), JsonNumber(d.percent[1])}},
+            {QStringLiteral("text"), config::DescribeDifference(d)}};
+}
+
 int Cal(CliContext &context, QStringList words)
 {
     const bool store = TakeStore(words);
+    const bool json = words.removeAll(QStringLiteral("--json")) > 0;
     const QString action = words.value(0);
     QTextStream &out = context.out();
     const auto show = [&out](const QString &line) { out << line << Qt::endl; };
-    if (action == QLatin1String("backup") && words.size() <= 2 && !store) {
+    if (action == QLatin1String("backup") && words.size() <= 2 && !store && !json) {
         context.OpenPort();
         QString path = words.value(1);
         if (path.isEmpty()) {
@@ -176,7 +193,7 @@ int Cal(CliContext &context, QStringList words)
         out << "51 entries -> " << QDir::toNativeSeparators(path) << '\n';
         return kExitDone;
     }
-    if (action == QLatin1String("restore") && words.size() == 2) {
+    if (action == QLatin1String("restore") && words.size() == 2 && !json) {
         // Read before anything is sent: a bad file ends the command with the tester untouched.
         config::ReadCalibrationFile(words[1], config::RestoreSource::MainForm);
         context.OpenPort();
@@ -189,6 +206,13 @@ int Cal(CliContext &context, QStringList words)
     }
     if (action == QLatin1String("diff") && words.size() == 3 && !store) {
         const auto differences = config::DiffCalibration(words[1], words[2]);
+        if (json) {
+            QJsonArray list;
+            for (const auto &d : differences)
+                list.append(Json(d));
+            context.PrintJson(list);
+            return kExitDone;
+        }
         for (const auto &d : differences)
             out << config::DescribeDifference(d) << '\n';
         if (differences.isEmpty())
@@ -196,7 +220,7 @@ int Cal(CliContext &context, QStringList words)
         return kExitDone;
     }
     throw Usage(UsageText::Expected,
-                {QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal")});
+                {QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal [--json]")});
 }
 
 int Modem(CliContext &context, const QStringList &words)
@@ -235,7 +259,8 @@ QList<CliCommand> ConfigCommands()
          QStringLiteral("get kuschl|ubez|pzhv | set kuschl|ubez|pzhv VALUE [--store]"),
          QStringLiteral("read or write a limit (15..95 mA, 90..300 V, 1..60 s); --store keeps it (cfg!pgm)"),
          Limits},
-        {QStringLiteral("cal"), QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal"),
+        {QStringLiteral("cal"),
+         QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal [--json]"),
          QStringLiteral("save the calibration table (default: the tester's name + .cal), write one back "
                         "(stored with --store or --yes), compare two backups"),
          Cal},

@@ -25,7 +25,7 @@ namespace kalvo::cli {
 namespace {
 
 const QString kDefaultsSynopsis =
-    QStringLiteral("defaults --regulation NAME [--class 05|06|07] [--type 00-03] [--switch CODE]");
+    QStringLiteral("defaults --regulation NAME [--class 05|06|07] [--type 00-03] [--switch CODE] [--json]");
 const QString kAddSynopsis =
     QStringLiteral("add NAME --regulation NAME [--class 05|06|07] [--type 00-03] [--parts N] "
                    "[--sfc N,PE,AWT] [--switch CODE] [--limit N=TEXT]...");
@@ -152,8 +152,10 @@ void ChooseFromWords(specdb::SpecEditor &editor, const Words &w)
 // what it measures, its limit and where the limit comes from.
 int Defaults(CliContext &context, const QStringList &words)
 {
-    const Words w = SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--class"),
-                                       QStringLiteral("--type"), QStringLiteral("--switch")});
+    const Words w = SplitWords(words,
+                               {QStringLiteral("--regulation"), QStringLiteral("--class"),
+                                QStringLiteral("--type"), QStringLiteral("--switch")},
+                               {QStringLiteral("--json")});
     if (!w.positional.isEmpty() || !w.options.contains(QStringLiteral("--regulation")))
         throw Usage(UsageText::Expected, {kDefaultsSynopsis});
     specdb::SpecEditor editor(Rules().defaults);
@@ -162,13 +164,31 @@ int Defaults(CliContext &context, const QStringList &words)
     QStringList codes;
     for (int k = 0; k < specdb::kSentCodes; ++k)
         codes << QString::fromLatin1(record.codes[static_cast<size_t>(k)]);
+    const QList<specdb::BoxDefault> defaults = specdb::DefaultsFor(editor.regulationEntry(), record.codes[14],
+                                                                   record.codes[15], editor.switchCode());
+    if (!w.flags.isEmpty()) {
+        QJsonArray boxes;
+        for (const specdb::BoxDefault &box : defaults)
+            boxes.append(QJsonObject{{QStringLiteral("box"), box.box},
+                                     {QStringLiteral("meaning"), specdb::BoxMeaning(box.box)},
+                                     {QStringLiteral("limit"),
+                                      link::ConvertDisplayText(record.limits[static_cast<size_t>(box.box)])},
+                                     {QStringLiteral("source"), box.source}});
+        context.PrintJson(QJsonObject{
+            {QStringLiteral("regulation"), specdb::RegulationList().value(editor.regulationEntry())},
+            {QStringLiteral("class"), QString::fromLatin1(record.codes[14])},
+            {QStringLiteral("type"), QString::fromLatin1(record.codes[15])},
+            {QStringLiteral("switch"), QString::fromLatin1(editor.switchCode())},
+            {QStringLiteral("switchMeaning"), specdb::SwitchMeaning(editor.switchCode())},
+            {QStringLiteral("codes"), QJsonArray::fromStringList(codes)},
+            {QStringLiteral("boxes"), boxes}});
+        return kExitDone;
+    }
     context.out() << "regulation: " << specdb::RegulationList().value(editor.regulationEntry()) << ", class "
                   << record.codes[14] << ", type " << record.codes[15] << '\n'
                   << "switch: " << editor.switchCode() << " (" << specdb::SwitchMeaning(editor.switchCode())
                   << ")\n"
                   << "codes 0-19: " << codes.join(QLatin1Char(' ')) << '\n';
-    const QList<specdb::BoxDefault> defaults = specdb::DefaultsFor(editor.regulationEntry(), record.codes[14],
-                                                                   record.codes[15], editor.switchCode());
     for (const specdb::BoxDefault &box : defaults) {
         const QString limit = link::ConvertDisplayText(record.limits[static_cast<size_t>(box.box)]);
         const QString line = QStringLiteral("GWert %1  %2  %3  %4")

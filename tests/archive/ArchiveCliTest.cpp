@@ -97,7 +97,19 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
     EXPECT_EQ(Cli({"archive", "interval", "--device", "E-0815", "6"}).exitCode, 0);
     EXPECT_TRUE(Cli({"archive", "list", "--device", "E-0815"})
                     .out.contains(QStringLiteral("nächste Prüfung 2009-07-12")));
-    EXPECT_TRUE(Cli({"archive", "interval"}).out.contains(QStringLiteral("6 Monate\tGerät E-0815")));
+    const RunResult intervals = Cli({"archive", "interval"});
+    EXPECT_TRUE(intervals.out.contains(QStringLiteral("6 Monate\tGerät E-0815")));
+    QStringList intervalLines;
+    for (const QJsonValue &value :
+         QJsonDocument::fromJson(Cli({"archive", "interval", "--json"}).out.toUtf8()).array()) {
+        const QJsonObject i = value.toObject();
+        intervalLines << QStringLiteral("%1 Monate\t%2")
+                             .arg(i[QStringLiteral("months")].toInt())
+                             .arg(i.contains(QStringLiteral("device"))
+                                      ? QStringLiteral("Gerät ") + i[QStringLiteral("device")].toString()
+                                      : i[QStringLiteral("regulation")].toString());
+    }
+    EXPECT_EQ(intervalLines, intervals.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts));
     EXPECT_EQ(Cli({"archive", "interval", "--device", "E-0815", "default"}).exitCode, 0);
     EXPECT_TRUE(Cli({"archive", "due", "--before", "2010-01-13"}).out.contains(QStringLiteral("E-0815")));
     EXPECT_EQ(Cli({"archive", "interval", "--regulation", "DIN VDE 0702", "0"}).exitCode, 1);

@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
+#include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
 
@@ -156,7 +157,7 @@ const CommandHelp kCommandHelp[] = {
     {"csv", {"--header"}},
     {"vars", {"--json"}},
     {"limits", {"--store"}},
-    {"cal", {"--store"}},
+    {"cal", {"--store", "--json"}},
     {"modem", {"--tel1", "--tel2", "--init", "--store"}},
     {"update", {"--lang"}},
     {"pfile", {"--slot", "--out"}},
@@ -291,33 +292,89 @@ TEST(CliEndToEnd, ListingCommandsGiveTheDataOfTheirTextAsOneJsonDocument)
                      o[QStringLiteral("value")].toString(), o[QStringLiteral("binary")].toString())
                 .arg(o[QStringLiteral("number")].toInt())};
     };
+    const auto defaults = [](const QJsonDocument &json) {
+        const QJsonObject o = json.object();
+        QStringList lines{
+            QStringLiteral("regulation: %1, class %2, type %3")
+                .arg(o[QStringLiteral("regulation")].toString(), o[QStringLiteral("class")].toString(),
+                     o[QStringLiteral("type")].toString()),
+            QStringLiteral("switch: %1 (%2)")
+                .arg(o[QStringLiteral("switch")].toString(), o[QStringLiteral("switchMeaning")].toString()),
+            QStringLiteral("codes 0-19:")};
+        for (const QJsonValue &code : o[QStringLiteral("codes")].toArray())
+            lines.last() += QLatin1Char(' ') + code.toString();
+        for (const QJsonValue &value : o[QStringLiteral("boxes")].toArray()) {
+            const QJsonObject box = value.toObject();
+            const QString limit = box[QStringLiteral("limit")].toString();
+            lines << QStringLiteral("GWert %1 %2 %3 %4")
+                         .arg(box[QStringLiteral("box")].toInt())
+                         .arg(box[QStringLiteral("meaning")].toString(),
+                              limit.isEmpty() ? QStringLiteral("-") : limit,
+                              box[QStringLiteral("source")].toString());
+        }
+        return lines;
+    };
+    const auto differences = [](const QJsonDocument &json) {
+        QStringList lines;
+        for (const QJsonValue &row : json.array()) {
+            const QJsonObject d = row.toObject();
+            lines << d[QStringLiteral("text")].toString();
+            // The values behind the text: the second one of entry 2 went from 1.0004 to 1.0007.
+            const QJsonArray percent = d[QStringLiteral("percent")].toArray();
+            if (d[QStringLiteral("entry")].toInt() != 2 ||
+                d[QStringLiteral("before")].toArray() != QJsonArray{"-6", "1.0004"} ||
+                d[QStringLiteral("after")].toArray() != QJsonArray{"-6", "1.0007"} || !percent[0].isNull() ||
+                std::abs(percent[1].toDouble() - 0.03) > 0.001)
+                lines << QStringLiteral("the values do not fit the text");
+        }
+        return lines;
+    };
+    // Two calibration backups that differ in one value.
+    ASSERT_EQ(
+        RunProgram(QStringLiteral("kalvo-cli"), {"--simulate", "cal", "backup", "a.cal"}, 60, dir.path())
+            .exitCode,
+        0);
+    QFile a(dir.filePath(QStringLiteral("a.cal"))), b(dir.filePath(QStringLiteral("b.cal")));
+    ASSERT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::WriteOnly));
+    const QByteArray backup = a.readAll();
+    ASSERT_TRUE(backup.contains("\n2:-6,1.0004\r"));
+    b.write(QByteArray(backup).replace("\n2:-6,1.0004\r", "\n2:-6,1.0007\r"));
+    b.close();
+
     struct Case {
         QStringList args;
         std::function<QStringList(const QJsonDocument &)> lines;
-        int exitCode = 0;
     };
     const Case cases[] = {
-        {{"records", "list"}, entries},    {{"specdb", "list"}, entries},
-        {{"vars", "list"}, strings},       {{"vars", "dump"}, strings},
-        {{"vars", "read", "D3"}, reading}, {{"vars", "read", "VMITBEZ"}, reading},
+        {{"--simulate", "records", "list"}, entries},
+        {{"--simulate", "specdb", "list"}, entries},
+        {{"--simulate", "vars", "list"}, strings},
+        {{"--simulate", "vars", "dump"}, strings},
+        {{"--simulate", "vars", "read", "D3"}, reading},
+        {{"--simulate", "vars", "read", "VMITBEZ"}, reading},
+        {{"specdb", "defaults", "--regulation", "VDE 0751", "--class", "06"}, defaults},
+        {{"cal", "diff", "a.cal", "b.cal"}, differences},
     };
     for (const Case &c : cases) {
-        const QStringList args = QStringList{QStringLiteral("--simulate")} + c.args;
+        const QStringList &args = c.args;
         const RunResult text = RunProgram(QStringLiteral("kalvo-cli"), args, 60, dir.path());
         const RunResult json =
             RunProgram(QStringLiteral("kalvo-cli"), args + QStringList{"--json"}, 60, dir.path());
-        ASSERT_EQ(text.exitCode, c.exitCode)
-            << args.join(' ').toStdString() << ": " << text.err.toStdString();
-        EXPECT_EQ(json.exitCode, c.exitCode)
-            << args.join(' ').toStdString() << ": " << json.err.toStdString();
+        ASSERT_EQ(text.exitCode, 0) << args.join(' ').toStdString() << ": " << text.err.toStdString();
+        EXPECT_EQ(json.exitCode, 0) << args.join(' ').toStdString() << ": " << json.err.toStdString();
         QJsonParseError error;
         const QJsonDocument document = QJsonDocument::fromJson(json.out.toUtf8(), &error);
         ASSERT_EQ(error.error, QJsonParseError::NoError)
             << args.join(' ').toStdString() << ": " << error.errorString().toStdString() << "\n"
             << json.out.toStdString();
-        const QStringList lines = text.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        // Blanks that only line the text's columns up do not count.
+        QStringList lines, fromJson;
+        for (const QString &line : text.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+            lines << line.simplified();
+        for (const QString &line : c.lines(document))
+            fromJson << line.simplified();
         EXPECT_FALSE(lines.isEmpty()) << args.join(' ').toStdString();
-        EXPECT_EQ(c.lines(document), lines) << args.join(' ').toStdString();
+        EXPECT_EQ(fromJson, lines) << args.join(' ').toStdString();
     }
 }
 
