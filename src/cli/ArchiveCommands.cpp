@@ -20,10 +20,13 @@ namespace kalvo::cli {
 
 namespace {
 
-const QString kUsage = QStringLiteral(
-    "import FILE... | list [FILTER] [--json] | show N [--pdf OUT] | export OUT.csv [FILTER] | verify | "
-    "due [--before DATE] [--json] | interval [--json] | interval --regulation NAME MONTHS | interval "
-    "--device ID MONTHS|default");
+const QString kIntervalSynopsis = QStringLiteral(
+    "interval [--json] | interval --regulation NAME MONTHS | interval --device ID MONTHS|default");
+const QString kUsage =
+    QStringLiteral(
+        "import FILE... | list [FILTER] [--json] | show N [--pdf OUT] | export OUT.csv [FILTER] | verify | "
+        "due [--before DATE] [--json] | %1")
+        .arg(kIntervalSynopsis);
 const QStringList kFilterOptions = {QStringLiteral("--device"),     QStringLiteral("--type"),
                                     QStringLiteral("--customer"),   QStringLiteral("--text"),
                                     QStringLiteral("--regulation"), QStringLiteral("--since"),
@@ -238,8 +241,7 @@ int Interval(CliContext &context, const Words &w)
         return kExitDone;
     }
     if (w.positional.size() != 2 || regulation.isEmpty() == device.isEmpty() || !w.flags.isEmpty())
-        throw Usage(UsageText::Expected, {QStringLiteral("interval [--json] | interval --regulation NAME "
-                                                         "MONTHS | interval --device ID MONTHS|default")});
+        throw Usage(UsageText::Expected, {kIntervalSynopsis});
     const QString value = w.positional[1];
     if (!device.isEmpty()) {
         archive::SetDeviceInterval(archive, device,

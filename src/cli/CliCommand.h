@@ -7,7 +7,6 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
-#include <optional>
 
 namespace kalvo::cli {
 
@@ -21,20 +20,18 @@ struct CliCommand {
     std::function<int(CliContext &, const QStringList &)> run;
 };
 
-// Thrown by a command whose arguments are wrong; main prints it with the command's synopsis.
-// The words every command shares (`kind` with its `args`) are told in the program's language.
+// Thrown by a command whose arguments are wrong; main prints it with the command's synopsis, in
+// the program's language.
 struct UsageError {
-    QString text;
-    std::optional<UsageText> kind = std::nullopt;
-    QStringList args = {};
+    UsageText kind;
+    QStringList args; // what the text names, in the order of its %1, %2, ...
 
     QString In(const QString &language) const;
 };
 
-// A usage error in the words every command shares, told in the program's language.
 inline UsageError Usage(UsageText kind, const QStringList &args = {})
 {
-    return {{}, kind, args};
+    return {kind, args};
 }
 
 QList<CliCommand> LinkCommands();

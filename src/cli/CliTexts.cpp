@@ -98,9 +98,7 @@ QString UsageLanguage(const QString &languageOption)
 
 QString UsageError::In(const QString &language) const
 {
-    if (!kind)
-        return text;
-    QString result = UsageTextIn(language, *kind);
+    QString result = UsageTextIn(language, kind);
     for (const QString &arg : args)
         result = result.arg(arg);
     return result;

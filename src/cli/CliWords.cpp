@@ -61,18 +61,17 @@ UsageError ParserError(const QCommandLineParser &parser, const QStringList &argu
     const QStringList unknown = parser.unknownOptionNames();
     if (!unknown.isEmpty()) {
         const QString &name = unknown.first();
-        return {{},
-                UsageText::UnknownOption,
-                {(name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name}};
+        return Usage(UsageText::UnknownOption,
+                     {(name.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + name});
     }
     for (const QString &argument : arguments) {
         const QString option = argument.section(QLatin1Char('='), 0, 0);
         if (argument.startsWith(QLatin1String("--")) && argument.contains(QLatin1Char('=')) &&
             !valueOptions.contains(option))
-            return {{}, UsageText::TakesNoValue, {option}};
+            return Usage(UsageText::TakesNoValue, {option});
     }
     // A value option takes the next word whatever it is: only the last word can lack its value.
-    return {{}, UsageText::NeedsValue, {arguments.value(arguments.size() - 1)}};
+    return Usage(UsageText::NeedsValue, {arguments.value(arguments.size() - 1)});
 }
 
 Words SplitWords(const QStringList &words, const QStringList &valueOptions, const QStringList &flagOptions)
