@@ -6,6 +6,7 @@
 #include "VirtualTester.h"
 #include "link/Clock.h"
 
+#include <QCommandLineParser>
 #include <QString>
 #include <QStringList>
 #include <csignal>
@@ -64,7 +65,9 @@ void PrintUsage(std::FILE *to)
         "                           TAB \"-\" behind what a loader or a restart took (no exchange)\n"
         "  --display-every SECONDS  send a remote-display frame whenever the line is idle that long\n"
         "  --restart-delay SECONDS  how long a restart keeps the tester from answering (default 0)\n"
-        "  --help                   this text\n",
+        "  --version                the version of kalvo-sim\n"
+        "  -h, --help               this text\n"
+        "A value follows its option as the next word or behind \"=\" (--baud=0).\n",
         qPrintable(sim::FaultPlan::KindNames().join(QStringLiteral(", "))));
 }
 
@@ -82,73 +85,76 @@ bool NonNegativeNumber(const QString &text, double &value)
 }
 
 // False after telling the user what is wrong.
-bool ParseOptions(const QStringList &args, Options &options, bool &help)
+bool ParseOptions(const QStringList &args, Options &options, bool &help, bool &version)
 {
-    for (qsizetype i = 1; i < args.size(); ++i) {
-        const QString &arg = args[i];
-        if (arg == QLatin1String("--help") || arg == QLatin1String("-h")) {
-            help = true;
-            return true;
-        }
-        if (arg == QLatin1String("--kym")) {
-            options.kym = true;
-            continue;
-        }
-        if (arg == QLatin1String("--no-current")) {
-            options.noCurrent = true;
-            continue;
-        }
-        if (arg == QLatin1String("--specifications")) {
-            options.specifications = true;
-            continue;
-        }
-        const QStringList valued = {"--baud",    "--fault",      "--language",      "--style",
-                                    "--name",    "--log",        "--display-every", "--restart-delay",
-                                    "--records", "--kym-records"};
-        if (!valued.contains(arg))
-            return Fail(QStringLiteral("unknown option \"%1\"").arg(arg));
-        if (i + 1 >= args.size())
-            return Fail(QStringLiteral("%1 needs a value").arg(arg));
-        const QString value = args[++i];
-        bool ok = true;
-        if (arg == QLatin1String("--baud")) {
-            options.baud = value.toInt(&ok);
-            if (!ok || options.baud < 0)
-                return Fail(
-                    QStringLiteral("--baud wants a whole number of 0 or more, not \"%1\"").arg(value));
-        } else if (arg == QLatin1String("--fault")) {
-            QString error;
-            if (!sim::FaultPlan::Parse(value, &error))
-                return Fail(error);
-            options.faults << value;
-        } else if (arg == QLatin1String("--style")) {
-            const auto style = sim::ParseAnswerStyle(value);
-            if (!style)
-                return Fail(QStringLiteral("--style wants %1, not \"%2\"")
-                                .arg(sim::AnswerStyleNames().join(QStringLiteral(" or ")), value));
-            options.style = *style;
-        } else if (arg == QLatin1String("--language")) {
-            options.language = value.toInt(&ok);
-            if (!ok || options.language < 0 || options.language > 99)
-                return Fail(QStringLiteral("--language wants a code from 0 to 99, not \"%1\"").arg(value));
-        } else if (arg == QLatin1String("--name")) {
-            options.name = value.toLatin1();
-            if (options.name.isEmpty() || options.name.size() > 8)
-                return Fail(QStringLiteral("--name wants 1 to 8 characters, not \"%1\"").arg(value));
-        } else if (arg == QLatin1String("--records") || arg == QLatin1String("--kym-records")) {
-            const int count = value.toInt(&ok);
-            if (!ok || count < 0)
-                return Fail(
-                    QStringLiteral("%1 wants a whole number of 0 or more, not \"%2\"").arg(arg, value));
-            (arg == QLatin1String("--records") ? options.records : options.accessoryRecords) = count;
-        } else if (arg == QLatin1String("--log")) {
-            options.logPath = value;
-        } else if (arg == QLatin1String("--display-every")) {
-            if (!NonNegativeNumber(value, options.displayEvery))
-                return Fail(QStringLiteral("--display-every wants seconds, not \"%1\"").arg(value));
-        } else if (arg == QLatin1String("--restart-delay")) {
-            if (!NonNegativeNumber(value, options.restartDelay))
-                return Fail(QStringLiteral("--restart-delay wants seconds, not \"%1\"").arg(value));
+    QCommandLineParser parser;
+    const QStringList valued = {"baud", "fault",         "language",      "style",   "name",
+                                "log",  "display-every", "restart-delay", "records", "kym-records"};
+    for (const QString &name : valued)
+        parser.addOption(QCommandLineOption(name, QString(), QStringLiteral("value")));
+    for (const char *name : {"kym", "no-current", "specifications", "version"})
+        parser.addOption(QCommandLineOption(QString::fromLatin1(name)));
+    parser.addOption(QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")}));
+    if (!parser.parse(args)) {
+        const QStringList unknown = parser.unknownOptionNames();
+        if (!unknown.isEmpty())
+            return Fail(QStringLiteral("unknown option \"--%1\"").arg(unknown.first()));
+        // A value option takes the next word whatever it is: only the last word can lack its value.
+        if (valued.contains(args.last().mid(2)))
+            return Fail(QStringLiteral("%1 needs a value").arg(args.last()));
+        return Fail(parser.errorText());
+    }
+    if (!parser.positionalArguments().isEmpty())
+        return Fail(QStringLiteral("unknown option \"%1\"").arg(parser.positionalArguments().first()));
+    help = parser.isSet(QStringLiteral("help"));
+    version = parser.isSet(QStringLiteral("version"));
+    options.kym = parser.isSet(QStringLiteral("kym"));
+    options.noCurrent = parser.isSet(QStringLiteral("no-current"));
+    options.specifications = parser.isSet(QStringLiteral("specifications"));
+    for (const QString &name : valued) {
+        const QString arg = QStringLiteral("--") + name;
+        for (const QString &value : parser.values(name)) {
+            bool ok = true;
+            if (arg == QLatin1String("--baud")) {
+                options.baud = value.toInt(&ok);
+                if (!ok || options.baud < 0)
+                    return Fail(
+                        QStringLiteral("--baud wants a whole number of 0 or more, not \"%1\"").arg(value));
+            } else if (arg == QLatin1String("--fault")) {
+                QString error;
+                if (!sim::FaultPlan::Parse(value, &error))
+                    return Fail(error);
+                options.faults << value;
+            } else if (arg == QLatin1String("--style")) {
+                const auto style = sim::ParseAnswerStyle(value);
+                if (!style)
+                    return Fail(QStringLiteral("--style wants %1, not \"%2\"")
+                                    .arg(sim::AnswerStyleNames().join(QStringLiteral(" or ")), value));
+                options.style = *style;
+            } else if (arg == QLatin1String("--language")) {
+                options.language = value.toInt(&ok);
+                if (!ok || options.language < 0 || options.language > 99)
+                    return Fail(
+                        QStringLiteral("--language wants a code from 0 to 99, not \"%1\"").arg(value));
+            } else if (arg == QLatin1String("--name")) {
+                options.name = value.toLatin1();
+                if (options.name.isEmpty() || options.name.size() > 8)
+                    return Fail(QStringLiteral("--name wants 1 to 8 characters, not \"%1\"").arg(value));
+            } else if (arg == QLatin1String("--records") || arg == QLatin1String("--kym-records")) {
+                const int count = value.toInt(&ok);
+                if (!ok || count < 0)
+                    return Fail(
+                        QStringLiteral("%1 wants a whole number of 0 or more, not \"%2\"").arg(arg, value));
+                (arg == QLatin1String("--records") ? options.records : options.accessoryRecords) = count;
+            } else if (arg == QLatin1String("--log")) {
+                options.logPath = value;
+            } else if (arg == QLatin1String("--display-every")) {
+                if (!NonNegativeNumber(value, options.displayEvery))
+                    return Fail(QStringLiteral("--display-every wants seconds, not \"%1\"").arg(value));
+            } else if (arg == QLatin1String("--restart-delay")) {
+                if (!NonNegativeNumber(value, options.restartDelay))
+                    return Fail(QStringLiteral("--restart-delay wants seconds, not \"%1\"").arg(value));
+            }
         }
     }
     return true;
@@ -162,11 +168,15 @@ int main(int argc, char *argv[])
     for (int i = 0; i < argc; ++i)
         args << QString::fromLocal8Bit(argv[i]);
     Options options;
-    bool help = false;
-    if (!ParseOptions(args, options, help))
+    bool help = false, version = false;
+    if (!ParseOptions(args, options, help, version))
         return 2;
     if (help) {
         PrintUsage(stdout);
+        return 0;
+    }
+    if (version) {
+        std::printf("kalvo-sim %s\n", KALVO_VERSION);
         return 0;
     }
 

@@ -12,6 +12,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -19,9 +20,13 @@ namespace kalvo::cli {
 
 namespace {
 
-const QString kUsage = QStringLiteral(
-    "import FILE... | list [FILTER] [--json] | show N [--pdf OUT] | export OUT.csv [FILTER] | verify | "
-    "due [--before DATE] | interval [--regulation NAME | --device ID] [MONTHS | default]");
+const QString kIntervalSynopsis = QStringLiteral(
+    "interval [--json] | interval --regulation NAME MONTHS | interval --device ID MONTHS|default");
+const QString kUsage =
+    QStringLiteral(
+        "import FILE... | list [FILTER] [--json] | show N [--pdf OUT] | export OUT.csv [FILTER] | verify | "
+        "due [--before DATE] [--json] | %1")
+        .arg(kIntervalSynopsis);
 const QStringList kFilterOptions = {QStringLiteral("--device"),     QStringLiteral("--type"),
                                     QStringLiteral("--customer"),   QStringLiteral("--text"),
                                     QStringLiteral("--regulation"), QStringLiteral("--since"),
@@ -34,8 +39,7 @@ QDate DateArgument(const QString &word, const QString &what)
     if (!date.isValid())
         date = QDate::fromString(word, QStringLiteral("dd.MM.yyyy"));
     if (!date.isValid())
-        throw UsageError{
-            QStringLiteral("%1 braucht ein Datum wie 2024-03-01 oder 01.03.2024, nicht %2").arg(what, word)};
+        throw Usage(UsageText::NeedsDate, {what, word});
     return date;
 }
 
@@ -89,7 +93,7 @@ constexpr auto kRead = archive::ArchiveAccess::Read;
 int Import(CliContext &context, const QStringList &files)
 {
     if (files.isEmpty())
-        throw UsageError{QStringLiteral("import braucht mindestens eine Protokolldatei")};
+        throw Usage(UsageText::Expected, {QStringLiteral("import FILE...")});
     QTextStream &out = context.out();
     int exitCode = kExitDone;
     for (const QString &file : files) {
@@ -116,7 +120,7 @@ int Import(CliContext &context, const QStringList &files)
 int List(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 1)
-        throw UsageError{QStringLiteral("list nimmt nur Filter")};
+        throw Usage(UsageText::Expected, {QStringLiteral("list [FILTER] [--json]")});
     QTextStream &out = context.out();
     const bool json = w.flags.contains(QStringLiteral("--json"));
     bool first = true;
@@ -141,7 +145,7 @@ int List(CliContext &context, const Words &w)
 int Show(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 2)
-        throw UsageError{QStringLiteral("show braucht die Nummer eines Protokolls im Archiv")};
+        throw Usage(UsageText::Expected, {QStringLiteral("show N [--pdf OUT]")});
     const int id = NumberArgument(w.positional[1], QStringLiteral("N"));
     if (w.options.contains(QStringLiteral("--pdf"))) {
         const QString pdf = w.options.value(QStringLiteral("--pdf"));
@@ -161,7 +165,7 @@ int Show(CliContext &context, const Words &w)
 int Export(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 2)
-        throw UsageError{QStringLiteral("export braucht eine Ausgabedatei")};
+        throw Usage(UsageText::Expected, {QStringLiteral("export OUT.csv [FILTER]")});
     const qint64 count = archive::ExportArchiveCsv(context.archive(kRead), FilterFrom(w), w.positional[1]);
     context.out() << count << " records -> " << QDir::toNativeSeparators(w.positional[1]) << '\n';
     return kExitDone;
@@ -170,7 +174,7 @@ int Export(CliContext &context, const Words &w)
 int Verify(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 1)
-        throw UsageError{QStringLiteral("verify nimmt keine Argumente")};
+        throw Usage(UsageText::Expected, {QStringLiteral("verify")});
     const archive::VerifyResult result = archive::VerifyArchive(context.archive(kRead));
     QTextStream &out = context.out();
     for (const archive::ChangedRecord &changed : result.changed)
@@ -183,14 +187,28 @@ int Verify(CliContext &context, const Words &w)
 int Due(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 1)
-        throw UsageError{QStringLiteral("due nimmt nur --before DATE")};
+        throw Usage(UsageText::Expected, {QStringLiteral("due [--before DATE] [--json]")});
     // Without a date: what is due today or overdue.
     const QDate before =
         w.options.contains(QStringLiteral("--before"))
             ? DateArgument(w.options.value(QStringLiteral("--before")), QStringLiteral("--before"))
             : QDate::currentDate().addDays(1);
     QTextStream &out = context.out();
-    for (const archive::DueDevice &d : archive::DueDevices(context.archive(kRead), before))
+    const QList<archive::DueDevice> due = archive::DueDevices(context.archive(kRead), before);
+    if (w.flags.contains(QStringLiteral("--json"))) {
+        QJsonArray list;
+        for (const archive::DueDevice &d : due)
+            list.append(QJsonObject{{QStringLiteral("nextTest"), Day(d.nextTest)},
+                                    {QStringLiteral("deviceId"), d.deviceId},
+                                    {QStringLiteral("deviceType"), d.deviceType},
+                                    {QStringLiteral("regulation"), d.regulation},
+                                    {QStringLiteral("lastTest"), Moment(d.lastTest)},
+                                    {QStringLiteral("intervalMonths"), d.intervalMonths},
+                                    {QStringLiteral("lastRecordId"), d.lastRecordId}});
+        context.PrintJson(list);
+        return kExitDone;
+    }
+    for (const archive::DueDevice &d : due)
         out << Day(d.nextTest) << '\t' << d.deviceId << '\t' << d.deviceType << '\t' << d.regulation << '\t'
             << QStringLiteral("zuletzt ") << Moment(d.lastTest) << '\t' << d.intervalMonths << " Monate\t Nr "
             << d.lastRecordId << '\n';
@@ -204,23 +222,35 @@ int Interval(CliContext &context, const Words &w)
     const QString device = w.options.value(QStringLiteral("--device"));
     if (w.positional.size() == 1 && w.options.isEmpty()) {
         const archive::RetestIntervals intervals = archive::LoadIntervals(archive);
+        if (w.flags.contains(QStringLiteral("--json"))) {
+            QJsonArray list;
+            for (const auto &[name, months] : archive::DefaultRegulationIntervals())
+                list.append(
+                    QJsonObject{{QStringLiteral("months"), intervals.byRegulation.value(name, months)},
+                                {QStringLiteral("regulation"), name}});
+            for (auto it = intervals.byDevice.cbegin(); it != intervals.byDevice.cend(); ++it)
+                list.append(QJsonObject{{QStringLiteral("months"), it.value()},
+                                        {QStringLiteral("device"), it.key()}});
+            context.PrintJson(list);
+            return kExitDone;
+        }
         for (const auto &[name, months] : archive::DefaultRegulationIntervals())
             context.out() << intervals.byRegulation.value(name, months) << " Monate\t" << name << '\n';
         for (auto it = intervals.byDevice.cbegin(); it != intervals.byDevice.cend(); ++it)
             context.out() << it.value() << " Monate\tGerät " << it.key() << '\n';
         return kExitDone;
     }
-    if (w.positional.size() != 2 || regulation.isEmpty() == device.isEmpty())
-        throw UsageError{QStringLiteral("interval --regulation NAME MONATE oder --device ID MONATE|default")};
+    if (w.positional.size() != 2 || regulation.isEmpty() == device.isEmpty() || !w.flags.isEmpty())
+        throw Usage(UsageText::Expected, {kIntervalSynopsis});
     const QString value = w.positional[1];
     if (!device.isEmpty()) {
         archive::SetDeviceInterval(archive, device,
                                    value == QLatin1String("default")
                                        ? std::nullopt
-                                       : std::optional<int>(NumberArgument(value, QStringLiteral("MONATE"))));
+                                       : std::optional<int>(NumberArgument(value, QStringLiteral("MONTHS"))));
         return kExitDone;
     }
-    archive::SetRegulationInterval(archive, regulation, NumberArgument(value, QStringLiteral("MONATE")));
+    archive::SetRegulationInterval(archive, regulation, NumberArgument(value, QStringLiteral("MONTHS")));
     return kExitDone;
 }
 
@@ -241,11 +271,12 @@ int Archive(CliContext &context, const QStringList &words)
     if (action == QLatin1String("verify"))
         return Verify(context, SplitWords(words, {}));
     if (action == QLatin1String("due"))
-        return Due(context, SplitWords(words, {QStringLiteral("--before")}));
+        return Due(context, SplitWords(words, {QStringLiteral("--before")}, {QStringLiteral("--json")}));
     if (action == QLatin1String("interval"))
         return Interval(context,
-                        SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--device")}));
-    throw UsageError{kUsage};
+                        SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--device")},
+                                   {QStringLiteral("--json")}));
+    throw Usage(UsageText::Expected, {kUsage});
 }
 
 } // namespace

@@ -12,6 +12,9 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <cstdio>
 
 namespace kalvo::cli {
@@ -45,6 +48,8 @@ CliContext::CliContext(const CliOptions &options)
 
 void CliContext::UseLanguage(const QString &language)
 {
+    if (link::FindLanguage(language))
+        m_language = language;
     QString error;
     try {
         const QString file = QDir(QCoreApplication::applicationDirPath()).filePath(link::kLanguageFileName);
@@ -63,6 +68,13 @@ void CliContext::TesterIdentified(const link::TesterIdentity &identity)
     // for on the command line stays, since a script that reads the messages relies on it.
     if (m_options.language.isEmpty() && identity.language.name != m_texts.language())
         UseLanguage(identity.language.name);
+}
+
+void CliContext::PrintJson(const QJsonValue &value)
+{
+    const QJsonDocument document =
+        value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject());
+    m_out << document.toJson(QJsonDocument::Indented);
 }
 
 CliContext::~CliContext()

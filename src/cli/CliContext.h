@@ -10,6 +10,7 @@
 #include "link/Link.h"
 #include "link/Transport.h"
 
+#include <QJsonValue>
 #include <QTextStream>
 #include <memory>
 
@@ -28,8 +29,13 @@ public:
     CliPrompter &prompter() { return m_prompter; }
     link::Link &link() { return *m_link; }
     QTextStream &out() { return m_out; }
+    // One JSON document on stdout, for `--json`.
+    void PrintJson(const QJsonValue &value);
     // The program's texts: --lang, else line 2 of Q417.ini, else German.
     const link::LanguageTable &texts() const { return m_texts; }
+    // The name of the program's language, as the language switch takes it; usage errors speak it
+    // even when the language file could not be read.
+    const QString &language() const { return m_language; }
     // After an identification: the tester's display language becomes the program's, unless --lang
     // chose one.
     void TesterIdentified(const link::TesterIdentity &identity);
@@ -55,6 +61,7 @@ private:
     CliPrompter m_prompter;
     QTextStream m_out;
     link::LanguageTable m_texts;
+    QString m_language = QStringLiteral("deutsch");
     std::unique_ptr<link::Transport> m_transport;
     std::unique_ptr<link::Link> m_link;
     struct Simulator;

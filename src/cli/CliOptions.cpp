@@ -1,63 +1,91 @@
 // The global options of kalvo-cli and the command words behind them.
 #include "CliOptions.h"
 
+#include "CliWords.h"
+
+#include <QCommandLineParser>
+
 namespace kalvo::cli {
 
-std::optional<CliOptions> ParseCliOptions(const QStringList &arguments, QString &error)
+namespace {
+
+struct GlobalOption {
+    const char *name;
+    const char *valueName; // nullptr: a switch
+    const char *description;
+};
+
+constexpr GlobalOption kGlobalOptions[] = {
+    {"port", "NAME", "the serial port (default: line 0 of Q417.ini, else \"COM 1\")"},
+    {"simulate", nullptr, "talk to the virtual tester in this process instead of a port"},
+    {"timeout", "SECONDS", "how long to wait for an answer (default 40)"},
+    {"yes", nullptr, "answer OK to every question"},
+    {"trace", "FILE", "write the development trace of received bytes to FILE"},
+    {"lang", "NAME",
+     "the program's language: deutsch, englisch, französisch, italienisch, tschechisch, "
+     "nederlandske, spain"},
+    {"archive", "URL", "the record archive (default: as the user settings say)"},
+    {"no-archive", nullptr, "keep the records read out of the archive"},
+};
+
+} // namespace
+
+CliOptions ParseCliOptions(const QStringList &arguments)
 {
+    QCommandLineParser parser;
+    // The first word that is no option is the command; what follows belongs to it.
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    QStringList valueOptions, flagOptions{QStringLiteral("--version")};
+    for (const GlobalOption &option : kGlobalOptions)
+        (option.valueName ? valueOptions : flagOptions) << QStringLiteral("--") + QLatin1String(option.name);
+    const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    parser.addOption(help);
+    AddOptions(parser, valueOptions, flagOptions);
+
     CliOptions options;
-    const std::pair<const char *, QString *> textOptions[] = {{"--port", &options.port},
-                                                              {"--trace", &options.traceFile},
-                                                              {"--lang", &options.language},
-                                                              {"--archive", &options.archiveUrl}};
-    QString timeout;
-    qsizetype i = 0;
-    for (; i < arguments.size() && arguments[i].startsWith(QLatin1String("--")); ++i) {
-        const QString &arg = arguments[i];
-        if (arg == QLatin1String("--simulate")) {
-            options.simulate = true;
-            continue;
-        }
-        if (arg == QLatin1String("--no-archive")) {
-            options.noArchive = true;
-            continue;
-        }
-        if (arg == QLatin1String("--yes")) {
-            options.yes = true;
-            continue;
-        }
-        if (arg == QLatin1String("--help")) {
-            options.words = {QStringLiteral("help")};
-            return options;
-        }
-        QString *target = arg == QLatin1String("--timeout") ? &timeout : nullptr;
-        for (const auto &[name, field] : textOptions)
-            if (arg == QLatin1String(name))
-                target = field;
-        if (!target) {
-            error = QStringLiteral("unbekannte Option %1").arg(arg);
-            return std::nullopt;
-        }
-        if (++i >= arguments.size()) {
-            error = QStringLiteral("%1 braucht einen Wert").arg(arg);
-            return std::nullopt;
-        }
-        *target = arguments[i];
+    const bool parsed = parser.parse(QStringList{QStringLiteral("kalvo-cli")} + arguments);
+    options.port = parser.value(QStringLiteral("port"));
+    options.simulate = parser.isSet(QStringLiteral("simulate"));
+    options.yes = parser.isSet(QStringLiteral("yes"));
+    options.traceFile = parser.value(QStringLiteral("trace"));
+    options.language = parser.value(QStringLiteral("lang"));
+    options.archiveUrl = parser.value(QStringLiteral("archive"));
+    options.noArchive = parser.isSet(QStringLiteral("no-archive"));
+    options.help = parser.isSet(help);
+    options.version = parser.isSet(QStringLiteral("version"));
+    options.words = parser.positionalArguments();
+    if (!parsed) {
+        options.error = ParserError(parser, arguments, valueOptions);
+        return options;
     }
-    if (!timeout.isNull()) {
+    if (options.help || options.version)
+        return options;
+    if (parser.isSet(QStringLiteral("timeout"))) {
         bool ok = false;
-        options.timeoutSeconds = timeout.toDouble(&ok);
-        if (!ok || !(options.timeoutSeconds > 0)) { // "nan" is no number of seconds
-            error = QStringLiteral("--timeout braucht eine Zahl von Sekunden größer 0");
-            return std::nullopt;
-        }
+        options.timeoutSeconds = parser.value(QStringLiteral("timeout")).toDouble(&ok);
+        if (!ok || !(options.timeoutSeconds > 0)) // "nan" is no number of seconds
+            options.error = Usage(UsageText::TimeoutSeconds);
     }
-    options.words = arguments.mid(i);
-    if (options.words.isEmpty()) {
-        error = QStringLiteral("kein Befehl angegeben");
-        return std::nullopt;
-    }
+    if (options.words.isEmpty())
+        options.error = Usage(UsageText::NoCommand);
     return options;
+}
+
+QString GlobalOptionsHelp()
+{
+    QString text = QStringLiteral("global options (before the command):\n");
+    for (const GlobalOption &option : kGlobalOptions) {
+        QString name = QStringLiteral("--") + QLatin1String(option.name);
+        if (option.valueName)
+            name += QLatin1Char(' ') + QLatin1String(option.valueName);
+        text += QStringLiteral("  %1 %2\n").arg(name, -18).arg(QString::fromUtf8(option.description));
+    }
+    text +=
+        QStringLiteral("  %1 %2\n").arg(QStringLiteral("-h, --help"), -18).arg(QStringLiteral("this text"));
+    text += QStringLiteral("  %1 %2\n")
+                .arg(QStringLiteral("--version"), -18)
+                .arg(QStringLiteral("the version of kalvo-cli"));
+    return text;
 }
 
 } // namespace kalvo::cli

@@ -1,6 +1,7 @@
 // kalvo-cli vars, limits, cal and modem: the tester's configuration, limits, calibration, modem.
 #include "CliCommand.h"
 #include "CliContext.h"
+#include "CliWords.h"
 
 #include "config/Calibration.h"
 #include "config/CalibrationDiff.h"
@@ -14,11 +15,16 @@
 
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonObject>
 #include <QRegularExpression>
 
 namespace kalvo::cli {
 
 namespace {
+
+const QString kVarsSynopsis =
+    QStringLiteral("list [--json] | read NAME|ADDRESS [--json] | dump [--json] | store");
 
 // Forwards to the command line's prompter but answers a store question with OK when asked to
 // store (--store) — unless the tester refused something: then the command line's prompter answers
@@ -54,24 +60,34 @@ bool TakeStore(QStringList &words)
     return words.removeAll(QStringLiteral("--store")) > 0;
 }
 
-int Vars(CliContext &context, const QStringList &words)
+int Vars(CliContext &context, const QStringList &arguments)
 {
+    const Words w = SplitWords(arguments, {}, {QStringLiteral("--json")});
+    const QStringList &words = w.positional;
+    const bool json = w.flags.contains(QStringLiteral("--json"));
     const QString action = words.value(0);
     QTextStream &out = context.out();
-    if (action == QLatin1String("store") && words.size() == 1) {
+    if (action == QLatin1String("store") && words.size() == 1 && !json) {
         context.OpenPort();
         return config::StoreConfiguration(context.link(), context.prompter()) ? kExitDone : kExitFailed;
     }
-    if ((action == QLatin1String("list") || action == QLatin1String("dump")) && words.size() == 1) {
+    if (action == QLatin1String("list") && words.size() == 1) {
         const config::VariableFile file = config::VariableFile::Load(config::VariableFile::Locate());
-        if (action == QLatin1String("list")) {
+        if (json)
+            context.PrintJson(QJsonArray::fromStringList(file.entries()));
+        else
             for (const QString &entry : file.entries())
                 out << entry << '\n';
-            return kExitDone;
-        }
+        return kExitDone;
+    }
+    if (action == QLatin1String("dump") && words.size() == 1) {
+        const config::VariableFile file = config::VariableFile::Load(config::VariableFile::Locate());
         context.OpenPort();
-        out << config::DumpConfiguration(context.link(), file.blockEntries()).lines.join(QLatin1Char('\n'))
-            << '\n';
+        const QStringList lines = config::DumpConfiguration(context.link(), file.blockEntries()).lines;
+        if (json)
+            context.PrintJson(QJsonArray::fromStringList(lines));
+        else
+            out << lines.join(QLatin1Char('\n')) << '\n';
         return kExitDone;
     }
     if (action == QLatin1String("read") && words.size() == 2) {
@@ -83,23 +99,31 @@ int Vars(CliContext &context, const QStringList &words)
         if (entry.isEmpty()) {
             static const QRegularExpression address(QStringLiteral("^[0-9A-Fa-f]{2}$"));
             if (!address.match(words[1]).hasMatch())
-                throw UsageError{QStringLiteral("%1 steht nicht in variable.mas").arg(words[1])};
+                throw Usage(UsageText::NotInVariableFile, {words[1]});
             entry = QStringLiteral("V#") + words[1].toUpper();
         }
         context.OpenPort();
         const config::VariableReading reading = config::ReadVariable(context.link(), entry);
+        if (json) {
+            context.PrintJson(QJsonObject{{QStringLiteral("entry"), entry},
+                                          {QStringLiteral("command"), QString::fromLatin1(reading.command)},
+                                          {QStringLiteral("value"), QString::fromLatin1(reading.value)},
+                                          {QStringLiteral("binary"), reading.binary},
+                                          {QStringLiteral("number"), reading.number}});
+            return kExitDone;
+        }
         out << entry << ' ' << reading.command << ": " << reading.value << ' ' << reading.binary << " ("
             << reading.number << ")\n";
         return kExitDone;
     }
-    throw UsageError{QStringLiteral("list | read NAME|ADDRESS | dump | store")};
+    throw Usage(UsageText::Expected, {kVarsSynopsis});
 }
 
 config::LimitKind LimitArgument(const QString &word)
 {
     const auto kind = config::LimitKindFromName(word);
     if (!kind)
-        throw UsageError{QStringLiteral("kuschl, ubez oder pzhv, nicht %1").arg(word)};
+        throw Usage(UsageText::NoneOf, {word, QStringLiteral("kuschl, ubez, pzhv")});
     return *kind;
 }
 
@@ -121,11 +145,8 @@ int Limits(CliContext &context, QStringList words)
         const int value = words[2].toInt(&ok);
         const config::LimitInfo &info = config::Limit(kind);
         if (!ok || !config::InRange(kind, value))
-            throw UsageError{QStringLiteral("%1 muss zwischen %2 und %3 liegen, nicht %4")
-                                 .arg(words[1])
-                                 .arg(info.minimum)
-                                 .arg(info.maximum)
-                                 .arg(words[2])};
+            throw Usage(UsageText::Between,
+                        {words[1], QString::number(info.minimum), QString::number(info.maximum), words[2]});
         context.OpenPort();
         // A refused limit is not stored: WriteLimit said so and the store is not sent.
         if (!config::WriteLimit(context.link(), context.prompter(), kind, value))
@@ -134,16 +155,34 @@ int Limits(CliContext &context, QStringList words)
             return kExitFailed;
         return kExitDone;
     }
-    throw UsageError{QStringLiteral("get kuschl|ubez|pzhv | set kuschl|ubez|pzhv VALUE [--store]")};
+    throw Usage(UsageText::Expected,
+                {QStringLiteral("get kuschl|ubez|pzhv | set kuschl|ubez|pzhv VALUE [--store]")});
+}
+
+QJsonValue JsonNumber(const std::optional<double> &value)
+{
+    return value ? QJsonValue(*value) : QJsonValue();
+}
+
+QJsonObject Json(const config::CalibrationDifference &d)
+{
+    return {{QStringLiteral("entry"), d.entry},
+            {QStringLiteral("before"),
+             QJsonArray{QString::fromLatin1(d.before[0]), QString::fromLatin1(d.before[1])}},
+            {QStringLiteral("after"),
+             QJsonArray{QString::fromLatin1(d.after[0]), QString::fromLatin1(d.after[1])}},
+            {QStringLiteral("percent"), QJsonArray{JsonNumber(d.percent[0]), JsonNumber(d.percent[1])}},
+            {QStringLiteral("text"), config::DescribeDifference(d)}};
 }
 
 int Cal(CliContext &context, QStringList words)
 {
     const bool store = TakeStore(words);
+    const bool json = words.removeAll(QStringLiteral("--json")) > 0;
     const QString action = words.value(0);
     QTextStream &out = context.out();
     const auto show = [&out](const QString &line) { out << line << Qt::endl; };
-    if (action == QLatin1String("backup") && words.size() <= 2 && !store) {
+    if (action == QLatin1String("backup") && words.size() <= 2 && !store && !json) {
         context.OpenPort();
         QString path = words.value(1);
         if (path.isEmpty()) {
@@ -156,7 +195,7 @@ int Cal(CliContext &context, QStringList words)
         out << "51 entries -> " << QDir::toNativeSeparators(path) << '\n';
         return kExitDone;
     }
-    if (action == QLatin1String("restore") && words.size() == 2) {
+    if (action == QLatin1String("restore") && words.size() == 2 && !json) {
         // Read before anything is sent: a bad file ends the command with the tester untouched.
         config::ReadCalibrationFile(words[1], config::RestoreSource::MainForm);
         context.OpenPort();
@@ -169,27 +208,32 @@ int Cal(CliContext &context, QStringList words)
     }
     if (action == QLatin1String("diff") && words.size() == 3 && !store) {
         const auto differences = config::DiffCalibration(words[1], words[2]);
+        if (json) {
+            QJsonArray list;
+            for (const auto &d : differences)
+                list.append(Json(d));
+            context.PrintJson(list);
+            return kExitDone;
+        }
         for (const auto &d : differences)
             out << config::DescribeDifference(d) << '\n';
         if (differences.isEmpty())
             out << "no differences\n";
         return kExitDone;
     }
-    throw UsageError{QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal")};
+    throw Usage(UsageText::Expected,
+                {QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal [--json]")});
 }
 
-int Modem(CliContext &context, QStringList words)
+int Modem(CliContext &context, const QStringList &words)
 {
-    const bool store = TakeStore(words);
-    if (words.value(0) != QLatin1String("set"))
-        throw UsageError{QStringLiteral("set [--tel1 T] [--tel2 T] [--init S] [--store]")};
-    QMap<QString, QString> given;
-    for (qsizetype i = 1; i < words.size(); i += 2) {
-        const QString &option = words[i];
-        if (!QStringList{"--tel1", "--tel2", "--init"}.contains(option) || i + 1 >= words.size())
-            throw UsageError{QStringLiteral("unbekanntes Argument %1").arg(option)};
-        given.insert(option, words[i + 1]);
-    }
+    const Words w =
+        SplitWords(words, {QStringLiteral("--tel1"), QStringLiteral("--tel2"), QStringLiteral("--init")},
+                   {QStringLiteral("--store")});
+    if (w.positional != QStringList{QStringLiteral("set")})
+        throw Usage(UsageText::Expected, {QStringLiteral("set [--tel1 T] [--tel2 T] [--init S] [--store]")});
+    const bool store = w.flags.contains(QStringLiteral("--store"));
+    const QMap<QString, QString> &given = w.options;
     context.OpenPort();
     // As the modem window does: all five registers are written, and what is not given is empty
     // (the tester has no command that reads them back).
@@ -209,7 +253,7 @@ int Modem(CliContext &context, QStringList words)
 QList<CliCommand> ConfigCommands()
 {
     return {
-        {QStringLiteral("vars"), QStringLiteral("list | read NAME|ADDRESS | dump | store"),
+        {QStringLiteral("vars"), kVarsSynopsis,
          QStringLiteral("the names of variable.mas, one variable or bit, the configuration block D0..FF, "
                         "store the configuration (cfg!pgm)"),
          Vars},
@@ -217,7 +261,8 @@ QList<CliCommand> ConfigCommands()
          QStringLiteral("get kuschl|ubez|pzhv | set kuschl|ubez|pzhv VALUE [--store]"),
          QStringLiteral("read or write a limit (15..95 mA, 90..300 V, 1..60 s); --store keeps it (cfg!pgm)"),
          Limits},
-        {QStringLiteral("cal"), QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal"),
+        {QStringLiteral("cal"),
+         QStringLiteral("backup [FILE] | restore FILE [--store] | diff A.cal B.cal [--json]"),
          QStringLiteral("save the calibration table (default: the tester's name + .cal), write one back "
                         "(stored with --store or --yes), compare two backups"),
          Cal},

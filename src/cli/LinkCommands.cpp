@@ -1,6 +1,7 @@
 // kalvo-cli identify and send: connecting, identifying and talking to the tester directly.
 #include "CliCommand.h"
 #include "CliContext.h"
+#include "CliWords.h"
 
 #include "link/Identification.h"
 #include "link/TextRules.h"
@@ -21,13 +22,11 @@ QString DateText(const std::optional<QDateTime> &date)
 
 int Identify(CliContext &context, const QStringList &words)
 {
-    QString updateDir = QCoreApplication::applicationDirPath();
-    for (qsizetype i = 0; i < words.size(); ++i) {
-        if (words[i] == QLatin1String("--update-dir") && i + 1 < words.size())
-            updateDir = words[++i];
-        else
-            throw UsageError{QStringLiteral("unbekanntes Argument %1").arg(words[i])};
-    }
+    const Words w = SplitWords(words, {QStringLiteral("--update-dir")});
+    if (!w.positional.isEmpty())
+        throw Usage(UsageText::UnknownArgument, {w.positional.first()});
+    const QString updateDir =
+        w.options.value(QStringLiteral("--update-dir"), QCoreApplication::applicationDirPath());
     link::Link &link = context.link();
     const link::ConnectionState state = link::ConnectTester(link, context.portName());
     const link::TesterIdentity id = link::IdentifyTester(link, {updateDir, link::SystemDateOrder()});
@@ -65,7 +64,7 @@ int Identify(CliContext &context, const QStringList &words)
 int Send(CliContext &context, const QStringList &words)
 {
     if (words.isEmpty())
-        throw UsageError{QStringLiteral("mindestens ein Befehl")};
+        throw Usage(UsageText::Expected, {QStringLiteral("CMD...")});
     link::Link &link = context.link();
     context.OpenPort();
     for (const QString &command : words) {

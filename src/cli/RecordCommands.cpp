@@ -14,10 +14,17 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonObject>
 
 namespace kalvo::cli {
 
 namespace {
+
+const QString kRecordsSynopsis =
+    QStringLiteral("count | list [--json] | read-all FILE | current FILE | show N [--template 0-4]");
+const QString kReportSynopsis = QStringLiteral("FILE [--record N] [--pdf OUT]");
+const QString kCsvSynopsis = QStringLiteral("FILE OUT [--header ueber.csv]");
 
 int ExitFor(records::RetrievalStatus status)
 {
@@ -57,9 +64,11 @@ int ReadAll(CliContext &context, const QString &file)
 
 int Records(CliContext &context, const QStringList &words)
 {
-    const Words w = SplitWords(words, {QStringLiteral("--template")});
+    const Words w = SplitWords(words, {QStringLiteral("--template")}, {QStringLiteral("--json")});
     const QString action = w.positional.value(0);
     QTextStream &out = context.out();
+    if (!w.flags.isEmpty() && action != QLatin1String("list"))
+        throw Usage(UsageText::UnknownArgument, {w.flags.first()});
     if (action == QLatin1String("count") && w.positional.size() == 1 && w.options.isEmpty()) {
         context.OpenPort();
         const std::optional<int> count = records::CountRecords(context.link());
@@ -73,8 +82,17 @@ int Records(CliContext &context, const QStringList &words)
         const auto result =
             records::ListStoreRecords(context.link(), context.prompter(),
                                       link::PlaceFileAndSay(context.prompter(), {}, records::kProtoFileName));
-        for (const QString &entry : std::as_const(result.listing.records))
-            out << entry << '\n';
+        if (w.flags.isEmpty()) {
+            for (const QString &entry : std::as_const(result.listing.records))
+                out << entry << '\n';
+        } else if (result.status == records::RetrievalStatus::Done ||
+                   result.status == records::RetrievalStatus::NoRecords) { // an empty store: []
+            QJsonArray list;
+            for (qsizetype i = 0; i < result.listing.records.size(); ++i)
+                list.append(QJsonObject{{QStringLiteral("number"), result.listing.numbers.value(i)},
+                                        {QStringLiteral("entry"), result.listing.records[i]}});
+            context.PrintJson(list);
+        }
         return ExitFor(result.status);
     }
     if (action == QLatin1String("read-all") && w.positional.size() == 2 && w.options.isEmpty())
@@ -88,23 +106,26 @@ int Records(CliContext &context, const QStringList &words)
     if (action == QLatin1String("show") && w.positional.size() == 2) {
         const int record = NumberArgument(w.positional[1], QStringLiteral("N"));
         if (record < 1 || record > records::kMaxRecords)
-            throw UsageError{QStringLiteral("N muss zwischen 1 und %1 liegen").arg(records::kMaxRecords)};
+            throw Usage(UsageText::Between, {QStringLiteral("N"), QStringLiteral("1"),
+                                             QString::number(records::kMaxRecords), w.positional[1]});
         const int templateNumber =
             NumberArgument(w.options.value(QStringLiteral("--template"), "1"), QStringLiteral("--template"));
         if (templateNumber < records::kLowestTemplate || templateNumber > records::kHighestTemplate)
-            throw UsageError{QStringLiteral("--template muss zwischen 0 und 4 liegen")};
+            throw Usage(UsageText::Between,
+                        {QStringLiteral("--template"), QString::number(records::kLowestTemplate),
+                         QString::number(records::kHighestTemplate), QString::number(templateNumber)});
         context.OpenPort();
         out << records::RenderStoredRecord(context.link(), templateNumber, record);
         return kExitDone;
     }
-    throw UsageError{QStringLiteral("count | list | read-all FILE | current FILE | show N [--template 0-4]")};
+    throw Usage(UsageText::Expected, {kRecordsSynopsis});
 }
 
 int Report(CliContext &context, const QStringList &words)
 {
     const Words w = SplitWords(words, {QStringLiteral("--record"), QStringLiteral("--pdf")});
     if (w.positional.size() != 1)
-        throw UsageError{QStringLiteral("genau eine Protokolldatei")};
+        throw Usage(UsageText::Expected, {kReportSynopsis});
     const QList<QByteArray> all = records::LoadRecordFile(w.positional[0]);
     int exitCode = ArchiveLoadedFile(context, all, w.positional[0]) ? kExitDone : kExitFailed;
     QList<QByteArray> chosen = all;
@@ -112,7 +133,8 @@ int Report(CliContext &context, const QStringList &words)
         const int number =
             NumberArgument(w.options.value(QStringLiteral("--record")), QStringLiteral("--record"));
         if (number < 1 || number > all.size())
-            throw UsageError{QStringLiteral("--record muss zwischen 1 und %1 liegen").arg(all.size())};
+            throw Usage(UsageText::Between, {QStringLiteral("--record"), QStringLiteral("1"),
+                                             QString::number(all.size()), QString::number(number)});
         chosen = {all[number - 1]};
     }
     QTextStream &out = context.out();
@@ -150,7 +172,7 @@ int Report(CliContext &context, const QStringList &words)
 int Kym(CliContext &context, const QStringList &words)
 {
     if (words.size() != 2 || words[0] != QLatin1String("read"))
-        throw UsageError{QStringLiteral("read FILE")};
+        throw Usage(UsageText::Expected, {QStringLiteral("read FILE")});
     context.prompter().PresetFile(words[1]);
     const QString logTmp = link::PlaceFileAndSay(context.prompter(), QCoreApplication::applicationDirPath(),
                                                  records::kLogTmpFileName);
@@ -173,7 +195,7 @@ int Csv(CliContext &context, const QStringList &words)
 {
     const Words w = SplitWords(words, {QStringLiteral("--header")});
     if (w.positional.size() != 2)
-        throw UsageError{QStringLiteral("eine Protokolldatei und eine Ausgabedatei")};
+        throw Usage(UsageText::Expected, {kCsvSynopsis});
     // Every record of the file goes into the export, not only the first twelve the old table held.
     const QList<QByteArray> entries = records::LoadRecordFile(w.positional[0]);
     const bool archived = ArchiveLoadedFile(context, entries, w.positional[0]);
@@ -187,19 +209,18 @@ int Csv(CliContext &context, const QStringList &words)
 QList<CliCommand> RecordCommands()
 {
     return {
-        {QStringLiteral("records"),
-         QStringLiteral("count | list | read-all FILE | current FILE | show N [--template 0-4]"),
+        {QStringLiteral("records"), kRecordsSynopsis,
          QStringLiteral(
              "the tester's test records: how many, the store listing, all or the current one into a "
              "record file, one as the tester prints it (template 1 by default)"),
          Records},
-        {QStringLiteral("report"), QStringLiteral("FILE [--record N] [--pdf OUT]"),
+        {QStringLiteral("report"), kReportSynopsis,
          QStringLiteral(
              "the test report of each record of a record file (or of record N), form feed between"),
          Report},
         {QStringLiteral("kym"), QStringLiteral("read FILE"),
          QStringLiteral("read every record of the KYM accessory into log.tmp and FILE"), Kym},
-        {QStringLiteral("csv"), QStringLiteral("FILE OUT [--header ueber.csv]"),
+        {QStringLiteral("csv"), kCsvSynopsis,
          QStringLiteral("export every record of a record file as semicolon-separated Windows text"), Csv},
     };
 }

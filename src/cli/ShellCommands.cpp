@@ -1,6 +1,7 @@
 // kalvo-cli clock, name and script: the tester's clock and name, and command scripts.
 #include "CliCommand.h"
 #include "CliContext.h"
+#include "CliWords.h"
 
 #include "link/TextRules.h"
 #include "link/UserFiles.h"
@@ -16,7 +17,7 @@ namespace {
 int Clock(CliContext &context, const QStringList &words)
 {
     if (words.size() > 1)
-        throw UsageError{QStringLiteral("höchstens ein Text")};
+        throw Usage(UsageText::Expected, {QStringLiteral("[TEXT]")});
     if (!words.isEmpty())
         context.prompter().PresetText(words.first());
     context.OpenPort();
@@ -32,7 +33,7 @@ int Clock(CliContext &context, const QStringList &words)
 int Name(CliContext &context, const QStringList &words)
 {
     if (words.size() != 1)
-        throw UsageError{QStringLiteral("genau ein Name")};
+        throw Usage(UsageText::Expected, {QStringLiteral("NAME")});
     context.OpenPort();
     QTextStream &out = context.out();
     // The window's sequence: identify, then name; the name shown last is the one the tester holds.
@@ -50,17 +51,13 @@ int Name(CliContext &context, const QStringList &words)
 
 int Script(CliContext &context, const QStringList &words)
 {
-    QString script, result = shell::kScriptResultFileName;
-    for (qsizetype i = 0; i < words.size(); ++i) {
-        if (words[i] == QLatin1String("--out") && i + 1 < words.size())
-            result = words[++i];
-        else if (script.isEmpty() && !words[i].startsWith(QLatin1String("--")))
-            script = words[i];
-        else
-            throw UsageError{QStringLiteral("unbekanntes Argument %1").arg(words[i])};
-    }
-    if (script.isEmpty())
-        throw UsageError{QStringLiteral("die Ablaufdatei fehlt")};
+    const Words w = SplitWords(words, {QStringLiteral("--out")});
+    if (w.positional.size() > 1)
+        throw Usage(UsageText::UnknownArgument, {w.positional[1]});
+    if (w.positional.isEmpty())
+        throw Usage(UsageText::Expected, {QStringLiteral("FILE.abl [--out FILE]")});
+    const QString script = w.positional.first();
+    QString result = w.options.value(QStringLiteral("--out"), shell::kScriptResultFileName);
     context.OpenPort();
     if (result == shell::kScriptResultFileName) // the current folder's, unless that is read-only
         result = link::PlaceFileAndSay(context.prompter(), {}, result);

@@ -18,10 +18,18 @@
 #include "link/UserFiles.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonObject>
 
 namespace kalvo::cli {
 
 namespace {
+
+const QString kDefaultsSynopsis =
+    QStringLiteral("defaults --regulation NAME [--class 05|06|07] [--type 00-03] [--switch CODE] [--json]");
+const QString kAddSynopsis =
+    QStringLiteral("add NAME --regulation NAME [--class 05|06|07] [--type 00-03] [--parts N] "
+                   "[--sfc N,PE,AWT] [--switch CODE] [--limit N=TEXT]...");
 
 // The regulations' default limits and the looser-limit check: the generator of the default limits
 // is handed in here.
@@ -29,28 +37,6 @@ const specdb::RegulationRules &Rules()
 {
     static const specdb::RegulationRules rules{specdb::ApplyDefaults, specdb::LooserLimits};
     return rules;
-}
-
-// "--limit N=TEXT" may come again and again; "--all" has no value. Both are taken out of `words`.
-QStringList TakeRepeated(QStringList &words, const QString &option)
-{
-    QStringList values;
-    for (qsizetype i = 0; i < words.size();) {
-        if (words[i] != option) {
-            ++i;
-            continue;
-        }
-        if (i + 1 >= words.size())
-            throw UsageError{QStringLiteral("%1 braucht einen Wert").arg(option)};
-        values << words[i + 1];
-        words.remove(i, 2);
-    }
-    return values;
-}
-
-bool TakeFlag(QStringList &words, const QString &flag)
-{
-    return words.removeAll(flag) > 0;
 }
 
 QString Squeezed(const QString &text)
@@ -65,8 +51,9 @@ int RegulationArgument(const QString &word)
         if (Squeezed(list[i]) == Squeezed(word))
             return static_cast<int>(i);
     }
-    throw UsageError{QStringLiteral("--regulation muss eine von \"%1\" sein, nicht \"%2\"")
-                         .arg(list.join(QStringLiteral("\", \"")), word)};
+    throw Usage(UsageText::OneOf, {QStringLiteral("--regulation"),
+                                   QStringLiteral("\"%1\"").arg(list.join(QStringLiteral("\", \""))),
+                                   QStringLiteral("\"%1\"").arg(word)});
 }
 
 int EntryArgument(const QString &word, const QString &option, const QStringList &codes,
@@ -74,8 +61,7 @@ int EntryArgument(const QString &word, const QString &option, const QStringList 
 {
     const qsizetype at = codes.indexOf(word);
     if (at < 0)
-        throw UsageError{QStringLiteral("%1 muss einer von %2 sein, nicht %3")
-                             .arg(option, codes.join(QLatin1Char('|')), word)};
+        throw Usage(UsageText::OneOf, {option, codes.join(QLatin1Char('|')), word});
     return entries[at];
 }
 
@@ -86,7 +72,7 @@ std::array<bool, 4> SingleFaultArgument(const QString &word)
     for (const QString &name : word.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         const qsizetype at = names.indexOf(name.trimmed().toUpper());
         if (at < 0)
-            throw UsageError{QStringLiteral("--sfc nimmt N, PE und AWT, nicht %1").arg(name)};
+            throw Usage(UsageText::NoneOf, {name, QStringLiteral("N, PE, AWT")});
         boxes[static_cast<size_t>(at + 1)] = true;
     }
     return boxes;
@@ -98,7 +84,8 @@ void ApplyLimit(specdb::SpecEditor &editor, const QString &word)
     bool ok = false;
     const int box = word.left(equals).toInt(&ok);
     if (equals < 0 || !ok || box < 1 || box > specdb::kLimitBoxes)
-        throw UsageError{QStringLiteral("--limit will N=TEXT mit N von 1 bis 22, nicht %1").arg(word)};
+        throw Usage(UsageText::Between, {QStringLiteral("--limit N=TEXT: N"), QStringLiteral("1"),
+                                         QString::number(specdb::kLimitBoxes), word});
     editor.SetLimit(box, specdb::LimitFromText(word.mid(equals + 1)));
 }
 
@@ -121,13 +108,22 @@ std::optional<specdb::SpecStore> ReadStore(CliContext &context)
 
 int List(CliContext &context, const QStringList &words)
 {
-    if (!words.isEmpty())
-        throw UsageError{QStringLiteral("list nimmt keine Argumente")};
+    const Words w = SplitWords(words, {}, {QStringLiteral("--json")});
+    if (!w.positional.isEmpty())
+        throw Usage(UsageText::Expected, {QStringLiteral("list [--json]")});
     const auto store = ReadStore(context);
     if (!store)
         return kExitFailed;
-    for (const QString &entry : store->entries)
-        context.out() << entry << '\n';
+    if (w.flags.isEmpty()) {
+        for (const QString &entry : store->entries)
+            context.out() << entry << '\n';
+        return kExitDone;
+    }
+    QJsonArray list;
+    for (qsizetype i = 0; i < store->entries.size(); ++i)
+        list.append(QJsonObject{{QStringLiteral("number"), static_cast<int>(i + 1)},
+                                {QStringLiteral("entry"), store->entries[i]}});
+    context.PrintJson(list);
     return kExitDone;
 }
 
@@ -159,23 +155,43 @@ void ChooseFromWords(specdb::SpecEditor &editor, const Words &w)
 // what it measures, its limit and where the limit comes from.
 int Defaults(CliContext &context, const QStringList &words)
 {
-    const Words w = SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--class"),
-                                       QStringLiteral("--type"), QStringLiteral("--switch")});
+    const Words w = SplitWords(words,
+                               {QStringLiteral("--regulation"), QStringLiteral("--class"),
+                                QStringLiteral("--type"), QStringLiteral("--switch")},
+                               {QStringLiteral("--json")});
     if (!w.positional.isEmpty() || !w.options.contains(QStringLiteral("--regulation")))
-        throw UsageError{QStringLiteral("--regulation fehlt")};
+        throw Usage(UsageText::Expected, {kDefaultsSynopsis});
     specdb::SpecEditor editor(Rules().defaults);
     ChooseFromWords(editor, w);
     const specdb::SpecRecord &record = editor.record();
     QStringList codes;
     for (int k = 0; k < specdb::kSentCodes; ++k)
         codes << QString::fromLatin1(record.codes[static_cast<size_t>(k)]);
+    const QList<specdb::BoxDefault> defaults = specdb::DefaultsFor(editor.regulationEntry(), record.codes[14],
+                                                                   record.codes[15], editor.switchCode());
+    if (!w.flags.isEmpty()) {
+        QJsonArray boxes;
+        for (const specdb::BoxDefault &box : defaults)
+            boxes.append(QJsonObject{{QStringLiteral("box"), box.box},
+                                     {QStringLiteral("meaning"), specdb::BoxMeaning(box.box)},
+                                     {QStringLiteral("limit"),
+                                      link::ConvertDisplayText(record.limits[static_cast<size_t>(box.box)])},
+                                     {QStringLiteral("source"), box.source}});
+        context.PrintJson(QJsonObject{
+            {QStringLiteral("regulation"), specdb::RegulationList().value(editor.regulationEntry())},
+            {QStringLiteral("class"), QString::fromLatin1(record.codes[14])},
+            {QStringLiteral("type"), QString::fromLatin1(record.codes[15])},
+            {QStringLiteral("switch"), QString::fromLatin1(editor.switchCode())},
+            {QStringLiteral("switchMeaning"), specdb::SwitchMeaning(editor.switchCode())},
+            {QStringLiteral("codes"), QJsonArray::fromStringList(codes)},
+            {QStringLiteral("boxes"), boxes}});
+        return kExitDone;
+    }
     context.out() << "regulation: " << specdb::RegulationList().value(editor.regulationEntry()) << ", class "
                   << record.codes[14] << ", type " << record.codes[15] << '\n'
                   << "switch: " << editor.switchCode() << " (" << specdb::SwitchMeaning(editor.switchCode())
                   << ")\n"
                   << "codes 0-19: " << codes.join(QLatin1Char(' ')) << '\n';
-    const QList<specdb::BoxDefault> defaults = specdb::DefaultsFor(editor.regulationEntry(), record.codes[14],
-                                                                   record.codes[15], editor.switchCode());
     for (const specdb::BoxDefault &box : defaults) {
         const QString limit = link::ConvertDisplayText(record.limits[static_cast<size_t>(box.box)]);
         const QString line = QStringLiteral("GWert %1  %2  %3  %4")
@@ -188,21 +204,25 @@ int Defaults(CliContext &context, const QStringList &words)
     return kExitDone;
 }
 
-int Add(CliContext &context, QStringList words)
+int Add(CliContext &context, const QStringList &words)
 {
-    const QStringList limits = TakeRepeated(words, QStringLiteral("--limit"));
-    const Words w = SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--class"),
-                                       QStringLiteral("--type"), QStringLiteral("--parts"),
-                                       QStringLiteral("--sfc"), QStringLiteral("--switch")});
+    // "--limit N=TEXT" may come again and again.
+    const Words w =
+        SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--class"),
+                           QStringLiteral("--type"), QStringLiteral("--parts"), QStringLiteral("--sfc"),
+                           QStringLiteral("--switch"), QStringLiteral("--limit")});
+    const QStringList limits = w.repeated.value(QStringLiteral("--limit"));
     if (w.positional.size() != 1 || !w.options.contains(QStringLiteral("--regulation")))
-        throw UsageError{QStringLiteral("NAME und --regulation fehlen")};
+        throw Usage(UsageText::Expected, {kAddSynopsis});
     specdb::SpecEditor editor(Rules().defaults);
     ChooseFromWords(editor, w);
     if (w.options.contains(QStringLiteral("--parts"))) {
         const int parts =
             NumberArgument(w.options.value(QStringLiteral("--parts")), QStringLiteral("--parts"));
         if (parts < 0 || parts > specdb::kMaxAppliedParts)
-            throw UsageError{QStringLiteral("--parts muss zwischen 0 und 10 liegen, nicht %1").arg(parts)};
+            throw Usage(UsageText::Between,
+                        {QStringLiteral("--parts"), QStringLiteral("0"),
+                         QString::number(specdb::kMaxAppliedParts), QString::number(parts)});
         editor.ChooseAppliedParts(parts);
     }
     if (w.options.contains(QStringLiteral("--sfc")))
@@ -250,7 +270,7 @@ int Add(CliContext &context, QStringList words)
 int StoreSet(CliContext &context, const QStringList &files)
 {
     if (files.isEmpty())
-        throw UsageError{QStringLiteral("mindestens eine Datei")};
+        throw Usage(UsageText::Expected, {QStringLiteral("store-set FILE...")});
     // Every file is read and taken apart first: a bad one stops all of them before anything is sent.
     // Lines behind a file's last whole record are left out, as the tester's own upload does.
     QList<specdb::SetGroup> groups;
@@ -278,11 +298,13 @@ int StoreSet(CliContext &context, const QStringList &files)
     return kExitFailed;
 }
 
-int Delete(CliContext &context, QStringList words)
+int Delete(CliContext &context, const QStringList &arguments)
 {
-    const bool all = TakeFlag(words, QStringLiteral("--all"));
+    const Words w = SplitWords(arguments, {}, {QStringLiteral("--all")});
+    const QStringList &words = w.positional;
+    const bool all = !w.flags.isEmpty();
     if (all == (words.size() == 1) || words.size() > 1)
-        throw UsageError{QStringLiteral("N oder --all")};
+        throw Usage(UsageText::Expected, {QStringLiteral("delete N|--all")});
     const int number = all ? 0 : NumberArgument(words[0], QStringLiteral("N"));
     const auto store = ReadStore(context);
     if (!store)
@@ -317,7 +339,7 @@ int Specdb(CliContext &context, const QStringList &words)
         return StoreSet(context, rest);
     if (action == QLatin1String("delete"))
         return Delete(context, rest);
-    throw UsageError{QStringLiteral("list | defaults | add | store-set | delete")};
+    throw Usage(UsageText::Expected, {QStringLiteral("list | defaults | add | store-set | delete")});
 }
 
 } // namespace
@@ -326,10 +348,8 @@ QList<CliCommand> SpecdbCommands()
 {
     return {
         {QStringLiteral("specdb"),
-         QStringLiteral(
-             "list | defaults --regulation NAME [--class 05|06|07] [--type 00-03] [--switch CODE] | "
-             "add NAME --regulation NAME [--class 05|06|07] [--type 00-03] [--parts N] "
-             "[--sfc N,PE,AWT] [--switch CODE] [--limit N=TEXT]... | store-set FILE... | delete N|--all"),
+         QStringLiteral("list [--json] | %1 | %2 | store-set FILE... | delete N|--all")
+             .arg(kDefaultsSynopsis, kAddSynopsis),
          QStringLiteral(
              "the test specifications in the tester's store: list the store, show the regulation's "
              "default limits with their sources (no tester needed), add one (\"Ohm\" in a "

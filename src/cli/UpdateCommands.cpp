@@ -68,8 +68,7 @@ int Update(CliContext &context, const QStringList &words)
         const QFileInfo file(w.positional[1]);
         const auto kind = update::KindForFileName(file.fileName());
         if (!kind)
-            throw UsageError{
-                QStringLiteral("%1 passt zu keiner Maske (*.hex, b*.p, a*.p, h*.p)").arg(file.fileName())};
+            throw Usage(UsageText::NoFileMask, {file.fileName()});
         setup.directory = file.absolutePath();
         // A bad file ends the command before the tester is woken.
         update::CheckBeforeSending(*kind, file.absoluteFilePath());
@@ -80,17 +79,17 @@ int Update(CliContext &context, const QStringList &words)
                w.options.contains(QStringLiteral("--lang"))) {
         const QString code = w.options.value(QStringLiteral("--lang"));
         if (!update::PackageLanguageCodes().contains(code))
-            throw UsageError{QStringLiteral("--lang muss einer von %1 sein, nicht %2")
-                                 .arg(update::PackageLanguageCodes().join(QLatin1Char(' ')), code)};
+            throw Usage(UsageText::OneOf, {QStringLiteral("--lang"),
+                                           update::PackageLanguageCodes().join(QLatin1Char(' ')), code});
         setup.directory = w.positional[1];
         if (!QFileInfo(setup.directory).isDir())
-            throw UsageError{
-                QStringLiteral("%1 ist kein Verzeichnis").arg(QDir::toNativeSeparators(setup.directory))};
+            throw Usage(UsageText::NotADirectory, {QDir::toNativeSeparators(setup.directory)});
         update::CheckPackageBeforeSending(setup.directory, code);
         ConnectAndIdentify(context, true, setup.directory);
         outcome = update::UpdatePackage(context.link(), context.prompter(), permission, code, setup);
     } else {
-        throw UsageError{QStringLiteral("file PATH | package DIR --lang ge|gb|fr|it|nl|es|ts|pl")};
+        throw Usage(UsageText::Expected,
+                    {QStringLiteral("file PATH | package DIR --lang ge|gb|fr|it|nl|es|ts|pl")});
     }
     if (outcome.identity)
         context.TesterIdentified(*outcome.identity);
@@ -102,7 +101,8 @@ int SlotArgument(const Words &w)
 {
     const int slot = NumberArgument(w.options.value(QStringLiteral("--slot")), QStringLiteral("--slot"));
     if (!update::SlotByte(slot))
-        throw UsageError{QStringLiteral("--slot muss zwischen 1 und 4 liegen, nicht %1").arg(slot)};
+        throw Usage(UsageText::Between, {QStringLiteral("--slot"), QStringLiteral("1"), QStringLiteral("4"),
+                                         QString::number(slot)});
     return slot;
 }
 
@@ -112,8 +112,9 @@ int PFile(CliContext &context, const QStringList &words)
     const QString action = w.positional.value(0);
     if (w.positional.size() != 2 || !w.options.contains(QStringLiteral("--slot")) ||
         (action == QLatin1String("load") && w.options.contains(QStringLiteral("--out"))))
-        throw UsageError{
-            QStringLiteral("build TEMPLATE.pr --slot 1-4 [--out FILE] | load TEMPLATE.pr --slot 1-4")};
+        throw Usage(
+            UsageText::Expected,
+            {QStringLiteral("build TEMPLATE.pr --slot 1-4 [--out FILE] | load TEMPLATE.pr --slot 1-4")});
     const int slot = SlotArgument(w);
     if (action == QLatin1String("build")) {
         const auto made = update::MakePFile(context.prompter(), w.positional[1], slot,
@@ -134,17 +135,18 @@ int PFile(CliContext &context, const QStringList &words)
         context.out() << QDir::toNativeSeparators(made) << " -> slot " << slot << '\n';
         return kExitDone;
     }
-    throw UsageError{QStringLiteral("build | load")};
+    throw Usage(UsageText::Expected, {QStringLiteral("build | load")});
 }
 
 int Templates(CliContext &context, const QStringList &words)
 {
     const Words w = SplitWords(words, {});
     if (w.positional.value(0) != QLatin1String("read") || w.positional.size() < 2 || w.positional.size() > 3)
-        throw UsageError{QStringLiteral("read K [OUT.pr]")};
+        throw Usage(UsageText::Expected, {QStringLiteral("read K [OUT.pr]")});
     const int k = NumberArgument(w.positional[1], QStringLiteral("K"));
     if (k < update::kFirstTemplate || k > update::kLastTemplate)
-        throw UsageError{QStringLiteral("K muss zwischen 0 und 4 liegen, nicht %1").arg(k)};
+        throw Usage(UsageText::Between, {QStringLiteral("K"), QString::number(update::kFirstTemplate),
+                                         QString::number(update::kLastTemplate), QString::number(k)});
     ConnectAndIdentify(context, false);
     const QString path = w.positional.size() > 2
                              ? w.positional[2]

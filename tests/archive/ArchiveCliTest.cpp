@@ -76,13 +76,41 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
 
     const RunResult due = Cli({"archive", "due", "--before", "2010-01-13"});
     EXPECT_TRUE(due.out.contains(QStringLiteral("2010-01-12\tE-0815\t"))) << due.out.toStdString();
+    // The same devices as one JSON document.
+    const RunResult dueJson = Cli({"archive", "due", "--before=2010-01-13", "--json"});
+    ASSERT_EQ(dueJson.exitCode, 0) << dueJson.err.toStdString();
+    QStringList dueLines;
+    for (const QJsonValue &value : QJsonDocument::fromJson(dueJson.out.toUtf8()).array()) {
+        const QJsonObject d = value.toObject();
+        dueLines << QStringLiteral("%1\t%2\t%3\t%4\tzuletzt %5\t%6 Monate\t Nr %7")
+                        .arg(d[QStringLiteral("nextTest")].toString(),
+                             d[QStringLiteral("deviceId")].toString(),
+                             d[QStringLiteral("deviceType")].toString(),
+                             d[QStringLiteral("regulation")].toString(),
+                             d[QStringLiteral("lastTest")].toString())
+                        .arg(d[QStringLiteral("intervalMonths")].toInt())
+                        .arg(d[QStringLiteral("lastRecordId")].toInteger());
+    }
+    EXPECT_EQ(dueLines, due.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) << dueJson.out.toStdString();
     EXPECT_FALSE(Cli({"archive", "due", "--before", "2010-01-12"}).out.contains(QStringLiteral("E-0815")));
 
     // Its own interval moves its next test; "default" gives it back to the regulation's.
     EXPECT_EQ(Cli({"archive", "interval", "--device", "E-0815", "6"}).exitCode, 0);
     EXPECT_TRUE(Cli({"archive", "list", "--device", "E-0815"})
                     .out.contains(QStringLiteral("nächste Prüfung 2009-07-12")));
-    EXPECT_TRUE(Cli({"archive", "interval"}).out.contains(QStringLiteral("6 Monate\tGerät E-0815")));
+    const RunResult intervals = Cli({"archive", "interval"});
+    EXPECT_TRUE(intervals.out.contains(QStringLiteral("6 Monate\tGerät E-0815")));
+    QStringList intervalLines;
+    for (const QJsonValue &value :
+         QJsonDocument::fromJson(Cli({"archive", "interval", "--json"}).out.toUtf8()).array()) {
+        const QJsonObject i = value.toObject();
+        intervalLines << QStringLiteral("%1 Monate\t%2")
+                             .arg(i[QStringLiteral("months")].toInt())
+                             .arg(i.contains(QStringLiteral("device"))
+                                      ? QStringLiteral("Gerät ") + i[QStringLiteral("device")].toString()
+                                      : i[QStringLiteral("regulation")].toString());
+    }
+    EXPECT_EQ(intervalLines, intervals.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts));
     EXPECT_EQ(Cli({"archive", "interval", "--device", "E-0815", "default"}).exitCode, 0);
     EXPECT_TRUE(Cli({"archive", "due", "--before", "2010-01-13"}).out.contains(QStringLiteral("E-0815")));
     EXPECT_EQ(Cli({"archive", "interval", "--regulation", "DIN VDE 0702", "0"}).exitCode, 1);

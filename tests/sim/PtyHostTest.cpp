@@ -119,6 +119,9 @@ TEST(KalvoSim, RejectsBadOptionsWithAReason)
         {{QStringLiteral("--kym-records"), QStringLiteral("many")}, 2, "many"},
         {{QStringLiteral("--style"), QStringLiteral("weird")}, 2, "plain or odd"},
         {{QStringLiteral("--help")}, 0, "--fault FAULT"},
+        // A value behind "=" is checked as one in the next word; a switch takes none.
+        {{QStringLiteral("--baud=fast")}, 2, "--baud wants a whole number of 0 or more, not \"fast\""},
+        {{QStringLiteral("--kym=1")}, 2, "--kym"},
     };
     for (const Case &c : cases) {
         QProcess process;
@@ -141,6 +144,7 @@ TEST(KalvoSim, RecordOptionsShapeTheStoreAndTheAccessory)
     const Case cases[] = {
         {{}, "prx?n", "prx?n= 14\r\n\x11"},
         {{QStringLiteral("--records"), QStringLiteral("2")}, "prx?n", "prx?n= 2\r\n\x11"},
+        {{QStringLiteral("--records=3")}, "prx?n", "prx?n= 3\r\n\x11"},
         {{QStringLiteral("--records"), QStringLiteral("0")}, "prx?3x", "prx?3x Protokoll .N\r\n\x11"},
         {{}, "prx?", "prx?.Y\r\n\x11"},
         {{QStringLiteral("--no-current")}, "prx?", "prx?.N\r\n\x11"},
