@@ -30,7 +30,7 @@ int Identify(CliContext &context, const QStringList &words)
     }
     link::Link &link = context.link();
     const link::ConnectionState state = link::ConnectTester(link, context.portName());
-    const link::TesterIdentity id = link::IdentifyTester(link, {updateDir, link::SystemDateOrder()});
+    const link::TesterIdentity id = link::IdentifyTester(link, {updateDir});
     context.TesterIdentified(id);
 
     static const char *const kParts[link::kVersionParts] = {"system", "configuration", "pictures", "help",
