@@ -5,6 +5,8 @@
 #   ./kalvo.sh sanitize  build with AddressSanitizer and UBSan and run the unit tests, leaks included
 #   ./kalvo.sh bench     build and run the benchmarks
 #   ./kalvo.sh fuzz [SECONDS]  build the libFuzzer harnesses with clang and run each for SECONDS (60)
+#   ./kalvo.sh windows   cross-build for Windows into build-windows/ and check it under wine
+#                        (the toolchain folder: $KALVO_TOOLCHAINS, else ../shared/toolchains)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -13,6 +15,8 @@ PACKAGES=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev qt6-t
 # Only the fuzz command needs clang and its libFuzzer runtime; the metapackage names follow the
 # distribution's default clang (Debian 12: clang-14 and libclang-rt-14-dev).
 FUZZ_PACKAGES=(clang libclang-rt-dev)
+# The Windows build: MinGW-w64, wine to run it, Xvfb and ImageMagick for its window's picture.
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix wine wine64 zstd xvfb xauth imagemagick poppler-utils nsis zip)
 JOBS=$(nproc 2>/dev/null || echo 2)
 
 install_missing() { # install_missing PACKAGE...
@@ -76,6 +80,8 @@ run_fuzzers() {
 cmd=${1:-run}
 if [ "$cmd" = fuzz ]; then
     install_missing "${PACKAGES[@]}" "${FUZZ_PACKAGES[@]}"
+elif [ "$cmd" = windows ]; then
+    install_missing "${PACKAGES[@]}" "${WINDOWS_PACKAGES[@]}"
 else
     install_missing "${PACKAGES[@]}"
 fi
@@ -118,8 +124,21 @@ fuzz)
     build build-fuzz -DKALVO_FUZZ=ON -DCMAKE_CXX_COMPILER=clang++
     run_fuzzers "$seconds"
     ;;
+windows)
+    # The Linux kalvo-sim and kalvo-cli are the other end of the COM link and the reference file.
+    toolchains=${KALVO_TOOLCHAINS:-$(dirname "$PWD")/shared/toolchains}
+    if [ ! -f "$toolchains/qt6.8-mingw-w64.tar.zst" ]; then
+        echo "No Windows toolchain in $toolchains (set KALVO_TOOLCHAINS): nothing built for Windows." >&2
+        exit 3
+    fi
+    cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+    cmake --build build -j "$JOBS" --target kalvo-cli kalvo-sim
+    packaging/windows/build.sh "$toolchains" build-windows
+    packaging/windows/deploy.sh build-windows
+    xvfb-run -a -s "-screen 0 1024x768x24" packaging/windows/check.sh build-windows build/bin
+    ;;
 *)
-    echo "usage: $0 run|test|sanitize|bench|screenshots|fuzz [SECONDS]" >&2
+    echo "usage: $0 run|test|sanitize|bench|screenshots|fuzz [SECONDS]|windows" >&2
     exit 2
     ;;
 esac

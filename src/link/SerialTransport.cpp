@@ -82,7 +82,7 @@ bool SerialTransport::drain(std::chrono::milliseconds limit)
     }
     // Then the driver's queue, until the last byte has left the line.
     for (;;) {
-        const std::optional<qint64> queued = platform::BytesLeftToSend(m_port->handle());
+        const std::optional<qint64> queued = platform::BytesLeftToSend(*m_port);
         if (!queued || *queued <= 0)
             return true;
         if (left() <= milliseconds::zero())

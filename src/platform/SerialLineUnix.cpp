@@ -16,12 +16,12 @@ QString CanonicalPortName(const QString &name)
     return name;
 }
 
-std::optional<qint64> BytesLeftToSend(qintptr handle)
+std::optional<qint64> BytesLeftToSend(const QSerialPort &port)
 {
     // tcdrain would wait without end on a line that stops taking bytes; the queue can be watched
     // against a deadline instead.
     int queued = 0;
-    if (::ioctl(static_cast<int>(handle), TIOCOUTQ, &queued) != 0)
+    if (::ioctl(port.handle(), TIOCOUTQ, &queued) != 0)
         return std::nullopt;
     return queued;
 }

@@ -19,13 +19,13 @@ QString CanonicalPortName(const QString &name)
     return canonical;
 }
 
-std::optional<qint64> BytesLeftToSend(qintptr handle)
+std::optional<qint64> BytesLeftToSend(const QSerialPort &port)
 {
     // FlushFileBuffers would wait without end on a line that stops taking bytes; the queue can be
     // watched against a deadline instead.
     DWORD errors = 0;
     COMSTAT status{};
-    if (!::ClearCommError(reinterpret_cast<HANDLE>(handle), &errors, &status))
+    if (!::ClearCommError(port.handle(), &errors, &status))
         return std::nullopt;
     return static_cast<qint64>(status.cbOutQue);
 }
