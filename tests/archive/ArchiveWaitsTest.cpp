@@ -83,6 +83,8 @@ TEST(ArchiveWaits, ReadingNeverCreatesAnArchiveNorTakesAnEmptyOneForOne)
 
 TEST(ArchiveWaits, AServerThatStopsAnsweringEndsTheWaitAndNothingOfTheImportIsKept)
 {
+    if (!kalvo::testing::PostgresCluster::Available())
+        GTEST_SKIP() << "no PostgreSQL server on this system";
     ArchivePlace place(Backend::PostgreSQL);
     ASSERT_TRUE(place.error().isEmpty()) << place.error().toStdString();
     Archive archive(ParseArchiveUrl(place.url() + QStringLiteral("&wait=1")));

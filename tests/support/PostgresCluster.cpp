@@ -6,6 +6,7 @@
 
 #include <QCollator>
 #include <QDir>
+#include <QOperatingSystemVersion>
 #include <QProcess>
 #include <QUrl>
 
@@ -35,6 +36,11 @@ QString ServerBinaries()
 }
 
 } // namespace
+
+bool PostgresCluster::Available()
+{
+    return QOperatingSystemVersion::currentType() != QOperatingSystemVersion::Windows;
+}
 
 PostgresCluster &PostgresCluster::Shared()
 {
