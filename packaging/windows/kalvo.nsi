@@ -3,7 +3,8 @@
 ; own (settings, the record archive, files that cannot lie in the program folder) is in that user's
 ; %LOCALAPPDATA%\kalvo and stays when the program is removed.
 ; makensis -DVERSION=0.1.0 -DSTAGE=folder -DOUTFILE=kalvo-0.1.0-setup.exe kalvo.nsi
-Unicode true
+; kalvo is a 64-bit program, and so is its installer (it runs where no 32-bit layer is).
+Target amd64-unicode
 !include "MUI2.nsh"
 
 Name "kalvo ${VERSION}"
