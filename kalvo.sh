@@ -7,6 +7,8 @@
 #   ./kalvo.sh fuzz [SECONDS]  build the libFuzzer harnesses with clang and run each for SECONDS (60)
 #   ./kalvo.sh package   build the Debian package into packages/ and check it (and the Windows
 #                        installer when the toolchain is there)
+#   ./kalvo.sh windows   cross-build for Windows into build-windows/ and check it under wine
+#                        (the toolchain folder: $KALVO_TOOLCHAINS, else ../shared/toolchains)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -15,7 +17,19 @@ PACKAGES=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev qt6-t
 # Only the fuzz command needs clang and its libFuzzer runtime; the metapackage names follow the
 # distribution's default clang (Debian 12: clang-14 and libclang-rt-14-dev).
 FUZZ_PACKAGES=(clang libclang-rt-dev)
+# The Windows build: MinGW-w64, wine to run it, Xvfb and ImageMagick for its window's picture.
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix wine wine64 zstd xvfb xauth imagemagick poppler-utils nsis zip)
 JOBS=$(nproc 2>/dev/null || echo 2)
+# The Qt for MinGW and its tools (see shared/toolchains/README.md).
+TOOLCHAINS=${KALVO_TOOLCHAINS:-$(dirname "$PWD")/shared/toolchains}
+
+# Cross-builds the Windows programs and tests into build-windows/ with what they need beside them.
+windows_build() {
+    cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+    cmake --build build -j "$JOBS" --target kalvo-cli kalvo-sim
+    packaging/windows/build.sh "$TOOLCHAINS" build-windows
+    packaging/windows/deploy.sh build-windows
+}
 
 install_missing() { # install_missing PACKAGE...
     local missing=()
@@ -78,6 +92,8 @@ run_fuzzers() {
 cmd=${1:-run}
 if [ "$cmd" = fuzz ]; then
     install_missing "${PACKAGES[@]}" "${FUZZ_PACKAGES[@]}"
+elif [ "$cmd" = windows ] || { [ "$cmd" = package ] && [ -f "$TOOLCHAINS/qt6.8-mingw-w64.tar.zst" ]; }; then
+    install_missing "${PACKAGES[@]}" "${WINDOWS_PACKAGES[@]}"
 else
     install_missing "${PACKAGES[@]}"
 fi
@@ -127,13 +143,12 @@ package)
     deb=$(ls packages/kalvo_*.deb)
     packaging/linux/check-deb.sh "$deb"
     echo "Debian package: $deb ($(du -k "$deb" | cut -f1) KiB)"
-    # The Windows installer and zip, when the cross toolchain and its script are there.
-    if [ -d ../shared/toolchains ] && [ -x packaging/windows/package.sh ]; then
-        if [ -d build-windows ]; then
-            packaging/windows/package.sh build-windows packages
-        else
-            echo "No Windows installer: build-windows/ is missing (./kalvo.sh windows makes it)."
-        fi
+    # The Windows installer and zip, when the cross toolchain is there (built first if need be).
+    if [ -f "$TOOLCHAINS/qt6.8-mingw-w64.tar.zst" ]; then
+        windows_build
+        packaging/windows/package.sh build-windows packages
+    else
+        echo "No Windows installer: no toolchain in $TOOLCHAINS (set KALVO_TOOLCHAINS)."
     fi
     ;;
 fuzz)
@@ -141,8 +156,17 @@ fuzz)
     build build-fuzz -DKALVO_FUZZ=ON -DCMAKE_CXX_COMPILER=clang++
     run_fuzzers "$seconds"
     ;;
+windows)
+    # The Linux kalvo-sim and kalvo-cli are the other end of the COM link and the reference file.
+    if [ ! -f "$TOOLCHAINS/qt6.8-mingw-w64.tar.zst" ]; then
+        echo "No Windows toolchain in $TOOLCHAINS (set KALVO_TOOLCHAINS): nothing built for Windows." >&2
+        exit 3
+    fi
+    windows_build
+    xvfb-run -a -s "-screen 0 1024x768x24" packaging/windows/check.sh build-windows build/bin
+    ;;
 *)
-    echo "usage: $0 run|test|sanitize|bench|screenshots|fuzz [SECONDS]|package" >&2
+    echo "usage: $0 run|test|sanitize|bench|screenshots|fuzz [SECONDS]|package|windows" >&2
     exit 2
     ;;
 esac

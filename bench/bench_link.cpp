@@ -4,6 +4,8 @@
 #include "link/Link.h"
 #include "link/SerialTransport.h"
 #include "link/TextRules.h"
+#include "platform/ProcessUsage.h"
+#include "platform/PseudoTerminal.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -11,23 +13,10 @@
 
 #include <chrono>
 #include <cstdio>
-#include <fcntl.h>
-#include <stdlib.h>
-#include <sys/resource.h>
-#include <termios.h>
-#include <unistd.h>
 
 using namespace kalvo::link;
 
 namespace {
-
-double CpuSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
-           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
 
 double WireSeconds(qsizetype bytes, int baud)
 {
@@ -75,36 +64,30 @@ void ExchangeAgainstWire(const QString &simPath)
 // (b) CPU time while waiting for an answer that never comes.
 void WaitForSilence(double seconds)
 {
-    const int master = posix_openpt(O_RDWR | O_NOCTTY);
-    if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0) {
-        std::printf("wait: no pseudo-terminal\n");
+    QString error;
+    const auto pty = kalvo::platform::PseudoTerminal::Open(&error);
+    if (!pty) {
+        std::printf("wait: no pseudo-terminal (%s)\n", qPrintable(error));
         return;
     }
-    const QString path = QString::fromLocal8Bit(ptsname(master));
-    const int slave = open(ptsname(master), O_RDWR | O_NOCTTY);
-    termios raw{};
-    tcgetattr(slave, &raw);
-    cfmakeraw(&raw);
-    tcsetattr(slave, TCSANOW, &raw);
+    const QString path = pty->slavePath();
 
     SerialTransport transport;
     kalvo::bench::QuietPrompter prompter;
     Link link(transport, prompter);
     link.setTimeout(FromSeconds(seconds));
     link.OpenPort(path);
-    const double cpuBefore = CpuSeconds();
+    const double cpuBefore = kalvo::platform::CpuSeconds();
     const auto start = std::chrono::steady_clock::now();
     try {
         link.Exchange("dis?");
     } catch (const Timeout &) {
     }
     const double wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    const double cpu = CpuSeconds() - cpuBefore;
+    const double cpu = kalvo::platform::CpuSeconds() - cpuBefore;
     std::printf(
         "wait for an answer that never comes: %.2f s elapsed, %.4f CPU seconds (%.3f %% of one core)\n", wall,
         cpu, 100 * cpu / wall);
-    close(slave);
-    close(master);
 }
 
 } // namespace

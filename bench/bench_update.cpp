@@ -5,6 +5,7 @@
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/PortNames.h"
+#include "platform/ProcessUsage.h"
 #include "sim/SimTransport.h"
 #include "sim/VirtualTester.h"
 #include "update/HexFile.h"
@@ -16,7 +17,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <sys/resource.h>
 
 using namespace kalvo;
 using link::Duration;
@@ -24,14 +24,6 @@ using link::Duration;
 namespace {
 
 constexpr int kBaud = 9600;
-
-double CpuSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
-           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
 
 double Seconds(Duration d)
 {
@@ -143,11 +135,11 @@ void PackageStream(const QTemporaryDir &dir, qsizetype size, Duration poll)
     Line line(poll);
     line.link.Exchange("kal!ein");
     line.link.Exchange("kal!upd3");
-    const double cpuBefore = CpuSeconds();
+    const double cpuBefore = platform::CpuSeconds();
     const Duration start = link::SteadyClock::instance().now();
     update::SendPackageFile(line.link, line.prompter, path);
     const double whole = Seconds(link::SteadyClock::instance().now() - start);
-    const double cpu = CpuSeconds() - cpuBefore;
+    const double cpu = platform::CpuSeconds() - cpuBefore;
     const double stream = Seconds(line.phases.lastDrain - start);
     const double wire = Seconds(package.size() * line.ByteTime());
     std::printf(
@@ -187,14 +179,14 @@ void CpuWhileWaiting(const QTemporaryDir &dir, double seconds)
     line.link.setTimeout(link::FromSeconds(seconds));
     line.link.Exchange("kal!ein");
     line.link.Exchange("kal!upd0");
-    const double cpuBefore = CpuSeconds();
+    const double cpuBefore = platform::CpuSeconds();
     const Duration start = link::SteadyClock::instance().now();
     try {
         update::SendHexFile(line.link, line.prompter, update::HexFile::Read(path));
     } catch (const link::Timeout &) {
     }
     const double wall = Seconds(link::SteadyClock::instance().now() - start);
-    const double cpu = CpuSeconds() - cpuBefore;
+    const double cpu = platform::CpuSeconds() - cpuBefore;
     std::printf("firmware line never acknowledged: %.2f s elapsed, %.4f CPU seconds (%.3f %% of one core)\n",
                 wall, cpu, 100 * cpu / wall);
 }

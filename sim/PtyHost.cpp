@@ -7,10 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
 #include <poll.h>
-#include <stdlib.h>
-#include <termios.h>
 #include <unistd.h>
 
 namespace kalvo::sim {
@@ -45,42 +42,10 @@ PtyHost::~PtyHost()
 
 bool PtyHost::Open(QString *error)
 {
-    m_master = posix_openpt(O_RDWR | O_NOCTTY);
-    if (m_master < 0) {
-        *error = SystemError("posix_openpt");
+    m_terminal = platform::PseudoTerminal::Open(error);
+    if (!m_terminal)
         return false;
-    }
-    if (grantpt(m_master) != 0 || unlockpt(m_master) != 0) {
-        *error = SystemError("grantpt/unlockpt");
-        return false;
-    }
-    char name[256];
-    if (ptsname_r(m_master, name, sizeof name) != 0) {
-        *error = SystemError("ptsname");
-        return false;
-    }
-    m_slavePath = QString::fromLocal8Bit(name);
-    // Our own slave descriptor stays open, so that a client's close does not hang up the line.
-    m_slave = ::open(name, O_RDWR | O_NOCTTY);
-    if (m_slave < 0) {
-        *error = SystemError("open slave");
-        return false;
-    }
-    // Raw from what the kernel set up: a zeroed termios would leave undefined speeds and flags.
-    termios raw{};
-    if (tcgetattr(m_slave, &raw) != 0) {
-        *error = SystemError("tcgetattr");
-        return false;
-    }
-    cfmakeraw(&raw);
-    if (tcsetattr(m_slave, TCSANOW, &raw) != 0) {
-        *error = SystemError("tcsetattr");
-        return false;
-    }
-    if (fcntl(m_master, F_SETFL, fcntl(m_master, F_GETFL) | O_NONBLOCK) != 0) {
-        *error = SystemError("fcntl");
-        return false;
-    }
+    m_slavePath = m_terminal->slavePath();
     m_start = m_clock.now();
     m_lastActivity = m_start;
     return true;
@@ -117,7 +82,7 @@ PtyHost::End PtyHost::Run(const volatile std::sig_atomic_t &stop)
             m_lastActivity = now;
             continue;
         }
-        pollfd fd{m_master, static_cast<short>(POLLIN | (m_pending.isEmpty() ? 0 : POLLOUT)), 0};
+        pollfd fd{m_terminal->master(), static_cast<short>(POLLIN | (m_pending.isEmpty() ? 0 : POLLOUT)), 0};
         if (poll(&fd, 1, PollTimeoutMs()) < 0) {
             if (errno == EINTR)
                 continue;
@@ -152,7 +117,7 @@ void PtyHost::ReadInput()
     QByteArray bytes;
     char buffer[512];
     for (;;) {
-        const ssize_t n = ::read(m_master, buffer, sizeof buffer);
+        const ssize_t n = ::read(m_terminal->master(), buffer, sizeof buffer);
         if (n > 0) {
             bytes.append(buffer, n);
             continue;
@@ -176,7 +141,8 @@ void PtyHost::WriteOutput()
     // A package stream is recorded when it ends, which the line's falling idle decides.
     LogNewLines();
     while (!m_pending.isEmpty()) {
-        const ssize_t n = ::write(m_master, m_pending.constData(), static_cast<size_t>(m_pending.size()));
+        const ssize_t n =
+            ::write(m_terminal->master(), m_pending.constData(), static_cast<size_t>(m_pending.size()));
         if (n > 0) {
             m_pending.remove(0, n);
             continue;
@@ -206,12 +172,7 @@ void PtyHost::LogNewLines()
 
 void PtyHost::CloseTerminal()
 {
-    if (m_master >= 0)
-        ::close(m_master);
-    if (m_slave >= 0)
-        ::close(m_slave);
-    m_master = -1;
-    m_slave = -1;
+    m_terminal.reset();
 }
 
 } // namespace kalvo::sim

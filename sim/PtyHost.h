@@ -3,10 +3,12 @@
 
 #include "VirtualTester.h"
 #include "link/Clock.h"
+#include "platform/PseudoTerminal.h"
 
 #include <QString>
 #include <csignal>
 #include <cstdio>
+#include <optional>
 
 namespace kalvo::sim {
 
@@ -42,8 +44,7 @@ private:
 
     VirtualTester &m_tester;
     link::Clock &m_clock;
-    int m_master = -1;
-    int m_slave = -1;
+    std::optional<platform::PseudoTerminal> m_terminal;
     QString m_slavePath;
     std::FILE *m_log = nullptr;
     qsizetype m_logged = 0;

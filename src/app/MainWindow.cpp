@@ -277,7 +277,7 @@ void MainWindow::Connect()
     m_status->ShowConnection(gui::StatusLine::Connection::Connecting);
     m_connected = false;
     const bool developmentTerminal = m_developmentTerminal;
-    const link::IdentifyOptions options{m_startup.programDir, link::SystemDateOrder()};
+    const link::IdentifyOptions options{m_startup.programDir};
     m_device->Post(
         this, Caption(m_menu->connection),
         [this, port, developmentTerminal, options](link::Link &link, link::Prompter &) {
@@ -348,7 +348,7 @@ void MainWindow::SetClock()
 void MainWindow::NameTester()
 {
     m_frames->ShowFrame(m_settings);
-    const link::IdentifyOptions options{m_startup.programDir, link::SystemDateOrder()};
+    const link::IdentifyOptions options{m_startup.programDir};
     // The device thread gets its own copy of the texts: the window may switch language meanwhile.
     auto texts = std::make_shared<const link::LanguageTable>(m_texts);
     PostChecked(m_menu->name, [this, options, texts,

@@ -123,9 +123,12 @@ ArchiveTarget ParseArchiveUrl(const QString &url)
     if (trimmed.isEmpty())
         target.path = DefaultArchivePath();
     else if (trimmed.startsWith(QLatin1String("sqlite://"))) {
-        const QUrl parsed(trimmed);
-        target.path = parsed.path(QUrl::FullyDecoded);
-        target.waitSeconds = WaitFrom(QUrlQuery(parsed), trimmed);
+        // Everything up to the query is the file: a Windows path's drive ("sqlite://C:/a.sqlite")
+        // is no host.
+        const QString rest = trimmed.mid(static_cast<qsizetype>(qstrlen("sqlite://")));
+        const qsizetype query = rest.indexOf(QLatin1Char('?'));
+        target.path = QUrl::fromPercentEncoding(rest.left(query < 0 ? rest.size() : query).toUtf8());
+        target.waitSeconds = WaitFrom(QUrlQuery(query < 0 ? QString() : rest.mid(query + 1)), trimmed);
     } else if (trimmed.contains(QLatin1String("://")))
         throw ArchiveError(
             QStringLiteral("Archiv-Adresse \"%1\": nur postgresql:// und sqlite:// oder ein Dateipfad")

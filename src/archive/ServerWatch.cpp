@@ -2,18 +2,14 @@
 // exchange must not keep the program waiting for good.
 #include "ServerWatch.h"
 
+#include "platform/Sockets.h"
+
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QVariant>
 
 #ifdef KALVO_HAVE_LIBPQ
 #include <libpq-fe.h>
-#endif
-
-#ifdef Q_OS_WIN
-#include <winsock2.h>
-#else
-#include <sys/socket.h>
 #endif
 
 namespace kalvo::archive {
@@ -36,17 +32,6 @@ qintptr ConnectionSocket(const QSqlDatabase &db)
 #else
     Q_UNUSED(db);
     return -1;
-#endif
-}
-
-// Ends both directions of the socket: a read blocked on it returns at once, and so does every later
-// one. The descriptor stays the driver's to close.
-void CutSocket(qintptr socket)
-{
-#ifdef Q_OS_WIN
-    ::shutdown(static_cast<SOCKET>(socket), SD_BOTH);
-#else
-    ::shutdown(static_cast<int>(socket), SHUT_RDWR);
 #endif
 }
 
@@ -105,7 +90,7 @@ void ServerWatch::Run()
         if (m_changed.wait_until(lock, deadline) == std::cv_status::timeout && m_deadline == deadline) {
             m_cut = true;
             m_deadline.reset();
-            CutSocket(m_socket);
+            platform::CutSocket(m_socket);
         }
     }
 }

@@ -6,6 +6,7 @@
 #include "link/Errors.h"
 #include "link/PortNames.h"
 #include "link/SerialTransport.h"
+#include "platform/Console.h"
 #include "shell/Settings.h"
 #include "sim/SimTransport.h"
 #include "sim/VirtualTester.h"
@@ -25,7 +26,7 @@ struct CliContext::Simulator {
 
 CliContext::CliContext(const CliOptions &options)
     : m_options(options),
-      m_prompter(options.yes, StderrIsTerminal() ? ProgressStyle::Bar : ProgressStyle::Percentages),
+      m_prompter(options.yes, platform::StderrIsTerminal() ? ProgressStyle::Bar : ProgressStyle::Percentages),
       m_out(stdout)
 {
     if (options.simulate) {

@@ -3,23 +3,9 @@
 
 #include "link/Link.h"
 
-#include <cstdio>
-#ifdef Q_OS_WIN
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include "platform/Console.h"
 
 namespace kalvo::cli {
-
-bool StderrIsTerminal()
-{
-#ifdef Q_OS_WIN
-    return _isatty(_fileno(stderr)) != 0;
-#else
-    return isatty(fileno(stderr)) != 0;
-#endif
-}
 
 CliPrompter::CliPrompter(bool yes, ProgressStyle style, FILE *err) : m_yes(yes), m_progress(style), m_err(err)
 {}

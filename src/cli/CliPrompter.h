@@ -14,9 +14,6 @@ class Link;
 
 namespace kalvo::cli {
 
-// True when stderr is a terminal: a person watching gets a bar, a log gets percentage lines.
-bool StderrIsTerminal();
-
 class CliPrompter final : public link::Prompter {
 public:
     // Messages and progress go to `err`, the progress in `style`.

@@ -29,7 +29,7 @@ int Identify(CliContext &context, const QStringList &words)
         w.options.value(QStringLiteral("--update-dir"), QCoreApplication::applicationDirPath());
     link::Link &link = context.link();
     const link::ConnectionState state = link::ConnectTester(link, context.portName());
-    const link::TesterIdentity id = link::IdentifyTester(link, {updateDir, link::SystemDateOrder()});
+    const link::TesterIdentity id = link::IdentifyTester(link, {updateDir});
     context.TesterIdentified(id);
 
     static const char *const kParts[link::kVersionParts] = {"system", "configuration", "pictures", "help",

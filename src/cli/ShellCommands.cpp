@@ -37,12 +37,12 @@ int Name(CliContext &context, const QStringList &words)
     context.OpenPort();
     QTextStream &out = context.out();
     // The window's sequence: identify, then name; the name shown last is the one the tester holds.
-    const shell::Naming naming = shell::NameTester(
-        context.link(), context.prompter(), context.texts(), {QString(), link::SystemDateOrder()},
-        words.first(), [&context, &out](const link::TesterIdentity &identity) {
-            context.TesterIdentified(identity);
-            out << "before: " << link::DecodeTesterText(identity.shortDesignation) << '\n';
-        });
+    const shell::Naming naming =
+        shell::NameTester(context.link(), context.prompter(), context.texts(), {QString()}, words.first(),
+                          [&context, &out](const link::TesterIdentity &identity) {
+                              context.TesterIdentified(identity);
+                              out << "before: " << link::DecodeTesterText(identity.shortDesignation) << '\n';
+                          });
     if (naming.result == shell::NamingResult::TooLong)
         return kExitFailed;
     out << "name: " << link::DecodeTesterText(naming.identity.shortDesignation) << '\n';

@@ -30,7 +30,7 @@ void ConnectAndIdentify(CliContext &context, bool changes, const QString &update
     link::Link &link = context.link();
     const link::RefusalWatch command(link);
     const link::ConnectionState state = link::ConnectTester(link, context.portName());
-    link::IdentifyTester(link, {updateDir, link::SystemDateOrder()});
+    link::IdentifyTester(link, {updateDir});
     for (const QByteArray &unconfirmed : changes ? state.unconfirmed : QList<QByteArray>())
         link.NoteRefusal(unconfirmed);
     if (command.refused())
@@ -60,7 +60,7 @@ int Update(CliContext &context, const QStringList &words)
 {
     const Words w = SplitWords(words, {QStringLiteral("--lang")});
     const QString action = w.positional.value(0);
-    update::UpdateContext setup{{}, context.texts(), link::SystemDateOrder(), {}};
+    update::UpdateContext setup{{}, context.texts(), {}};
     // A command line starts as the program does: with the update permitted.
     update::UpdatePermission permission;
     update::UpdateOutcome outcome;

@@ -5,6 +5,7 @@
 #include "CliWords.h"
 
 #include "link/Errors.h"
+#include "platform/Console.h"
 
 #include <QGuiApplication>
 
@@ -118,8 +119,10 @@ int main(int argc, char *argv[])
     // else runs without one, so that a machine without a display needs nothing more.
     const bool needsFonts =
         std::any_of(argv, argv + argc, [](const char *a) { return std::strncmp(a, "--pdf", 5) == 0; });
-    if (needsFonts && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (needsFonts && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") &&
+        !platform::WindowlessPlatformPlugin().isEmpty())
+        qputenv("QT_QPA_PLATFORM", platform::WindowlessPlatformPlugin());
+    platform::UseUtf8Console();
     std::unique_ptr<QCoreApplication> application = needsFonts
                                                         ? std::make_unique<QGuiApplication>(argc, argv)
                                                         : std::make_unique<QCoreApplication>(argc, argv);

@@ -6,6 +6,7 @@
 #include "link/Prompter.h"
 #include "link/ServiceSession.h"
 #include "link/TextRules.h"
+#include "platform/FileSystem.h"
 
 #include <QDir>
 #include <QFile>
@@ -141,6 +142,21 @@ QList<QByteArray> BackupCalibration(link::Link &link, link::Prompter &prompter, 
     return lines;
 }
 
+namespace {
+
+// A name Windows keeps for a device (a tester called "NUL" or "COM1") gets a "_" behind its stem,
+// so that the backup becomes a file and not a write to the device.
+QString Unreserved(const QString &fileName)
+{
+    if (!platform::IsReservedFileName(fileName))
+        return fileName;
+    QString name = fileName;
+    const qsizetype dot = name.indexOf(QLatin1Char('.'));
+    return name.insert(dot < 0 ? name.size() : dot, QLatin1Char('_'));
+}
+
+} // namespace
+
 QString DefaultBackupName(const QByteArray &shortDesignation)
 {
     QString name = QString::fromLatin1(shortDesignation);
@@ -152,7 +168,7 @@ QString DefaultBackupName(const QByteArray &shortDesignation)
     }
     if (name.isEmpty())
         name = QStringLiteral("Kalvomer");
-    return name + QStringLiteral(".cal");
+    return Unreserved(name + QStringLiteral(".cal"));
 }
 
 QString SerialBackupName(const QByteArray &serialNumber)
@@ -162,8 +178,8 @@ QString SerialBackupName(const QByteArray &serialNumber)
     if (serial.contains(QByteArray(6, '\xFF')))
         return QStringLiteral("error");
     if (serial.size() >= 12)
-        return QString::fromLatin1(serial.left(7) + '.' + serial.right(3));
-    return QString::fromLatin1(serial.left(8)) + QStringLiteral(".cal");
+        return Unreserved(QString::fromLatin1(serial.left(7) + '.' + serial.right(3)));
+    return Unreserved(QString::fromLatin1(serial.left(8)) + QStringLiteral(".cal"));
 }
 
 QStringList CalibrationBackupNames(const QByteArray &shortDesignation, const QByteArray &serialNumber)

@@ -37,7 +37,8 @@ QList<QByteArray> BackupCalibration(link::Link &link, link::Prompter &prompter, 
                                     const LineSink &showLine = {});
 
 // The tester's short designation + ".cal"; trailing blanks dropped, characters no file name may
-// hold replaced by "_", "Kalvomer.cal" for an empty designation.
+// hold replaced by "_", "Kalvomer.cal" for an empty designation. A device name of Windows (NUL,
+// COM1 ...) gets a "_" behind it ("NUL_.cal"), in this name and the next.
 QString DefaultBackupName(const QByteArray &shortDesignation);
 // The main form's name from the serial number: blanks removed; six 0xFF (an erased number)
 // give "error"; 12 characters or more the first 7, ".", the last 3; otherwise the first 8 + ".cal".

@@ -1,13 +1,13 @@
 // The symbol file "variable.mas": names of the tester's variables and bits, and the dump block.
 #include "VariableFile.h"
 
+#include "link/CodePages.h"
 #include "link/Errors.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStringDecoder>
 
 namespace kalvo::config {
 
@@ -16,8 +16,7 @@ namespace {
 // The file is the program's own text: Windows-1252 where it is not plain ASCII.
 QString Decode(const QByteArray &bytes)
 {
-    QStringDecoder decoder("windows-1252");
-    return decoder.isValid() ? decoder.decode(bytes) : QString::fromLatin1(bytes);
+    return link::DecodeCodePage(link::CodePage::Windows1252, bytes);
 }
 
 QStringList Lines(const QByteArray &bytes)

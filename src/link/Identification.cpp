@@ -210,7 +210,7 @@ TesterIdentity IdentifyTester(Link &link, const IdentifyOptions &options)
             id.versionTexts[static_cast<size_t>(part)] =
                 QString::fromLatin1(id.versionFields[field]).trimmed();
             id.versionDates[static_cast<size_t>(part)] =
-                ParseVersionDate(id.versionTexts[static_cast<size_t>(part)], options.dateOrder);
+                ParseVersionDate(id.versionTexts[static_cast<size_t>(part)]);
         }
     }
     id.packageFileDates = PackageFileDates(options.updateDir, id.language);

@@ -68,7 +68,6 @@ struct TesterIdentity {
 
 struct IdentifyOptions {
     QString updateDir; // where the package files lie; empty: none
-    DateOrder dateOrder = DateOrder::DayMonthYear;
 };
 
 // "dis?" (up to five tries), "ver?", "idn?"; throws ProtocolError 31995 "Identstring fehlerhaft"

@@ -1,6 +1,8 @@
 // The names a user may give the serial port, and the system device each one means.
 #include "PortNames.h"
 
+#include "platform/SerialLine.h"
+
 namespace kalvo::link {
 
 QStringList StandardPortNames()
@@ -19,11 +21,7 @@ QString SystemPortName(const QString &name)
     const int number = StandardPortNumber(name);
     if (number == 0)
         return name.trimmed();
-#ifdef Q_OS_WIN
-    return QStringLiteral("COM%1").arg(number);
-#else
-    return QStringLiteral("/dev/ttyS%1").arg(number - 1);
-#endif
+    return platform::StandardPortDevice(number);
 }
 
 QStringList PortChoices(const QStringList &systemPorts)
@@ -31,10 +29,14 @@ QStringList PortChoices(const QStringList &systemPorts)
     QStringList choices = StandardPortNames();
     QStringList covered;
     for (const QString &name : std::as_const(choices))
-        covered << SystemPortName(name);
-    for (const QString &port : systemPorts)
-        if (!covered.contains(port, Qt::CaseInsensitive) && !choices.contains(port))
+        covered << platform::CanonicalPortName(name) << platform::CanonicalPortName(SystemPortName(name));
+    for (const QString &port : systemPorts) {
+        const QString canonical = platform::CanonicalPortName(port);
+        if (!covered.contains(canonical)) {
+            covered << canonical;
             choices << port;
+        }
+    }
     return choices;
 }
 

@@ -17,7 +17,8 @@ QString SystemPortName(const QString &name);
 // 1 to 4 for the four standard names, 0 otherwise.
 int StandardPortNumber(const QString &name);
 // The port chooser's list: "COM 1".."COM 4", then each of the system's ports (`systemPorts`, as
-// QSerialPortInfo locates them) that none of the four stands for, each once, in their order.
+// QSerialPortInfo locates them) that none of the four stands for, each once (however it is
+// written: platform::CanonicalPortName), in their order.
 QStringList PortChoices(const QStringList &systemPorts);
 
 } // namespace kalvo::link

@@ -4,14 +4,10 @@
 #include "Errors.h"
 #include "PortNames.h"
 #include "PortProblem.h"
+#include "platform/SerialLine.h"
 
 #include <algorithm>
 #include <thread>
-
-#ifdef Q_OS_UNIX
-#include <sys/ioctl.h>
-#include <termios.h>
-#endif
 
 namespace kalvo::link {
 
@@ -87,21 +83,16 @@ bool SerialTransport::drain(std::chrono::milliseconds limit)
         if (!m_port->waitForBytesWritten(static_cast<int>(std::min(remaining, milliseconds(1000)).count())))
             CheckLost();
     }
-#ifdef Q_OS_UNIX
-    // tcdrain would wait without end on a line that stops taking bytes; the driver's count of
-    // bytes still queued can be watched against the deadline instead.
-    const int fd = static_cast<int>(m_port->handle());
+    // Then the driver's queue, until the last byte has left the line.
     for (;;) {
-        int queued = 0;
-        if (::ioctl(fd, TIOCOUTQ, &queued) != 0 || queued <= 0)
+        const std::optional<qint64> queued = platform::BytesLeftToSend(*m_port);
+        if (!queued || *queued <= 0)
             return true;
         if (left() <= milliseconds::zero())
             return false;
-        // At 9600 baud one byte takes a little over a millisecond.
-        std::this_thread::sleep_for(std::min(microseconds(1042) * queued, microseconds(20000)));
+        // At 9600 baud one byte takes a little over a millisecond; a look at least every 20 ms.
+        std::this_thread::sleep_for(microseconds(1042) * std::min<qint64>(*queued, 19));
     }
-#endif
-    return true;
 }
 
 QByteArray SerialTransport::read(std::chrono::milliseconds wait)

@@ -1,6 +1,7 @@
 // Taking tester answers apart and turning tester bytes into text.
 #include "TextRules.h"
 
+#include "CodePages.h"
 #include "Errors.h"
 
 #include <QHash>
@@ -21,10 +22,7 @@ QByteArray StripControlChars(const QByteArray &text)
 
 QString DecodeTesterText(const QByteArray &bytes)
 {
-    QStringDecoder decoder("IBM437");
-    if (!decoder.isValid())
-        return QString::fromLatin1(bytes);
-    return decoder.decode(bytes);
+    return DecodeCodePage(CodePage::Ibm437, bytes);
 }
 
 QString DecodePcText(const QByteArray &bytes)
@@ -33,8 +31,7 @@ QString DecodePcText(const QByteArray &bytes)
     const QString text = utf8.decode(bytes);
     if (!utf8.hasError())
         return text;
-    QStringDecoder cp1252("windows-1252");
-    return cp1252.isValid() ? QString(cp1252.decode(bytes)) : QString::fromLatin1(bytes);
+    return DecodeCodePage(CodePage::Windows1252, bytes);
 }
 
 namespace {
@@ -106,17 +103,14 @@ const std::array<QString, 256> &RecordTextTable()
 {
     static const std::array<QString, 256> table = [] {
         std::array<QString, 256> t;
-        QStringDecoder windows("windows-1252");
         for (int c = 32; c < 256; ++c) {
             const auto code = static_cast<unsigned char>(c);
             if (c == 127)
                 continue;
             if (const char *mapped = MappedWindowsBytes(code))
                 t[code] = QString::fromLatin1(mapped);
-            else if (c < 128 || !windows.isValid())
-                t[code] = QString(QChar(c));
             else
-                t[code] = windows.decode(QByteArray(1, static_cast<char>(code)));
+                t[code] = DecodeCodePage(CodePage::Windows1252, QByteArray(1, static_cast<char>(code)));
         }
         return t;
     }();

@@ -1,4 +1,4 @@
-// Dates in the tester's version answer, read in the order of the user's date format.
+// Dates in the tester's version answer: day, month, year, whatever the PC's regional settings.
 #include "VersionDate.h"
 
 #include <QRegularExpression>
@@ -46,22 +46,7 @@ std::optional<QTime> TimeOf(const QString &text)
 
 } // namespace
 
-DateOrder DateOrderFromFormat(const QString &format)
-{
-    const QString f = format.trimmed().toLower();
-    if (f.startsWith(QLatin1Char('y')))
-        return DateOrder::YearMonthDay;
-    if (f.startsWith(QLatin1Char('m')))
-        return DateOrder::MonthDayYear;
-    return DateOrder::DayMonthYear;
-}
-
-DateOrder SystemDateOrder()
-{
-    return DateOrderFromFormat(QLocale().dateFormat(QLocale::ShortFormat));
-}
-
-std::optional<QDateTime> ParseVersionDate(const QString &text, DateOrder order)
+std::optional<QDateTime> ParseVersionDate(const QString &text)
 {
     const QString trimmed = text.trimmed();
     const qsizetype blank = trimmed.indexOf(QLatin1Char(' '));
@@ -79,16 +64,7 @@ std::optional<QDateTime> ParseVersionDate(const QString &text, DateOrder order)
             return std::nullopt;
         n[i] = *value;
     }
-    int year = n[2], month = n[1], day = n[0];
-    if (order == DateOrder::YearMonthDay) {
-        year = n[0];
-        month = n[1];
-        day = n[2];
-    } else if (order == DateOrder::MonthDayYear) {
-        month = n[0];
-        day = n[1];
-    }
-    const QDate date(FullYear(year), month, day);
+    const QDate date(FullYear(n[2]), n[1], n[0]);
     const auto time = TimeOf(timePart);
     if (!date.isValid() || !time)
         return std::nullopt;

@@ -4,6 +4,7 @@
 #include "RecordRetrieval.h"
 #include "RecordSteps.h"
 
+#include "link/CodePages.h"
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
@@ -14,7 +15,6 @@
 #include <QHash>
 #include <QLocale>
 #include <QSaveFile>
-#include <QStringDecoder>
 
 namespace kalvo::records {
 
@@ -28,21 +28,6 @@ QString Mebibytes(qint64 bytes)
 QByteArray WithLineEnd(const QByteArray &line)
 {
     return line.endsWith("\r\n") ? line : line + "\r\n";
-}
-
-// Which byte of a code page shows each character of 128 and above.
-QHash<char16_t, char> CodePageBytes(const char *name)
-{
-    QHash<char16_t, char> bytes;
-    QStringDecoder decoder(name);
-    if (!decoder.isValid())
-        return bytes;
-    for (int c = 128; c < 256; ++c) {
-        const QString shown = decoder.decode(QByteArray(1, static_cast<char>(c)));
-        if (shown.size() == 1 && shown[0] != QChar::ReplacementCharacter)
-            bytes.insert(shown[0].unicode(), static_cast<char>(c));
-    }
-    return bytes;
 }
 
 // Report text is already display text: of the characters below 128 only those the display would
@@ -143,17 +128,15 @@ void WriteRecordFile(const QString &path, const QList<QByteArray> &records)
 
 QByteArray EncodeShownText(const QString &text)
 {
-    static const QHash<char16_t, char> windows = CodePageBytes("windows-1252");
-    static const QHash<char16_t, char> tester = CodePageBytes("IBM437");
     QByteArray out;
     out.reserve(text.size());
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char16_t u = text[i].unicode();
         if (u < 128) {
             out += static_cast<char>(u);
-        } else if (const auto w = windows.constFind(u); w != windows.cend()) {
+        } else if (const auto w = link::CodePageByte(link::CodePage::Windows1252, u)) {
             out += *w;
-        } else if (const auto t = tester.constFind(u); t != tester.cend()) {
+        } else if (const auto t = link::CodePageByte(link::CodePage::Ibm437, u)) {
             out += *t;
         } else {
             // Typed text beyond both code pages: kept as UTF-8 rather than lost.

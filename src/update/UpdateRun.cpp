@@ -71,10 +71,7 @@ public:
             SendPackage(kind, path);
     }
 
-    void ReadIdentity()
-    {
-        m_outcome.identity = link::IdentifyTester(m_link, {m_context.directory, m_context.dateOrder});
-    }
+    void ReadIdentity() { m_outcome.identity = link::IdentifyTester(m_link, {m_context.directory}); }
 
     // What ends a run, done even after a failed transfer; the failure is told after it.
     template <typename Closing> void Finish(Closing closing) { m_failure.Finish(closing); }

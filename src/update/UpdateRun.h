@@ -32,9 +32,8 @@ std::optional<HexFile> CheckBeforeSending(ContentKind kind, const QString &path)
 void CheckPackageBeforeSending(const QString &directory, const QString &languageCode);
 
 struct UpdateContext {
-    QString directory;                                         // the download directory
-    link::LanguageTable texts;                                 // the refusal texts of the program's language
-    link::DateOrder dateOrder = link::DateOrder::DayMonthYear; // for the identity read after the run
+    QString directory;         // the download directory
+    link::LanguageTable texts; // the refusal texts of the program's language
     // Told the path of each file before its loader is announced, so the person watching sees which
     // of a package's files is going; called on the thread that runs the update.
     std::function<void(const QString &path)> fileStarting;

@@ -97,6 +97,8 @@ class OnBothBackends : public ::testing::TestWithParam<Backend> {
 protected:
     void SetUp() override
     {
+        if (GetParam() == Backend::PostgreSQL && !kalvo::testing::PostgresCluster::Available())
+            GTEST_SKIP() << "no PostgreSQL server on this system";
         m_place = std::make_unique<ArchivePlace>(GetParam());
         ASSERT_TRUE(m_place->error().isEmpty()) << m_place->error().toStdString();
     }

@@ -19,7 +19,7 @@ protected:
     void SetUp() override
     {
         OnBothBackends::SetUp();
-        if (!HasFatalFailure())
+        if (!HasFatalFailure() && !IsSkipped())
             m_archive = m_place->Open();
     }
     Archive &archive() { return *m_archive; }

@@ -4,12 +4,11 @@
 
 #include "archive/ArchiveQueries.h"
 #include "archive/RecordImport.h"
+#include "platform/Processes.h"
 #include "support/TestFiles.h"
 
 #include <QScopeGuard>
 #include <QSqlQuery>
-
-#include <signal.h>
 
 using namespace kalvo;
 using namespace kalvo::archive;
@@ -84,18 +83,20 @@ TEST(ArchiveWaits, ReadingNeverCreatesAnArchiveNorTakesAnEmptyOneForOne)
 
 TEST(ArchiveWaits, AServerThatStopsAnsweringEndsTheWaitAndNothingOfTheImportIsKept)
 {
+    if (!kalvo::testing::PostgresCluster::Available())
+        GTEST_SKIP() << "no PostgreSQL server on this system";
     ArchivePlace place(Backend::PostgreSQL);
     ASSERT_TRUE(place.error().isEmpty()) << place.error().toStdString();
     Archive archive(ParseArchiveUrl(place.url() + QStringLiteral("&wait=1")));
     ImportRecords(archive, {MakeRecord({})}, {});
     QSqlQuery pid = archive.Exec(QStringLiteral("SELECT pg_backend_pid()"));
     ASSERT_TRUE(archive.Next(pid));
-    const pid_t server = static_cast<pid_t>(pid.value(0).toLongLong());
+    const qint64 server = pid.value(0).toLongLong();
     pid.finish();
 
     // The server's process stops; its machine still takes the bytes sent and acknowledges them.
-    ASSERT_EQ(::kill(server, SIGSTOP), 0);
-    const auto resume = qScopeGuard([server] { ::kill(server, SIGCONT); });
+    ASSERT_TRUE(platform::PauseProcess(server));
+    const auto resume = qScopeGuard([server] { platform::ResumeProcess(server); });
     try {
         ImportRecords(archive, ManyRecords(300), {});
         ADD_FAILURE() << "an import went on with a server that does not answer";
@@ -105,7 +106,7 @@ TEST(ArchiveWaits, AServerThatStopsAnsweringEndsTheWaitAndNothingOfTheImportIsKe
     }
     // Everything after it ends at once.
     EXPECT_THROW(CountRecords(archive, {}), ArchiveError);
-    ::kill(server, SIGCONT);
+    platform::ResumeProcess(server);
 
     Archive again(ParseArchiveUrl(place.url()));
     EXPECT_EQ(CountRecords(again, {}), 1);

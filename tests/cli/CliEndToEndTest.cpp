@@ -399,19 +399,27 @@ TEST(CliEndToEnd, SimulatedTesterIdentifiesWithoutAnyPort)
 
 TEST(CliEndToEnd, IdentifyShowsVersionDatesWithTheirTimeAndTheAccessorysVersion)
 {
-    // Day first, as a German user writes dates: the tester's "17.03.09 10:42" is 17 March.
+    // The tester writes day first on every PC: "17.03.09 10:42" is 17 March and "05.02.09" the
+    // 5th of February, under German settings and under US ones (month first) alike.
     const QByteArray previous = qgetenv("LC_ALL");
-    qputenv("LC_ALL", "de_DE.UTF-8");
-    SimProcess sim({QStringLiteral("--kym")});
-    ASSERT_TRUE(sim.started());
-    const RunResult run = RunCli(sim, {QStringLiteral("identify")});
+    RunResult run;
+    for (const char *locale : {"en_US.UTF-8", "de_DE.UTF-8"}) {
+        qputenv("LC_ALL", locale);
+        SimProcess sim({QStringLiteral("--kym")});
+        ASSERT_TRUE(sim.started());
+        run = RunCli(sim, {QStringLiteral("identify")});
+        ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+        EXPECT_TRUE(run.out.contains(QStringLiteral("system: 17.03.09 10:42 (2009-03-17T10:42:00)\n")))
+            << locale << '\n'
+            << run.out.toStdString();
+        EXPECT_TRUE(run.out.contains(QStringLiteral("help: 05.02.09 09:30 (2009-02-05T09:30:00)\n")))
+            << locale << '\n'
+            << run.out.toStdString();
+    }
     if (previous.isNull())
         qunsetenv("LC_ALL");
     else
         qputenv("LC_ALL", previous);
-    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
-    EXPECT_TRUE(run.out.contains(QStringLiteral("system: 17.03.09 10:42 (2009-03-17T10:42:00)\n")))
-        << run.out.toStdString();
     EXPECT_TRUE(run.out.contains(QStringLiteral("version: KYM QRT4027  Firmware V 2.10\n")))
         << run.out.toStdString();
     EXPECT_TRUE(run.out.contains(QStringLiteral("accessory: in front\n"))) << run.out.toStdString();

@@ -212,6 +212,10 @@ TEST(Calibration, BackupNames)
 {
     EXPECT_EQ(config::DefaultBackupName("KALVO-01"), QStringLiteral("KALVO-01.cal"));
     EXPECT_EQ(config::DefaultBackupName("AB/CD   "), QStringLiteral("AB_CD.cal"));
+    // Names Windows keeps for devices would write to the device instead of a file.
+    EXPECT_EQ(config::DefaultBackupName("NUL     "), QStringLiteral("NUL_.cal"));
+    EXPECT_EQ(config::DefaultBackupName("com1"), QStringLiteral("com1_.cal"));
+    EXPECT_EQ(config::DefaultBackupName("CONSOLE"), QStringLiteral("CONSOLE.cal"));
     const struct {
         QByteArray serial;
         const char *name; // Latin-1
@@ -220,6 +224,8 @@ TEST(Calibration, BackupNames)
         {"0471 1203 55678", "0471120.678"}, // more than 12
         {"0471 1203 556", "04711203.cal"},  // 11: the first 8
         {"1234", "1234.cal"},
+        {"AUX", "AUX_.cal"},
+        {"LPT9", "LPT9_.cal"},
         {"", ".cal"},
         {"12\xFF\xFF\xFF \xFF\xFF\xFF", "error"}, // erased: six 0xFF once the blank is gone
         {"\xFF\xFF\xFF\xFF\xFF", "\xFF\xFF\xFF\xFF\xFF.cal"},

@@ -17,6 +17,7 @@ struct Row {
 // clang-format off
 const Row kTable[] = {
     // folder           may include
+    {"platform",        ""},
     {"link",            ""},
     {"shell",           "link core"},
     {"config",          "link core"},
@@ -59,7 +60,10 @@ std::optional<QStringList> AllowedIncludes(const QString &folder)
     for (const Row &row : kTable) {
         if (folder != QLatin1String(row.folder))
             continue;
+        // Every folder may use the operating system's seam; it uses none of them.
         QStringList allowed;
+        if (folder != QLatin1String("platform"))
+            allowed << QStringLiteral("platform");
         for (const QString &word : Words(row.mayInclude))
             allowed << (word == QLatin1String("core") ? Words(kCore) : QStringList{word});
         return allowed;
@@ -69,7 +73,8 @@ std::optional<QStringList> AllowedIncludes(const QString &folder)
 
 bool IsWindowless(const QString &folder)
 {
-    return folder == QLatin1String("link") || folder == QLatin1String("cli") || Words(kCore).contains(folder);
+    return folder == QLatin1String("platform") || folder == QLatin1String("link") ||
+           folder == QLatin1String("cli") || Words(kCore).contains(folder);
 }
 
 bool IsWidgetHeader(const QString &header)

@@ -187,7 +187,7 @@ TEST(Identification, UpdateIsNeededWhenPicturesHelpOrSequencesAreOlderThanTheirF
             fields[c.field] = c.tester;
         ScriptedLink s;
         ExpectIdentification(s, kIdentity, fields.join(';') + "\r\n\x11");
-        const TesterIdentity id = IdentifyTester(s.link, {dir.path(), DateOrder::DayMonthYear});
+        const TesterIdentity id = IdentifyTester(s.link, {dir.path()});
         EXPECT_EQ(id.updateNeeded, c.needed);
     }
 }

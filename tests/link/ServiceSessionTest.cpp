@@ -94,8 +94,8 @@ TEST(PortNames, TheChooserListsTheFourStandardNamesThenEachOtherSystemPortOnce)
     } cases[] = {
         {"no ports", {}, {}},
 #ifdef Q_OS_WIN
-        {"the four are covered, any case",
-         {"COM1", "com3", "COM5", "COM4", "COM5", "COM12"},
+        {"the four are covered, any case, COM10 and above however written",
+         {"COM1", "com3", "COM5", "COM4", "COM5", "COM12", "\\\\.\\COM12", "\\\\.\\com3", "com12"},
          {"COM5", "COM12"}},
 #else
         {"the four are covered, duplicates once",

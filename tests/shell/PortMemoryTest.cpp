@@ -17,7 +17,8 @@ namespace {
 ::testing::AssertionResult FreshUserSettings()
 {
     static const QTemporaryDir home;
-    qputenv("HOME", home.path().toLocal8Bit());
+    // Where the user's settings file lies differs by system (HOME, %APPDATA%): set it outright.
+    QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, home.path());
     QStandardPaths::setTestModeEnabled(true);
     QSettings user(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("kalvo"),
                    QStringLiteral("kalvo"));

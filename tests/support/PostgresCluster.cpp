@@ -2,14 +2,15 @@
 // Unix socket there, started from the system's postgresql binaries and stopped when the tests end.
 #include "PostgresCluster.h"
 
+#include "platform/Users.h"
+
 #include <QCollator>
 #include <QDir>
+#include <QOperatingSystemVersion>
 #include <QProcess>
 #include <QUrl>
 
 #include <memory>
-#include <pwd.h>
-#include <unistd.h>
 
 namespace kalvo::testing {
 
@@ -36,6 +37,11 @@ QString ServerBinaries()
 
 } // namespace
 
+bool PostgresCluster::Available()
+{
+    return QOperatingSystemVersion::currentType() != QOperatingSystemVersion::Windows;
+}
+
 PostgresCluster &PostgresCluster::Shared()
 {
     static PostgresCluster cluster;
@@ -57,9 +63,9 @@ PostgresCluster::PostgresCluster()
     const QString socket = m_dir.filePath(QStringLiteral("socket"));
     QDir().mkpath(data);
     QDir().mkpath(socket);
-    if (geteuid() == 0) {
+    if (platform::RunningAsSuperUser()) {
         // As root (CI), the server runs as "nobody", which must own its folders.
-        const passwd *nobody = getpwnam("nobody");
+        const std::optional<platform::UserIds> nobody = platform::FindUser(QStringLiteral("nobody"));
         if (!nobody) {
             m_error = QStringLiteral("als root gestartet, aber es gibt keinen Benutzer nobody");
             return;
@@ -68,12 +74,12 @@ PostgresCluster::PostgresCluster()
             .setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadGroup |
                             QFile::ExeGroup | QFile::ReadOther | QFile::ExeOther);
         for (const QString &dir : {data, socket})
-            if (chown(dir.toLocal8Bit().constData(), nobody->pw_uid, nobody->pw_gid) != 0) {
+            if (!platform::GiveTo(dir, *nobody)) {
                 m_error = QStringLiteral("chown %1 fehlgeschlagen").arg(dir);
                 return;
             }
-        m_runAs = {QStringLiteral("setpriv"), QStringLiteral("--reuid=%1").arg(nobody->pw_uid),
-                   QStringLiteral("--regid=%1").arg(nobody->pw_gid), QStringLiteral("--clear-groups"),
+        m_runAs = {QStringLiteral("setpriv"), QStringLiteral("--reuid=%1").arg(nobody->user),
+                   QStringLiteral("--regid=%1").arg(nobody->group), QStringLiteral("--clear-groups"),
                    QStringLiteral("--")};
     }
     if (!Run(m_bin + QStringLiteral("/initdb"),

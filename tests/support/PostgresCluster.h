@@ -10,6 +10,9 @@ namespace kalvo::testing {
 
 class PostgresCluster {
 public:
+    // Whether this system can run the private server: Debian's postgresql on Unix; not on Windows,
+    // where the tests that need a server skip.
+    static bool Available();
     // The cluster of this test process, started on first use.
     static PostgresCluster &Shared();
 

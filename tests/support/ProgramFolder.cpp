@@ -8,9 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 
-#ifdef Q_OS_UNIX
-#include <unistd.h>
-#endif
+#include "platform/FileSystem.h"
 
 namespace kalvo::testing {
 
@@ -21,11 +19,7 @@ constexpr const char *kBinDirVariable = "KALVO_BIN_DIR";
 // A hard link costs nothing and keeps the file executable; a copy is the fallback.
 bool LinkOrCopy(const QString &from, const QString &to)
 {
-#ifdef Q_OS_UNIX
-    if (::link(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0)
-        return true;
-#endif
-    return QFile::copy(from, to);
+    return platform::HardLink(from, to) || QFile::copy(from, to);
 }
 
 QString BuiltFolder()

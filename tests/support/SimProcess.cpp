@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcessEnvironment>
 
 namespace kalvo::testing {
@@ -10,6 +11,11 @@ namespace kalvo::testing {
 QString BuiltProgram(const QString &name)
 {
     return QDir(qEnvironmentVariable("KALVO_BIN_DIR", QStringLiteral(KALVO_BUILT_BIN_DIR))).filePath(name);
+}
+
+bool SimProcess::Available()
+{
+    return QFileInfo(BuiltProgram(QStringLiteral("kalvo-sim"))).isExecutable();
 }
 
 SimProcess::SimProcess(const QStringList &arguments)

@@ -18,6 +18,8 @@ public:
     explicit SimProcess(const QStringList &arguments = {});
     ~SimProcess();
 
+    // kalvo-sim serves a pseudo-terminal, so it is built on Unix only.
+    static bool Available();
     bool started() const { return !m_pty.isEmpty(); }
     const QString &pty() const { return m_pty; }
     // Stops the virtual tester. It takes what is still in its terminal first, so that the lines it

@@ -3,6 +3,7 @@
 #include "SetFilePanel.h"
 
 #include "gui/GuiPrompter.h"
+#include "link/CodePages.h"
 #include "specdb/SetFile.h"
 
 #include <QDir>
@@ -12,15 +13,9 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QSaveFile>
-#include <QStringDecoder>
-#include <QStringEncoder>
 #include <QVBoxLayout>
 
 namespace kalvo::specdb::ui {
-
-namespace {
-const char *const kFileEncoding = "windows-1252";
-} // namespace
 
 SetFilePanel::SetFilePanel(QWidget *parent) : QWidget(parent)
 {
@@ -77,7 +72,7 @@ void SetFilePanel::Load(const QString &path)
         return;
     QString text;
     for (const QByteArray &line : SetLines(*bytes))
-        text += QStringDecoder(kFileEncoding).decode(line) + QStringLiteral("\r\n");
+        text += link::DecodeCodePage(link::CodePage::Windows1252, line) + QStringLiteral("\r\n");
     m_text->setPlainText(text);
     m_name->setText(path);
     Remember(path);
@@ -122,7 +117,7 @@ QByteArray SetFilePanel::text() const
     QString text = m_text->toPlainText();
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"))
         .replace(QLatin1Char('\n'), QStringLiteral("\r\n"));
-    return QStringEncoder(kFileEncoding).encode(text);
+    return link::EncodeCodePage(link::CodePage::Windows1252, text);
 }
 
 QString SetFilePanel::fileName()

@@ -181,7 +181,7 @@ UpdateContext UpdatePanel::Context() const
                 frame->ShowFile(path);
         });
     };
-    return UpdateContext{m_fileChoice->directory(), m_texts, link::SystemDateOrder(), showFile};
+    return UpdateContext{m_fileChoice->directory(), m_texts, showFile};
 }
 
 void UpdatePanel::Start(const QString &title, const QString &shownFile, Run run)

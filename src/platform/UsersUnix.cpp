@@ -1,0 +1,28 @@
+// Users on Unix.
+#include "Users.h"
+
+#include <QFile>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace kalvo::platform {
+
+bool RunningAsSuperUser()
+{
+    return ::geteuid() == 0;
+}
+
+std::optional<UserIds> FindUser(const QString &name)
+{
+    const passwd *account = ::getpwnam(name.toLocal8Bit().constData());
+    if (!account)
+        return std::nullopt;
+    return UserIds{account->pw_uid, account->pw_gid};
+}
+
+bool GiveTo(const QString &path, UserIds ids)
+{
+    return ::chown(QFile::encodeName(path).constData(), ids.user, ids.group) == 0;
+}
+
+} // namespace kalvo::platform
