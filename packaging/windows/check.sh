@@ -29,8 +29,9 @@ echo "wine prefix ready ($(seconds "$start") s)"
 
 # Every test program's cases, each a wine process (tests needing a pseudo-terminal are not built).
 start=$(date +%s)
-# shellui_tests stops under wine (a dialog that nothing answers there; not found yet) and is left
-# out until it runs; the main window is checked by the screenshot below.
+# shellui_tests is left out until it ends under wine: its cases pass there one by one, but a run
+# whose main window connected to the virtual tester does not exit after "PASSED" (something
+# outlives QApplication; not found yet). The main window is checked by the screenshot below.
 ctest --test-dir "$build" -j "$(nproc)" -V --timeout 300 -E '^shellui_tests$' \
     >"$build/wine-ctest.log" 2>&1 ||
     fail "unit tests under wine (see $build/wine-ctest.log)"

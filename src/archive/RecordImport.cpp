@@ -12,6 +12,7 @@
 #include <QHash>
 #include <QMap>
 #include <QSqlQuery>
+#include <QThreadPool>
 #include <QtConcurrent/QtConcurrentMap>
 
 #include <map>
@@ -222,8 +223,11 @@ ArchivedRecord DescribeRecord(const QByteArray &raw)
 ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, const RecordSource &source)
 {
     // Decoding needs no database: it runs on every core before the transaction starts, and the
-    // refused records are known then.
-    const QList<Described> decoded = QtConcurrent::blockingMapped(records, Describe);
+    // refused records are known then. The threads are this call's own and end with it: threads of
+    // the global pool would still exist when the program ends, and on Windows the pool's
+    // destructor then waits for threads the system has already ended, for good.
+    QThreadPool pool;
+    const QList<Described> decoded = QtConcurrent::blockingMapped(&pool, records, Describe);
     QList<qsizetype> accepted; // the records that can be stored, by their place in `records`
     ImportResult result;
     for (qsizetype i = 0; i < records.size(); ++i) {

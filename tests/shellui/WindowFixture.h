@@ -6,6 +6,7 @@
 #include "sim/PortTransport.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QDir>
 #include <QGuiApplication>
 #include <QScreen>
@@ -90,7 +91,7 @@ protected:
     // Saves a picture of `widget` next to the test programs, for a person to look at.
     static QString Screenshot(QWidget &widget, const QString &name)
     {
-        QDir dir(QStringLiteral(KALVO_BUILT_BIN_DIR));
+        QDir dir(QCoreApplication::applicationDirPath());
         dir.mkpath(QStringLiteral("screenshots"));
         const QString path = dir.filePath(QStringLiteral("screenshots/%1.png").arg(name));
         // Under a real display (Xvfb) the picture comes from the screen itself, not from a render:
@@ -106,7 +107,9 @@ protected:
 
     QTemporaryDir m_dir;
     QString m_previousDir;
-    QString m_programDir = QStringLiteral(KALVO_BUILT_BIN_DIR); // sprachen.TXT and the help pages
+    // sprachen.TXT and the help pages, beside the test programs as beside kalvo; asked of the
+    // running program, since a path fixed at build time is no path on another system (wine).
+    QString m_programDir = QCoreApplication::applicationDirPath();
     std::unique_ptr<app::MainWindow> m_window;
     std::atomic<sim::VirtualTester *> m_tester{nullptr};
     DialogAnswerer m_dialogs;
