@@ -22,6 +22,7 @@ start=$(date +%s)
 # One server and wine's own processes (services, the desktop) for all the runs below, started
 # here with their output elsewhere: started by the first test they would hold its output pipe
 # open, and ctest would wait for it to its time-out.
+mkdir -p "$WINEPREFIX" # a new prefix: the server needs its folder, wineboot fills it
 wineserver -p >/dev/null 2>&1
 trap 'wineserver -k >/dev/null 2>&1 || true' EXIT
 wine wineboot --init >/dev/null 2>&1
