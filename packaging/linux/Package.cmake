@@ -56,6 +56,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # What the libraries do not name (the platform plugins come with libqt6gui6): the archive's SQL drivers,
 # the fonts of PDF reports and of the offscreen platform kalvo-cli prints with.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6sql6-sqlite, libqt6sql6-psql, fonts-dejavu-core")
+# Qt's own dialogs (file, print, message buttons) in the program's language.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "postgresql-client")
 set(CPACK_STRIP_FILES ON)
 include(CPack)

@@ -16,14 +16,14 @@ bin=$build/bin
 version=$(sed -n 's/^project(kalvo VERSION \([0-9.]*\).*/\1/p' "$here/../../CMakeLists.txt")
 
 # The program folder: the two programs, the data files beside them, the Qt and MinGW DLLs (not
-# Qt's test library) and the plugin folders; no test or benchmark.
+# Qt's test library), the plugin folders and Qt's translations; no test or benchmark.
 stage=$build/package/kalvo
 rm -rf "$stage" && mkdir -p "$stage"
 cp "$bin/kalvo.exe" "$bin/kalvo-cli.exe" "$stage"/
 for dll in "$bin"/*.dll; do
     [ "$(basename "$dll")" = Qt6Test.dll ] || cp "$dll" "$stage"/
 done
-for plugins in platforms styles sqldrivers imageformats; do
+for plugins in platforms styles sqldrivers imageformats translations; do
     cp -r "$bin/$plugins" "$stage"/
 done
 for data in "$here"/../../data/*; do

@@ -1,5 +1,6 @@
 // kalvo: the desktop utility, main window IEC601.
 #include "MainWindow.h"
+#include "platform/Processes.h"
 #include "shell/Settings.h"
 #include "shell/Switches.h"
 #include "sim/PortTransport.h"
@@ -34,12 +35,8 @@ bool AnsweredWithoutWindow(int argc, char *argv[])
     return false;
 }
 
-} // namespace
-
-int main(int argc, char *argv[])
+int RunWindows(int argc, char *argv[])
 {
-    if (AnsweredWithoutWindow(argc, argv))
-        return 0;
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("kalvo"));
     QApplication::setApplicationVersion(QStringLiteral(KALVO_VERSION));
@@ -51,4 +48,13 @@ int main(int argc, char *argv[])
     kalvo::app::MainWindow window(startup);
     window.show();
     return app.exec();
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    if (AnsweredWithoutWindow(argc, argv))
+        return 0;
+    return kalvo::platform::EndProcess(RunWindows(argc, argv));
 }

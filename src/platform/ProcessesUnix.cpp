@@ -1,4 +1,4 @@
-// Other processes on Unix: SIGSTOP and SIGCONT.
+// Processes on Unix: SIGSTOP and SIGCONT; ending is main's ordinary return.
 #include "Processes.h"
 
 #include <signal.h>
@@ -13,6 +13,11 @@ bool PauseProcess(qint64 pid)
 bool ResumeProcess(qint64 pid)
 {
     return ::kill(static_cast<pid_t>(pid), SIGCONT) == 0;
+}
+
+int EndProcess(int code)
+{
+    return code;
 }
 
 } // namespace kalvo::platform

@@ -3,7 +3,6 @@
 
 #include "support/TestFiles.h"
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -116,10 +115,7 @@ TEST(CliRecordCommands, RecordsBecomeReportsAPdfAndACsvWithoutTheTester)
     const RunResult report = RunProgram(QStringLiteral("kalvo-cli"),
                                         {QStringLiteral("report"), records, QStringLiteral("--pdf"), pdf});
     ASSERT_EQ(report.exitCode, 0) << report.err.toStdString();
-    QProcess pdftotext;
-    pdftotext.start(QStringLiteral("pdftotext"), {pdf, QStringLiteral("-")});
-    ASSERT_TRUE(pdftotext.waitForFinished(30000));
-    const QString text = QString::fromUtf8(pdftotext.readAllStandardOutput());
+    const QString text = PdfText(pdf).value_or(QString());
     // Every record's report, each beginning on a page of its own.
     EXPECT_EQ(text.count(QStringLiteral("Prüfvorschrift:")), count) << text.left(300).toStdString();
     EXPECT_EQ(text.count(QStringLiteral("Grenzwerte:")), count);
@@ -222,10 +218,7 @@ TEST(CliRecordCommands, ReportsShowFieldsWholeInEitherByteFormAndThePdfCarriesAL
     const RunResult printed = RunProgram(QStringLiteral("kalvo-cli"),
                                          {QStringLiteral("report"), file, QStringLiteral("--pdf"), pdf});
     ASSERT_EQ(printed.exitCode, 0) << printed.err.toStdString();
-    QProcess pdftotext;
-    pdftotext.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
-    ASSERT_TRUE(pdftotext.waitForFinished(30000));
-    QString text = QString::fromUtf8(pdftotext.readAllStandardOutput());
+    QString text = PdfText(pdf, true).value_or(QString());
     EXPECT_EQ(text.count(QStringLiteral("Müller")), 2);
     // The long line is carried on over the next lines and pages; none of it is lost.
     text.remove(QLatin1Char('\n')).remove(QLatin1Char('\f'));

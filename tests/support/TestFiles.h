@@ -3,7 +3,10 @@
 
 #include <QByteArray>
 #include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QString>
+#include <optional>
 
 namespace kalvo::testing {
 
@@ -25,6 +28,22 @@ inline bool MakeLargeFile(const QString &path, qint64 size)
 {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.resize(size);
+}
+
+// The text pdftotext reads from the PDF file at `path` (`layout` keeps a report's columns), or
+// nothing where the system has no pdftotext (Windows): what a test checks of it is skipped there.
+inline std::optional<QString> PdfText(const QString &path, bool layout = false)
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty())
+        return std::nullopt;
+    QStringList arguments{path, QStringLiteral("-")};
+    if (layout)
+        arguments.prepend(QStringLiteral("-layout"));
+    QProcess pdftotext;
+    pdftotext.start(QStringLiteral("pdftotext"), arguments);
+    if (!pdftotext.waitForFinished(30000))
+        return QStringLiteral("<pdftotext did not finish>");
+    return QString::fromUtf8(pdftotext.readAllStandardOutput());
 }
 
 } // namespace kalvo::testing
