@@ -2,16 +2,20 @@
 #include "WindowFixture.h"
 
 #include "archive/ArchiveLocation.h"
+#include "archive/ui/ArchiveCaptions.h"
 #include "archive/ui/ArchiveWindow.h"
 #include "link/LanguageTable.h"
 #include "specdb/ui/DatabaseWindow.h"
+#include "update/ui/UpdateCaptions.h"
 
 #include <QApplication>
 #include <QDialog>
+#include <QFile>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextBrowser>
+#include <QTextDocument>
 
 using namespace kalvo;
 using namespace kalvo::testing;
@@ -110,4 +114,34 @@ TEST_F(HelpChaptersTest, F1OpensTheChapterOfTheUpdateTheDatabaseAndTheArchiveInE
     }
     if (QTextBrowser *help = Help())
         Screenshot(*help->window(), QStringLiteral("help-archive-spain"));
+}
+
+TEST_F(HelpChaptersTest, ChaptersNameTheUpdateAndArchiveCaptionsAsTheWindowsShowThem)
+{
+    using archive::ui::Caption;
+    using update::ui::UpdateCaption;
+    const UpdateCaption update[] = {UpdateCaption::Menu, UpdateCaption::Sequences, UpdateCaption::Pictures,
+                                    UpdateCaption::Help, UpdateCaption::System,    UpdateCaption::Package};
+    const Caption archive[] = {Caption::Title,         Caption::DeviceId, Caption::Type,
+                               Caption::Customer,      Caption::Text,     Caption::Verdict,
+                               Caption::Regulation,    Caption::Passed,   Caption::Failed,
+                               Caption::From,          Caption::To,       Caption::DueBefore,
+                               Caption::Search,        Caption::History,  Caption::IntervalsTitle,
+                               Caption::SettingsTitle, Caption::Busy};
+    for (const link::LanguageColumn &language : link::LanguageColumns()) {
+        QFile file(QDir(m_programDir).filePath(language.helpFile));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << language.helpFile.toStdString();
+        // The page as the reader sees it: entities resolved, any run of white space one blank.
+        QTextDocument page;
+        page.setHtml(QString::fromUtf8(file.readAll()));
+        const QString text = page.toPlainText().replace(QChar(0x00A0), QLatin1Char(' ')).simplified();
+        const auto expectNamed = [&](const QString &caption) {
+            EXPECT_TRUE(text.contains(caption))
+                << language.helpFile.toStdString() << " lacks \"" << caption.toStdString() << "\"";
+        };
+        for (UpdateCaption caption : update)
+            expectNamed(update::ui::UpdateCaptionText(caption, language.name));
+        for (Caption caption : archive)
+            expectNamed(archive::ui::CaptionText(caption, language.name));
+    }
 }
