@@ -111,9 +111,9 @@ TEST_F(HelpChaptersTest, F1OpensTheChapterOfTheUpdateTheDatabaseAndTheArchiveInE
         EXPECT_EQ(Showing().page, language.helpFile.toStdString());
         EXPECT_EQ(Showing().chapter, "archiv");
         EXPECT_EQ(Showing().top, Heading(QStringLiteral("archiv")));
+        if (language.code == QLatin1String("de") || language.code == QLatin1String("en"))
+            Screenshot(*Help()->window(), QStringLiteral("help-archive-%1").arg(language.code));
     }
-    if (QTextBrowser *help = Help())
-        Screenshot(*help->window(), QStringLiteral("help-archive-spain"));
 }
 
 TEST_F(HelpChaptersTest, ChaptersNameTheUpdateAndArchiveCaptionsAsTheWindowsShowThem)
