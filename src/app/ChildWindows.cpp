@@ -22,6 +22,7 @@
 #include "specdb/ui/DatabaseWindow.h"
 #include "update/ui/TemplateTools.h"
 
+#include <QAction>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -123,6 +124,7 @@ specdb::ui::DatabaseWindow *ChildWindows::OpenDatabase(const link::LanguageTable
         connect(m_database, &specdb::ui::DatabaseWindow::testRecordChosen, this,
                 [this, &texts](int number) { OpenRecords(texts)->ShowStoredRecord(number); });
         m_database->SetBusy(m_device.busy());
+        AddHelpKey(m_database, shell::ui::kHelpSpecifications);
     }
     Present(m_database);
     return m_database;
@@ -140,6 +142,7 @@ archive::ui::ArchiveWindow *ChildWindows::OpenArchive(const QString &language)
         }
         m_archive = new archive::ui::ArchiveWindow(target);
         m_archive->setAttribute(Qt::WA_DeleteOnClose);
+        AddHelpKey(m_archive, shell::ui::kHelpArchive);
     }
     m_archive->SetLanguage(language);
     Present(m_archive);
@@ -175,11 +178,21 @@ void ChildWindows::KeepInArchive(const QList<QByteArray> &records, const QString
         [tell](const QString &message) { tell({message}); });
 }
 
-void ChildWindows::ShowHelp(const QString &path, const QString &title)
+void ChildWindows::ShowHelp(const QString &path, const QString &title, const QString &chapter)
 {
     if (!m_help)
         m_help = new shell::ui::HelpWindow(m_main);
-    m_help->ShowPage(path, title);
+    m_help->ShowPage(path, title, chapter);
+}
+
+void ChildWindows::AddHelpKey(QWidget *window, const char *chapter)
+{
+    auto *key = new QAction(window);
+    key->setShortcut(QKeySequence::HelpContents);
+    key->setShortcutContext(Qt::WindowShortcut);
+    window->addAction(key);
+    connect(key, &QAction::triggered, this,
+            [this, chapter = QString::fromLatin1(chapter)] { emit helpWanted(chapter); });
 }
 
 void ChildWindows::ApplyTexts(const link::LanguageTable &texts)

@@ -61,7 +61,7 @@ public:
     specdb::ui::DatabaseWindow *OpenDatabase(const link::LanguageTable &texts);
     // The record archive named in the user settings (the SQLite file in the user's data folder).
     archive::ui::ArchiveWindow *OpenArchive(const QString &language);
-    void ShowHelp(const QString &path, const QString &title);
+    void ShowHelp(const QString &path, const QString &title, const QString &chapter = QString());
     // The tester connected now (empty when none): records read from it are archived as its.
     void SetTester(const QString &name, const QString &serialNumber);
 
@@ -71,6 +71,8 @@ public:
     void CloseAll();
 
 signals:
+    // F1 in a window that has its own chapter in the help.
+    void helpWanted(const QString &chapter);
     // The service window's terminal entry, or its opening, ends the development-terminal mode.
     void terminalOpened();
     // Register D3 was reset from the service window.
@@ -78,6 +80,7 @@ signals:
 
 private:
     void Present(QWidget *window);
+    void AddHelpKey(QWidget *window, const char *chapter);
     void ApplyRecordTexts(const link::LanguageTable &texts);
     // Records a window read go into the archive too, on the archive's thread; the user is told
     // what could not be kept.

@@ -20,6 +20,7 @@
 #include "shell/PortMemory.h"
 #include "shell/ServiceTerminal.h"
 #include "shell/ui/ConfigFrame.h"
+#include "shell/ui/HelpWindow.h"
 #include "shell/ui/LanguageMenu.h"
 #include "shell/ui/RemoteDisplay.h"
 #include "shell/ui/ServiceWindow.h"
@@ -172,10 +173,17 @@ void MainWindow::ConnectMenus()
             m_texts, config::CalibrationBackupNames(m_identity.shortDesignation, m_identity.serialNumber));
     });
     connect(m_menu->languages, &shell::ui::LanguageMenu::chosen, this, &MainWindow::SetLanguage);
-    on(m_menu->helpContents, [this] {
+    const auto showHelp = [this](const QString &chapter) {
         m_windows->ShowHelp(QDir(m_startup.programDir).filePath(m_texts.helpFile()),
-                            m_texts.text(link::TxtHelpWindow));
+                            m_texts.text(link::TxtHelpWindow), chapter);
+    };
+    // F1 opens the help at the chapter of what is shown: here the update's frames.
+    on(m_menu->helpContents, [this, showHelp] {
+        const QWidget *shown = m_frames->shownFrame();
+        const bool update = shown == m_update->fileChoice() || shown == m_update->updateFrame();
+        showHelp(update ? QString::fromLatin1(shell::ui::kHelpUpdate) : QString());
     });
+    connect(m_windows, &ChildWindows::helpWanted, this, showHelp);
     on(m_menu->info, &MainWindow::ShowInfo);
     on(m_menu->development, [this] { m_developmentTerminal = m_menu->development->isChecked(); });
     on(m_menu->exit, [this] { close(); });

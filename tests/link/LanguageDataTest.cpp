@@ -83,6 +83,8 @@ constexpr TextId kCaptionsInHelp[] = {
     TxtServiceView,
     TxtModemStored,
     TxtMenuRecords,
+    TxtMenuSpecifications,
+    TxtMenuArchive,
     TxtMenuWithDesignation,
     TxtMenuQuillbank,
     TxtMenuRestoreCalibration,
@@ -207,8 +209,46 @@ TEST(LanguageData, HelpPagesAreSelfContainedUtf8)
         ASSERT_FALSE(html.isEmpty()) << "missing " << Str(language.helpFile);
         EXPECT_TRUE(IsUtf8(html)) << Str(language.helpFile);
         EXPECT_TRUE(html.contains("<meta charset=\"utf-8\">")) << Str(language.helpFile);
-        for (const char *forbidden : {"<script", "<img", "<link", "://"})
+        for (const char *forbidden : {"<script", "<img", "<link", "src="})
             EXPECT_FALSE(html.contains(forbidden)) << Str(language.helpFile) << " contains " << forbidden;
+    }
+}
+
+TEST(LanguageData, HelpPagesHaveTheChaptersOfTheGermanPageAndLinksThatLead)
+{
+    // The windows open the help at these chapters (F1), whatever the language.
+    const QStringList windowChapters = {QStringLiteral("update"), QStringLiteral("pruefablaeufe"),
+                                        QStringLiteral("archiv")};
+    static const QRegularExpression chapter(QStringLiteral("<h2><a name=\"([^\"]+)\"></a>(\\d+)\\. "));
+    static const QRegularExpression anchor(QStringLiteral("<a name=\"([^\"]+)\">"));
+    static const QRegularExpression link(QStringLiteral("<a href=\"([^\"]*)\">"));
+    const auto chaptersOf = [](const QString &page) {
+        QStringList names;
+        for (const QRegularExpressionMatch &m : chapter.globalMatch(page)) {
+            names << m.captured(1);
+            EXPECT_EQ(m.captured(2).toInt(), names.size()) << "chapter " << Str(m.captured(1)) << " numbered";
+        }
+        return names;
+    };
+    const QStringList german = chaptersOf(QString::fromUtf8(ReadDataFile(QStringLiteral("Q417G.html"))));
+    for (const QString &name : windowChapters)
+        ASSERT_TRUE(german.contains(name)) << "Q417G.html has no chapter #" << Str(name);
+    for (const LanguageColumn &language : LanguageColumns()) {
+        const QString page = QString::fromUtf8(ReadDataFile(language.helpFile));
+        const QStringList chapters = chaptersOf(page);
+        ASSERT_EQ(chapters.size(), german.size()) << Str(language.helpFile);
+        for (const QString &name : windowChapters)
+            EXPECT_EQ(chapters.indexOf(name), german.indexOf(name))
+                << Str(language.helpFile) << " #" << Str(name);
+        QSet<QString> anchors;
+        for (const QRegularExpressionMatch &m : anchor.globalMatch(page))
+            anchors.insert(m.captured(1));
+        // Links stay inside the page (the help window opens nothing else) and lead to a chapter.
+        for (const QRegularExpressionMatch &m : link.globalMatch(page)) {
+            const QString target = m.captured(1);
+            EXPECT_TRUE(target.startsWith(QLatin1Char('#')) && anchors.contains(target.mid(1)))
+                << Str(language.helpFile) << " links to " << Str(target);
+        }
     }
 }
 

@@ -19,16 +19,20 @@ HelpWindow::HelpWindow(QWidget *parent) : QDialog(parent)
     resize(720, 640);
 }
 
-void HelpWindow::ShowPage(const QString &path, const QString &title)
+void HelpWindow::ShowPage(const QString &path, const QString &title, const QString &chapter)
 {
     setWindowTitle(title);
+    // Shown first: a chapter is scrolled to by the layout of the window as it is on the screen.
+    show();
     if (QFile::exists(path)) {
-        m_browser->setSource(QUrl::fromLocalFile(path));
+        QUrl page = QUrl::fromLocalFile(path);
+        if (!chapter.isEmpty())
+            page.setFragment(chapter);
+        m_browser->setSource(page);
     } else {
         m_browser->setHtml(QStringLiteral("<p><b>%1</b> nicht gefunden</p>")
                                .arg(QDir::toNativeSeparators(path).toHtmlEscaped()));
     }
-    show();
     raise();
 }
 
