@@ -9,6 +9,7 @@ class QProgressBar;
 namespace kalvo::gui {
 
 class DeviceThread;
+class WaitCountdown;
 
 class StatusLine : public QStatusBar {
     Q_OBJECT
@@ -28,6 +29,7 @@ public:
     QString connectionText() const;
     QString operationText() const;
     QProgressBar *progressBar() const { return m_progress; }
+    WaitCountdown *countdown() const { return m_countdown; }
 
 private:
     void Started(const QString &title);
@@ -43,6 +45,7 @@ private:
     bool m_doneShown = false;
     QLabel *m_portLabel, *m_connectionLabel, *m_operationLabel;
     QProgressBar *m_progress;
+    WaitCountdown *m_countdown;
 };
 
 } // namespace kalvo::gui
