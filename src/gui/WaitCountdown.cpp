@@ -4,7 +4,9 @@
 #include "DeviceThread.h"
 #include "Phrases.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 
@@ -30,8 +32,6 @@ WaitCountdown::WaitCountdown(DeviceThread &device, QWidget *parent)
     setObjectName(QStringLiteral("waitCountdown"));
     m_label->setObjectName(QStringLiteral("statusWait"));
     m_cancel->setObjectName(QStringLiteral("cancelWait"));
-    // Escape anywhere in the main window, while the button is shown.
-    m_cancel->setShortcut(QKeySequence(Qt::Key_Escape));
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_label);
@@ -70,12 +70,28 @@ void WaitCountdown::Begin(qint64 msLeft, bool cancellable)
     ShowSeconds();
     show();
     m_tick.start();
+    qApp->installEventFilter(this);
 }
 
 void WaitCountdown::End()
 {
+    qApp->removeEventFilter(this);
     m_tick.stop();
     hide();
+}
+
+bool WaitCountdown::eventFilter(QObject *, QEvent *event)
+{
+    // Escape wherever the focus is in this window (the port box keeps it after OK): a button's
+    // own shortcut would not reach past an editable field.
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    const auto *key = static_cast<QKeyEvent *>(event);
+    if (key->key() != Qt::Key_Escape || key->modifiers() != Qt::NoModifier || !m_cancel->isVisible() ||
+        !m_cancel->isEnabled() || QApplication::activeWindow() != window())
+        return false;
+    m_cancel->click();
+    return true;
 }
 
 void WaitCountdown::ShowSeconds()

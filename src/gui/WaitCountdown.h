@@ -24,6 +24,9 @@ public:
     QString text() const;
     QPushButton *cancelButton() const { return m_cancel; }
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void Begin(qint64 msLeft, bool cancellable);
     void End();
