@@ -107,31 +107,40 @@ TEST_F(NoAnswerWindowTest, ASilentTesterEndsInTheSettingsFrameWithTheProgramAndI
 
 TEST_F(NoAnswerWindowTest, TheWaitCountsDownAndAbbrechenOrEscapeEndsItAtOnce)
 {
-    for (const bool escape : {false, true}) {
-        SCOPED_TRACE(escape ? "Escape" : "Abbrechen");
+    // The button in German, Escape in French: the countdown speaks the program's language.
+    const struct {
+        bool escape;
+        const char *language, *waiting, *cancel, *notConnected;
+    } cases[] = {
+        {false, "deutsch", "Warte auf den Kalvomer: noch 38 s", "Abbrechen", "nicht verbunden"},
+        {true, "französisch", "Attente du Kalvomer : encore 38 s", "Annuler", "non connecté"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.language);
         m_dialogs.messages.clear();
         // The full time-out of the tester: only giving up ends the wait within the test.
         auto &window = Open();
         ASSERT_TRUE(ConnectToSimulator());
+        window.SetLanguage(QString::fromUtf8(c.language));
         Silence(true);
         window.findChild<QAction *>(QStringLiteral("config"))->trigger();
         auto *countdown = window.findChild<gui::WaitCountdown *>(QStringLiteral("waitCountdown"));
         ASSERT_TRUE(WaitUntil([&] { return countdown->isVisible(); }, 5000));
-        EXPECT_TRUE(countdown->text().contains(QStringLiteral("noch "))) << countdown->text().toStdString();
         // Counts down from the time-out, in whole seconds.
-        ASSERT_TRUE(WaitUntil([&] { return countdown->text().contains(QStringLiteral(" 38 s")); }, 5000))
+        ASSERT_TRUE(WaitUntil([&] { return countdown->text() == QString::fromUtf8(c.waiting); }, 5000))
             << countdown->text().toStdString();
         QPushButton *cancel = countdown->cancelButton();
         EXPECT_TRUE(cancel->isVisible());
-        EXPECT_EQ(cancel->text(), QStringLiteral("Abbrechen"));
-        if (!escape)
-            Screenshot(window, QStringLiteral("main-wait-countdown"));
+        EXPECT_EQ(cancel->text(), QString::fromUtf8(c.cancel));
+        Screenshot(window,
+                   QStringLiteral("main-wait-countdown-%1").arg(QString::fromUtf8(c.language).left(2)));
 
-        if (escape) {
-            window.activateWindow();
-            QApplication::setActiveWindow(&window);
+        if (c.escape) {
             // Where the focus stays after OK: the port box.
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+            window.activateWindow();
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+            Child("COM")->setFocus();
+            QTest::keyClick(Child("COM"), Qt::Key_Escape);
         } else {
             cancel->click();
         }
@@ -141,7 +150,7 @@ TEST_F(NoAnswerWindowTest, TheWaitCountsDownAndAbbrechenOrEscapeEndsItAtOnce)
         EXPECT_FALSE(countdown->isVisible());
         EXPECT_TRUE(Child("settingsFrame")->isVisible());
         ExpectNoTester();
-        EXPECT_EQ(Status().connectionText(), QStringLiteral("nicht verbunden"));
+        EXPECT_EQ(Status().connectionText(), QString::fromUtf8(c.notConnected));
         m_window.reset();
     }
 }
