@@ -29,7 +29,6 @@ public:
     QString connectionText() const;
     QString operationText() const;
     QProgressBar *progressBar() const { return m_progress; }
-    WaitCountdown *countdown() const { return m_countdown; }
 
 private:
     void Started(const QString &title);
