@@ -5,6 +5,7 @@
 #include "archive/ArchiveLocation.h"
 #include "gui/StatusLine.h"
 #include "gui/WaitCountdown.h"
+#include "support/SimProcess.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -155,20 +156,44 @@ TEST_F(NoAnswerWindowTest, TheWaitCountsDownAndAbbrechenOrEscapeEndsItAtOnce)
     }
 }
 
-TEST_F(NoAnswerWindowTest, APortThatDoesNotOpenClearsTheLastTesterAtOnceAndSaysWhy)
+TEST_F(NoAnswerWindowTest, AFailedConnectClearsTheLastTesterAtOnceAndSaysWhatFailed)
 {
-    auto &window = Open();
-    ASSERT_TRUE(ConnectToSimulator());
-    ExpectTester();
+    // Another port is chosen after a tester was shown: one that cannot be opened, and a real
+    // serial line (kalvo-sim's pseudo-terminal) on which nothing answers.
+    std::unique_ptr<SimProcess> silent;
+    if (SimProcess::Available())
+        silent =
+            std::make_unique<SimProcess>(QStringList{QStringLiteral("--fault"), QStringLiteral("silence")});
     const QString missing = m_dir.filePath(QStringLiteral("kein-port"));
-    window.findChild<QComboBox *>(QStringLiteral("COM"))->setEditText(missing);
-    QMetaObject::invokeMethod(Child("activate"), "click");
-    // At once, before the device thread has even tried: the old tester is no longer shown.
-    ExpectNoTester();
-    ASSERT_TRUE(Idle());
-    ExpectNoTester();
-    EXPECT_EQ(Status().connectionText(), QStringLiteral("nicht verbunden"));
-    ASSERT_EQ(m_dialogs.messages.size(), 1);
-    EXPECT_TRUE(m_dialogs.messages.first().contains(missing)) << m_dialogs.messages.first().toStdString();
-    EXPECT_FALSE(Status().operationText().isEmpty());
+    const struct {
+        QString port;
+        QString message; // empty: it names the port
+    } cases[] = {{missing, {}}, {silent ? silent->pty() : QString(), kNoAnswer}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.port.toStdString());
+        if (c.port.isEmpty())
+            continue; // no kalvo-sim on this system
+        m_dialogs.messages.clear();
+        auto &window =
+            Open({QStringLiteral("--simulate"), QStringLiteral("--timeout"), QStringLiteral("0.5")});
+        ASSERT_TRUE(ConnectToSimulator());
+        ExpectTester();
+        window.findChild<QComboBox *>(QStringLiteral("COM"))->setEditText(c.port);
+        QMetaObject::invokeMethod(Child("activate"), "click");
+        // At once, before the device thread has even tried: the old tester is no longer shown.
+        ExpectNoTester();
+        ASSERT_TRUE(Idle());
+        ExpectNoTester();
+        EXPECT_EQ(Status().connectionText(), QStringLiteral("nicht verbunden"));
+        EXPECT_TRUE(Status().operationText().contains(QStringLiteral("fehlgeschlagen")))
+            << Status().operationText().toStdString();
+        ASSERT_EQ(m_dialogs.messages.size(), 1);
+        if (c.message.isEmpty())
+            EXPECT_TRUE(m_dialogs.messages.first().contains(c.port))
+                << m_dialogs.messages.first().toStdString();
+        else
+            EXPECT_EQ(m_dialogs.messages.first(), c.message);
+        EXPECT_TRUE(Child("settingsFrame")->isVisible());
+        m_window.reset();
+    }
 }
