@@ -41,7 +41,7 @@ protected:
                 m_tester.load()->faults().add(QStringLiteral("silence"));
         });
     }
-    // Nothing of a tester shown: its labels, the serial number, the title, the status.
+    // Nothing of a tester shown: its version labels, the serial number, the title.
     void ExpectNoTester()
     {
         for (const char *name : kTesterLabels)
