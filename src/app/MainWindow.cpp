@@ -3,6 +3,7 @@
 #include "MainWindow.h"
 
 #include "ChildWindows.h"
+#include "CloseQuestion.h"
 #include "MainMenu.h"
 #include "config/Calibration.h"
 #include "config/Variables.h"
@@ -44,7 +45,6 @@ namespace kalvo::app {
 
 namespace {
 const QString kTitle = QStringLiteral("kalvo");
-constexpr int kExitNoAnswer = 3;
 // The tester display never takes more than this of the window's height; it scrolls instead.
 constexpr int kDisplayHeight = 150;
 
@@ -94,7 +94,12 @@ MainWindow::MainWindow(const Startup &startup, QWidget *parent)
                            [this, warnings] { QMessageBox::warning(this, kTitle, warnings.join('\n')); });
 
     connect(m_device.get(), &gui::DeviceThread::busyChanged, this, &MainWindow::SetBusy);
-    connect(m_device.get(), &gui::DeviceThread::fatal, this, [] { QCoreApplication::exit(kExitNoAnswer); });
+    // A tester that does not answer ends the operation, not the program: its message has been
+    // shown, the port is closed, and the user chooses a port again.
+    connect(m_device.get(), &gui::DeviceThread::noAnswer, this, [this] {
+        ShowNotConnected();
+        m_frames->ShowFrame(m_settings);
+    });
     connect(m_device.get(), &gui::DeviceThread::portOpenChanged, this, &MainWindow::PortOpenChanged);
     connect(m_device.get(), &gui::DeviceThread::displayBytes, this, [this](const QByteArray &bytes) {
         m_display->Show(bytes);
@@ -258,6 +263,10 @@ void MainWindow::PortOpenChanged(bool open)
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
+    if (m_device->transferring() && !CloseDuringTransfer(this, kTitle, m_texts.language())) {
+        event->ignore();
+        return;
+    }
     m_windows->CloseAll();
     m_device->Stop();
     event->accept();
@@ -282,17 +291,39 @@ void MainWindow::Connect()
     const QString port = m_settings->port();
     shell::RememberPort(port);
     m_status->ShowPort(port);
+    // The tester shown so far is gone the moment another connection is asked for.
+    ShowNotConnected();
     m_status->ShowConnection(gui::StatusLine::Connection::Connecting);
-    m_connected = false;
     const bool developmentTerminal = m_developmentTerminal;
     const link::IdentifyOptions options{m_startup.programDir};
-    m_device->Post(
-        this, Caption(m_menu->connection),
-        [this, port, developmentTerminal, options](link::Link &link, link::Prompter &) {
-            const link::ConnectionState state = link::ConnectTester(link, port, developmentTerminal);
-            const link::TesterIdentity identity = link::IdentifyTester(link, options);
-            OnWindow([this, state, identity, open = link.IsOpen()] { ShowIdentity(state, identity, open); });
-        });
+    m_device->Post(this, Caption(m_menu->connection),
+                   [this, port, developmentTerminal, options](link::Link &link, link::Prompter &) {
+                       try {
+                           const link::ConnectionState state =
+                               link::ConnectTester(link, port, developmentTerminal);
+                           const link::TesterIdentity identity = link::IdentifyTester(link, options);
+                           OnWindow([this, state, identity, open = link.IsOpen()] {
+                               ShowIdentity(state, identity, open);
+                           });
+                       } catch (...) {
+                           // A port that would not open, or a tester that did not identify: not connected,
+                           // and the message of the failure says why.
+                           OnWindow([this] { ShowNotConnected(); });
+                           throw;
+                       }
+                   });
+}
+
+void MainWindow::ShowNotConnected()
+{
+    m_connected = false;
+    m_identity = {};
+    m_connection = {};
+    m_settings->ShowIdentity(m_identity, m_texts);
+    m_windows->SetTester({}, {});
+    m_menu->quillbank->setEnabled(false);
+    setWindowTitle(kTitle);
+    m_status->ShowConnection(gui::StatusLine::Connection::NotConnected);
 }
 
 void MainWindow::ShowIdentity(const link::ConnectionState &state, const link::TesterIdentity &identity,

@@ -63,6 +63,7 @@ signals:
 
 protected:
     // Closing the main window ends the program: every window closes, and the port with them.
+    // During an update transfer the user is asked first.
     void closeEvent(QCloseEvent *event) override;
 
 private:
@@ -77,6 +78,8 @@ private:
     void OnWindow(std::function<void()> call);
 
     void Connect();
+    // No tester: nothing of the last one is shown (title, labels, status), the archive forgets it.
+    void ShowNotConnected();
     void ShowIdentity(const link::ConnectionState &state, const link::TesterIdentity &identity, bool open);
     void OpenConfig();
     void StoreConfig();

@@ -23,7 +23,9 @@ DeviceThread::DeviceThread(TransportFactory factory, QWidget *fallbackOwner)
     connect(m_worker, &DeviceWorker::jobStarted, this, &DeviceThread::Started);
     connect(m_worker, &DeviceWorker::jobDone, this, &DeviceThread::Finished);
     connect(m_worker, &DeviceWorker::progressed, this, &DeviceThread::progressed);
-    connect(m_worker, &DeviceWorker::fatal, this, &DeviceThread::fatal);
+    connect(m_worker, &DeviceWorker::noAnswer, this, &DeviceThread::noAnswer);
+    connect(m_worker, &DeviceWorker::waiting, this, &DeviceThread::waiting);
+    connect(m_worker, &DeviceWorker::waitOver, this, &DeviceThread::waitOver);
     connect(m_worker, &DeviceWorker::failed, this, &DeviceThread::failed);
     connect(m_worker, &DeviceWorker::portOpenChanged, this, [this](bool open) {
         m_portOpen = open;
@@ -57,6 +59,16 @@ void DeviceThread::Stop()
     while (!stopped.tryAcquire(1, kServeMs))
         QCoreApplication::sendPostedEvents(QCoreApplication::instance(), QEvent::MetaCall);
     m_portOpen = false; // the worker's word on it is still on its way
+}
+
+void DeviceThread::CancelWait()
+{
+    m_worker->CancelWait();
+}
+
+bool DeviceThread::transferring() const
+{
+    return !m_stopped && m_worker->Transferring();
 }
 
 void DeviceThread::Post(QWidget *owner, const QString &title, Job job)

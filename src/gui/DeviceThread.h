@@ -45,6 +45,11 @@ public:
     void Tell(const QString &text) { emit told(text); }
     // The title of the operation that runs, empty when none does.
     const QString &running() const { return m_running; }
+    // The user gives up waiting for the tester: the wait ends at once as a time-out would. Not
+    // taken up during a transfer.
+    void CancelWait();
+    // Whether an update transfer runs now (the tester's contents are being rewritten).
+    bool transferring() const;
 
 signals:
     void busyChanged(bool busy);
@@ -54,8 +59,13 @@ signals:
     // Progress of the running operation, 0..100.
     void progressed(int percent);
     void told(const QString &text);
-    // The tester did not answer: the message has been shown; the program ends.
-    void fatal(const QString &message);
+    // The tester did not answer, or the user gave up waiting: the message has been shown to the
+    // window that asked, and the port is closed.
+    void noAnswer(const QString &message);
+    // The link waits for an answer, at most `msLeft` more; `cancellable`: CancelWait ends it.
+    void waiting(qint64 msLeft, bool cancellable);
+    // That wait is over.
+    void waitOver();
     // An operation ended with an error; the message has been shown to its window.
     void failed(const QString &title, const QString &message);
     // The port opened or closed (closing on its own means the line was lost).

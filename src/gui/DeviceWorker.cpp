@@ -13,7 +13,7 @@ constexpr int kDisplayPollMs = 50;
 } // namespace
 
 DeviceWorker::DeviceWorker(DeviceThread::TransportFactory factory, QWidget *fallbackOwner)
-    : m_factory(std::move(factory)), m_fallback(fallbackOwner, QString()), m_routing(m_fallback)
+    : m_factory(std::move(factory)), m_fallback(fallbackOwner, QString()), m_routing(m_fallback, m_closing)
 {}
 
 DeviceWorker::~DeviceWorker() = default;
@@ -22,6 +22,7 @@ void DeviceWorker::Start()
 {
     m_transport = m_factory();
     m_link = std::make_unique<link::Link>(*m_transport, m_routing);
+    m_link->setWaitObserver(this);
     m_linkForAbandon = m_link.get();
     m_poll = new QTimer(this);
     m_poll->setInterval(kDisplayPollMs);
@@ -33,21 +34,27 @@ void DeviceWorker::RunTask(const QPointer<QWidget> &owner, const QString &title,
 {
     emit jobStarted(title);
     GuiPrompter prompter(owner, title, [this](int percent) { emit progressed(percent); });
+    // The operation speaks through the router too: a program being closed hears nothing more.
     m_routing.route(&prompter);
     if (m_link) {
+        // A "give up" meant for an earlier operation does not end this one.
+        m_link->ForgetCancel();
         try {
-            job(*m_link, prompter);
+            job(*m_link, m_routing);
         } catch (const link::Timeout &e) {
+            // A silent tester ends the operation, not the program: the port is closed, and the
+            // window goes back to choosing one.
             m_link->ClosePort();
-            prompter.message(e.message(), link::Prompter::Icon::Critical);
-            emit fatal(e.message());
+            m_routing.message(e.message(), link::Prompter::Icon::Critical);
+            emit failed(title, e.message());
+            emit noAnswer(e.message());
         } catch (const link::KalvoError &e) {
-            prompter.message(e.message(), link::Prompter::Icon::Critical);
+            m_routing.message(e.message(), link::Prompter::Icon::Critical);
             emit failed(title, e.message());
         } catch (const std::exception &e) {
             // An unexpected failure ends the operation, not the program.
             const QString message = QString::fromLocal8Bit(e.what());
-            prompter.message(message, link::Prompter::Icon::Critical);
+            m_routing.message(message, link::Prompter::Icon::Critical);
             emit failed(title, message);
         }
     }
@@ -101,6 +108,28 @@ void DeviceWorker::Abandon()
     m_closing = true;
     if (link::Link *link = m_linkForAbandon.load())
         link->Abandon();
+}
+
+void DeviceWorker::CancelWait()
+{
+    if (link::Link *link = m_linkForAbandon.load())
+        link->CancelWait();
+}
+
+bool DeviceWorker::Transferring() const
+{
+    const link::Link *link = m_linkForAbandon.load();
+    return link && link->transferring();
+}
+
+void DeviceWorker::WaitStarted(link::Duration left, bool cancellable)
+{
+    emit waiting(std::chrono::ceil<std::chrono::milliseconds>(left).count(), cancellable);
+}
+
+void DeviceWorker::WaitEnded()
+{
+    emit waitOver();
 }
 
 void DeviceWorker::Stop()

@@ -3,6 +3,7 @@
 
 #include "DeviceThread.h"
 #include "Phrases.h"
+#include "WaitCountdown.h"
 
 #include <QLabel>
 #include <QProgressBar>
@@ -11,7 +12,8 @@ namespace kalvo::gui {
 
 StatusLine::StatusLine(DeviceThread &device, QWidget *parent)
     : QStatusBar(parent), m_portLabel(new QLabel(this)), m_connectionLabel(new QLabel(this)),
-      m_operationLabel(new QLabel(this)), m_progress(new QProgressBar(this))
+      m_operationLabel(new QLabel(this)), m_progress(new QProgressBar(this)),
+      m_countdown(new WaitCountdown(device, this))
 {
     setObjectName(QStringLiteral("statusLine"));
     m_portLabel->setObjectName(QStringLiteral("statusPort"));
@@ -24,6 +26,7 @@ StatusLine::StatusLine(DeviceThread &device, QWidget *parent)
     addWidget(m_portLabel);
     addWidget(m_connectionLabel);
     addWidget(m_operationLabel, 1);
+    addPermanentWidget(m_countdown);
     addPermanentWidget(m_progress);
     connect(&device, &DeviceThread::started, this, &StatusLine::Started);
     connect(&device, &DeviceThread::finished, this, &StatusLine::Finished);
@@ -39,6 +42,7 @@ StatusLine::StatusLine(DeviceThread &device, QWidget *parent)
 void StatusLine::SetLanguage(const QString &language)
 {
     m_language = language;
+    m_countdown->SetLanguage(language);
     ShowConnectionText();
 }
 

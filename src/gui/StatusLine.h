@@ -9,6 +9,7 @@ class QProgressBar;
 namespace kalvo::gui {
 
 class DeviceThread;
+class WaitCountdown;
 
 class StatusLine : public QStatusBar {
     Q_OBJECT
@@ -43,6 +44,7 @@ private:
     bool m_doneShown = false;
     QLabel *m_portLabel, *m_connectionLabel, *m_operationLabel;
     QProgressBar *m_progress;
+    WaitCountdown *m_countdown;
 };
 
 } // namespace kalvo::gui

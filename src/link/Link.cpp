@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 #include <QStringList>
+#include <utility>
 
 namespace kalvo::link {
 
@@ -38,6 +39,28 @@ public:
 private:
     Prompter &m_prompter;
     bool m_on;
+};
+
+// Tells the observer about one wait, once it has lasted a slice, and that it ended.
+class WaitNotice {
+public:
+    explicit WaitNotice(WaitObserver *observer) : m_observer(observer) {}
+    ~WaitNotice()
+    {
+        if (m_told)
+            m_observer->WaitEnded();
+    }
+    WaitNotice(const WaitNotice &) = delete;
+    WaitNotice &operator=(const WaitNotice &) = delete;
+    void Tell(Duration left, bool cancellable)
+    {
+        if (m_observer && !std::exchange(m_told, true))
+            m_observer->WaitStarted(left, cancellable);
+    }
+
+private:
+    WaitObserver *m_observer;
+    bool m_told = false;
 };
 } // namespace
 
@@ -83,6 +106,9 @@ void Link::SendCommand(const QByteArray &text)
 
 void Link::WriteAndDrain(const QByteArray &bytes, bool discardFirst)
 {
+    // A program being closed stops a stream between its blocks.
+    if (m_abandoned)
+        Lost(PortError(PortError::Kind::Lost, kAbandonedText));
     bool sent = false;
     try {
         if (discardFirst)
@@ -109,6 +135,8 @@ void Link::QueueRaw(const QByteArray &bytes)
 {
     if (!m_transport.isOpen())
         return;
+    if (m_abandoned)
+        Lost(PortError(PortError::Kind::Lost, kAbandonedText));
     try {
         m_transport.write(bytes);
     } catch (const PortError &e) {
@@ -146,16 +174,25 @@ void Link::DiscardInput()
     }
 }
 
+bool Link::CancelTaken()
+{
+    return m_transfers == 0 && m_cancelRequested.exchange(false);
+}
+
 QByteArray Link::ReadBefore(Duration deadline)
 {
-    for (;;) {
+    WaitNotice notice(m_observer);
+    for (bool first = true;; first = false) {
         const Duration remaining = deadline - m_clock.now();
-        if (remaining <= Duration::zero()) {
+        // Given up by the user: the same end as a tester that stays silent.
+        if (remaining <= Duration::zero() || CancelTaken()) {
             m_transport.close();
             throw Timeout();
         }
         if (m_abandoned)
             Lost(PortError(PortError::Kind::Lost, kAbandonedText));
+        if (!first)
+            notice.Tell(remaining, !transferring());
         QByteArray chunk;
         try {
             // Waiting in slices lets a program that is being closed stop waiting.

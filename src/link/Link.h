@@ -4,6 +4,7 @@
 #include "Clock.h"
 #include "Prompter.h"
 #include "Transport.h"
+#include "WaitObserver.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -120,6 +121,16 @@ public:
     // Makes a running or later wait give up at once (the program is being closed); safe to call
     // from another thread.
     void Abandon() { m_abandoned = true; }
+    // The user gives up waiting: the wait for an answer that runs now, or the next one, ends as a
+    // time-out would (port closed, Timeout). Safe to call from another thread. Inside a transfer
+    // it is not taken up: a half-sent package leaves the tester without complete contents.
+    void CancelWait() { m_cancelRequested = true; }
+    // Forgets a cancel that no wait took up, so that it cannot end the next operation.
+    void ForgetCancel() { m_cancelRequested = false; }
+    // Hears the waits for an answer that take longer than a moment; none: nobody is told.
+    void setWaitObserver(WaitObserver *observer) { m_observer = observer; }
+    // Whether a TransferScope is open; safe to read from another thread.
+    bool transferring() const { return m_transfers > 0; }
 
     // Development trace: every received byte goes to `path` (replaced). Empty path stops it.
     void StartTrace(const QString &path);
@@ -127,7 +138,10 @@ public:
     bool tracing() const { return m_trace != nullptr; }
 
 private:
+    friend class TransferScope;
     void Trace(char byte);
+    // True once when the user gave up waiting and no transfer runs.
+    bool CancelTaken();
     [[noreturn]] void Lost(const PortError &error);
     // Writes and waits until sent; a stalled line closes the port and throws Timeout.
     void WriteAndDrain(const QByteArray &bytes, bool discardFirst);
@@ -151,6 +165,9 @@ private:
     bool m_busyCursor = false;
     std::unique_ptr<QFile> m_trace;
     std::atomic<bool> m_abandoned{false};
+    std::atomic<bool> m_cancelRequested{false};
+    std::atomic<int> m_transfers{0};
+    WaitObserver *m_observer = nullptr;
     QByteArray m_lastCommand;
     QList<QByteArray> m_refused;
     int m_refusalsForgotten = 0;
@@ -174,6 +191,19 @@ public:
 private:
     const Link &m_link;
     int m_start;
+};
+
+// An update transfer runs while it lives: the tester's memory is being rewritten, so the user's
+// "give up waiting" is not taken up, and a program being closed asks first.
+class TransferScope {
+public:
+    explicit TransferScope(Link &link) : m_link(link) { ++m_link.m_transfers; }
+    ~TransferScope() { --m_link.m_transfers; }
+    TransferScope(const TransferScope &) = delete;
+    TransferScope &operator=(const TransferScope &) = delete;
+
+private:
+    Link &m_link;
 };
 
 // Sets the protocol-error number and text for one operation and restores the old ones after it.

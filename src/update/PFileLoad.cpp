@@ -32,6 +32,7 @@ std::optional<MadePFile> MakePFile(link::Prompter &prompter, const QString &temp
 
 bool LoadPFile(link::Link &link, link::Prompter &prompter, const MadePFile &pfile)
 {
+    const link::TransferScope transfer(link);
     const link::RefusalWatch session(link);
     RunFailure failure(link);
     link.SendCommand(QByteArray{} + link::kEOT + link::kCR);

@@ -22,8 +22,8 @@ class Steps {
 public:
     Steps(link::Link &link, link::Prompter &prompter, const UpdatePermission &permission,
           const UpdateContext &context)
-        : m_link(link), m_prompter(prompter), m_permission(permission), m_context(context), m_session(link),
-          m_failure(link)
+        : m_link(link), m_prompter(prompter), m_permission(permission), m_context(context), m_transfer(link),
+          m_session(link), m_failure(link)
     {}
 
     QString PathOf(const QString &fileName) const { return QDir(m_context.directory).filePath(fileName); }
@@ -110,6 +110,8 @@ private:
     link::Prompter &m_prompter;
     const UpdatePermission &m_permission;
     const UpdateContext &m_context;
+    // The whole run is one transfer: from its first command the tester's contents are in flux.
+    const link::TransferScope m_transfer;
     const link::RefusalWatch m_session; // from the start of the run: no loader opens after a refusal
     RunFailure m_failure;
     std::optional<HexFile> m_hex;

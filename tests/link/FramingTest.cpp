@@ -4,6 +4,9 @@
 #include "link/Errors.h"
 #include "link/TextRules.h"
 
+#include <optional>
+#include <vector>
+
 using namespace std::chrono_literals;
 using namespace kalvo::link;
 
@@ -11,6 +14,28 @@ namespace kalvo::testing {
 namespace {
 
 using Framing = LinkFixture;
+
+// Remembers what the link told about its waits; gives up waiting when told to.
+struct WaitLog final : WaitObserver {
+    explicit WaitLog(Link &link, bool giveUp = false) : link(link), giveUp(giveUp)
+    {
+        link.setWaitObserver(this);
+    }
+    ~WaitLog() override { link.setWaitObserver(nullptr); }
+    void WaitStarted(Duration left, bool can) override
+    {
+        started.push_back(left);
+        cancellable.push_back(can);
+        if (giveUp)
+            link.CancelWait();
+    }
+    void WaitEnded() override { ++ended; }
+    Link &link;
+    bool giveUp;
+    std::vector<Duration> started;
+    std::vector<bool> cancellable;
+    int ended = 0;
+};
 
 TEST_F(Framing, AnswerInSingleBytesIsCollectedWholeAndMayOutlastTheTimeoutFromTheCommand)
 {
@@ -152,6 +177,92 @@ TEST_F(Framing, AnAbandonedLinkGivesUpInsteadOfWaitingAndClosesThePort)
     EXPECT_THROW(link.ReceiveAnswer(), PortError);
     EXPECT_FALSE(link.IsOpen());
     EXPECT_LT(clock.now(), std::chrono::seconds(1));
+    // A stream being written stops at its next block or line, too: nothing more goes out.
+    for (const bool queued : {false, true}) {
+        ScriptedLink s;
+        s.link.Abandon();
+        EXPECT_THROW(queued ? s.link.QueueRaw("line\r") : s.link.WriteRaw(QByteArray(100, 'x')), PortError);
+        EXPECT_TRUE(s.transport.writes().empty());
+        EXPECT_FALSE(s.link.IsOpen());
+    }
+}
+
+TEST_F(Framing, AWaitOfMoreThanAMomentIsToldWithItsDeadlineAndWhetherItCanBeGivenUp)
+{
+    const struct {
+        const char *name;
+        std::optional<Duration> answerAfter; // none: silence
+        bool inTransfer;
+        int told; // how many waits were told (the rest of an answer is a wait of its own)
+        bool cancellable;
+    } cases[] = {
+        {"quick answer", 5ms, false, 0, true},
+        {"slow answer", 3s, false, 1, true},
+        {"silence", std::nullopt, false, 1, true},
+        {"silence in a transfer", std::nullopt, true, 1, false},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        ScriptedLink s;
+        s.link.setTimeout(10s);
+        WaitLog log(s.link);
+        auto &step = s.transport.Expect("dis?\r");
+        if (c.answerAfter)
+            step.Reply("dis? 0.Y\x11", *c.answerAfter);
+        std::optional<TransferScope> transfer;
+        if (c.inTransfer)
+            transfer.emplace(s.link);
+        try {
+            EXPECT_EQ(s.link.Exchange("dis?"), "dis? 0.Y\x11");
+        } catch (const Timeout &) {
+            EXPECT_FALSE(c.answerAfter);
+        }
+        ASSERT_EQ(static_cast<int>(log.started.size()), c.told);
+        EXPECT_EQ(log.ended, c.told);
+        if (c.told > 0) {
+            // Told after the first slice of waiting: nearly the whole time-out is left.
+            EXPECT_GT(log.started.front(), 9s);
+            EXPECT_LT(log.started.front(), 10s);
+            EXPECT_EQ(log.cancellable.front(), c.cancellable);
+        }
+    }
+}
+
+TEST_F(Framing, GivingUpEndsTheWaitAsATimeoutWouldExceptInATransfer)
+{
+    const struct {
+        const char *name;
+        bool inTransfer;
+    } cases[] = {{"exchange", false}, {"transfer", true}};
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        ScriptedLink s;
+        s.link.setTimeout(10s);
+        WaitLog log(s.link, true);
+        s.transport.Expect("dis?\r");
+        std::optional<TransferScope> transfer;
+        if (c.inTransfer)
+            transfer.emplace(s.link);
+        try {
+            s.link.Exchange("dis?");
+            ADD_FAILURE() << "no Timeout";
+        } catch (const Timeout &e) {
+            EXPECT_EQ(e.message(), QStringLiteral("3:  Kein Kalvomer gefunden"));
+        }
+        EXPECT_FALSE(s.link.IsOpen());
+        EXPECT_EQ(log.ended, 1);
+        if (c.inTransfer)
+            EXPECT_GE(s.clock.now(), 10s) << "a transfer must wait its whole time-out";
+        else
+            EXPECT_LT(s.clock.now(), 1s) << "giving up must end the wait at once";
+    }
+
+    // A give-up that no wait took up is forgotten when the next operation begins.
+    ScriptedLink s;
+    s.link.CancelWait();
+    s.link.ForgetCancel();
+    s.transport.Expect("dis?\r").Reply("dis? 0.Y\x11", 2s);
+    EXPECT_EQ(s.link.Exchange("dis?"), "dis? 0.Y\x11");
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// The main window offscreen: start-up, connecting to the virtual tester, languages, time-out.
+// The main window offscreen: start-up, connecting to the virtual tester, languages.
 #include "WindowFixture.h"
 #include "support/TestFiles.h"
 
@@ -129,18 +129,6 @@ TEST_F(MainWindowTest, EveryLanguageEntryChangesEveryMenuCaption)
     }
     EXPECT_EQ(seen.size(), 7) << "each language must caption the menus differently";
     EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('\n').toStdString();
-}
-
-TEST_F(MainWindowTest, ATesterThatNeverAnswersEndsTheProgramAfterTheMessage)
-{
-    auto &window = Open({QStringLiteral("--simulate"), QStringLiteral("--timeout"), QStringLiteral("0.3")},
-                        {QStringLiteral("silence")});
-    QMetaObject::invokeMethod(window.findChild<QWidget *>(QStringLiteral("activate")), "click",
-                              Qt::QueuedConnection);
-    const int code = QApplication::exec();
-    EXPECT_EQ(code, 3);
-    ASSERT_EQ(m_dialogs.messages.size(), 1);
-    EXPECT_EQ(m_dialogs.messages.first(), QStringLiteral("3:  Kein Kalvomer gefunden"));
 }
 
 TEST_F(MainWindowTest, ConfigurationNeedsAnOpenPortAndShowsTheRegisters)

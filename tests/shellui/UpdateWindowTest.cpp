@@ -11,6 +11,7 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 
@@ -198,4 +199,50 @@ TEST_F(UpdateWindowTest, APackageRunFromTheWindowReachesKalvoSimOverAPseudoTermi
     EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
     // The identity read after the run shows the pictures' new date.
     EXPECT_NE(window.findChild<QLabel *>(QStringLiteral("bilderver"))->text(), picturesBefore);
+}
+
+TEST_F(UpdateWindowTest, ClosingDuringAnUpdateAsksFirstAndKeepsItRunningUnlessTheUserQuits)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    WritePackage();
+    // At the line's pace, so that the run lasts long enough to be closed in the middle.
+    window.device().RunAndWait([&](link::Link &) { m_tester.load()->setBaud(9600); });
+    // Which button a question offers for Enter, seen the moment it shows (before it is answered).
+    struct DefaultWatch : QObject {
+        QStringList defaults;
+        bool eventFilter(QObject *watched, QEvent *event) override
+        {
+            if (auto *box = qobject_cast<QMessageBox *>(watched); box && event->type() == QEvent::Show)
+                defaults << (box->defaultButton() ? box->defaultButton()->text() : QString());
+            return false;
+        }
+    } watch;
+    qApp->installEventFilter(&watch);
+    const qsizetype before = LinesSince(0).size();
+
+    // Keep running: the run goes on to its end and reads the identity again.
+    window.findChild<QAction *>(QStringLiteral("paket_ge"))->trigger();
+    ASSERT_TRUE(WaitUntil([&] { return window.device().transferring(); }));
+    m_dialogs.confirmations = {false};
+    EXPECT_FALSE(window.close());
+    ASSERT_EQ(m_dialogs.messages.size(), 1);
+    EXPECT_TRUE(m_dialogs.messages.first().contains(QStringLiteral("ohne vollständigen Inhalt")))
+        << m_dialogs.messages.first().toStdString();
+    EXPECT_EQ(watch.defaults, QStringList{QStringLiteral("Weiterlaufen lassen")});
+    EXPECT_TRUE(window.isVisible());
+    ASSERT_TRUE(WaitUntil([&] { return !window.device().busy(); }, 60000));
+    EXPECT_TRUE(CommandsSince(before).contains("rst!0\r"));
+    EXPECT_EQ(m_dialogs.messages.size(), 1) << m_dialogs.messages.join('|').toStdString();
+
+    // Quit: the transfer stops, the window closes, and nothing more is said afterwards.
+    window.findChild<QAction *>(QStringLiteral("paket_ge"))->trigger();
+    ASSERT_TRUE(WaitUntil([&] { return window.device().transferring(); }));
+    m_dialogs.confirmations = {true};
+    EXPECT_TRUE(window.close());
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_FALSE(window.device().portOpen());
+    WaitUntil([] { return false; }, 500);
+    EXPECT_EQ(m_dialogs.messages.size(), 2) << m_dialogs.messages.join('|').toStdString();
+    qApp->removeEventFilter(&watch);
 }
