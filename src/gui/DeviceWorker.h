@@ -19,6 +19,7 @@ public:
 
     void message(const QString &text, Icon icon) override { target().message(text, icon); }
     bool confirm(const QString &text) override { return target().confirm(text); }
+    bool confirmLoss(const QString &text) override { return target().confirmLoss(text); }
     std::optional<QString> askText(const QString &title, const QString &prompt,
                                    const QString &defaultText) override
     {
