@@ -229,6 +229,7 @@ void ChildWindows::SetBusy(bool busy)
 void ChildWindows::ApplyRecordTexts(const link::LanguageTable &texts)
 {
     m_records->SetLanguage(texts.language());
+    m_templates->SetLanguage(texts.language());
     m_recordLimits->ApplyTexts(texts);
     m_recordLimitMenu->ApplyTexts(texts);
 }

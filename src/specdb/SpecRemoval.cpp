@@ -29,6 +29,8 @@ RemovalStatus Outcome(link::Prompter &prompter, const link::LanguageTable &texts
 QString AskingWhatIsLost(const QString &question, int testRecords, int specifications, bool kept,
                          const QString &language)
 {
+    if (testRecords + specifications == 0)
+        return question; // nothing listed: nothing to name
     QString text = question + QStringLiteral("\n\n") + LossInTester(testRecords, specifications, language);
     if (testRecords > 0)
         text +=
