@@ -16,6 +16,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTimer>
 
 using namespace kalvo;
 using namespace kalvo::testing;
@@ -77,6 +78,17 @@ TEST_F(DestructiveQuestionsTest, EnterOnAnyDeletionQuestionDeletesNothing)
     OpenDatabase(14);
     ASSERT_EQ(m_database->findChild<QListWidget *>(QStringLiteral("IdNr"))->count(), 16);
     m_dialogs.pressEnter = true;
+    // A picture of the first question, for a person to look at.
+    QTimer snap;
+    QObject::connect(&snap, &QTimer::timeout, [&snap] {
+        if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+            snap.stop();
+            QDir(QCoreApplication::applicationDirPath()).mkpath(QStringLiteral("screenshots"));
+            box->grab().save(QCoreApplication::applicationDirPath() +
+                             QStringLiteral("/screenshots/database-delete-all-question.png"));
+        }
+    });
+    snap.start(2);
 
     // "Alle löschen", the guard of "Im Kalvomer speichern" in front of it, and one entry by the
     // right mouse button: Enter answers each, and each time Cancel is what it presses.
@@ -103,7 +115,7 @@ TEST_F(DestructiveQuestionsTest, EnterOnAnyDeletionQuestionDeletesNothing)
     for (const DialogAnswerer::Seen &seen : std::as_const(m_dialogs.seen))
         EXPECT_EQ(seen.owner.data(), static_cast<QWidget *>(m_database))
             << "the question belongs to the window that asked";
-    Screenshot(*m_database, QStringLiteral("database-delete-all-question"));
+    Screenshot(*m_database, QStringLiteral("database-after-enter"));
 }
 
 TEST_F(DestructiveQuestionsTest, TestRecordsAreArchivedBeforeTheyAreDeletedAndAFailedReadDeletesNothing)
