@@ -9,6 +9,7 @@ class QuietPrompter final : public link::Prompter {
 public:
     void message(const QString &, Icon) override {}
     bool confirm(const QString &) override { return false; }
+    bool confirmLoss(const QString &) override { return false; }
     std::optional<QString> askText(const QString &, const QString &, const QString &) override { return {}; }
     QString askOpenFile(const QString &) override { return {}; }
     QString askSaveFile(const QString &) override { return {}; }

@@ -121,6 +121,15 @@ specdb::ui::DatabaseWindow *ChildWindows::OpenDatabase(const link::LanguageTable
         m_database = new specdb::ui::DatabaseWindow(
             m_device, texts, specdb::RegulationRules{specdb::ApplyDefaults, specdb::LooserLimits});
         m_database->setAttribute(Qt::WA_DeleteOnClose);
+        // Test records about to be deleted from the tester go into the archive first.
+        m_database->SetRecordKeeping([this]() -> specdb::RecordKeeper {
+            if (!archive::KeepingRecords())
+                return {};
+            return [source = archive::RecordSource{m_tester, m_testerSerial, QString(), QString()}](
+                       const QList<QByteArray> &records) {
+                return archive::KeepBeforeDeleting(records, source);
+            };
+        });
         connect(m_database, &specdb::ui::DatabaseWindow::testRecordChosen, this,
                 [this, &texts](int number) { OpenRecords(texts)->ShowStoredRecord(number); });
         m_database->SetBusy(m_device.busy());
@@ -233,6 +242,7 @@ void ChildWindows::SetBusy(bool busy)
 void ChildWindows::ApplyRecordTexts(const link::LanguageTable &texts)
 {
     m_records->SetLanguage(texts.language());
+    m_templates->SetLanguage(texts.language());
     m_recordLimits->ApplyTexts(texts);
     m_recordLimitMenu->ApplyTexts(texts);
 }

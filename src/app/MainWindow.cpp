@@ -419,10 +419,10 @@ void MainWindow::ToggleSwitch(bool d3)
 
 void MainWindow::RestoreCalibrationFromFile()
 {
-    PostChecked(m_menu->setKal, [](link::Link &link, link::Prompter &prompter) {
+    PostChecked(m_menu->setKal, [language = m_texts.language()](link::Link &link, link::Prompter &prompter) {
         const QString path = prompter.askOpenFile(config::kCalibrationFilter);
         if (!path.isEmpty())
-            config::RestoreCalibration(link, prompter, path, config::RestoreSource::MainForm);
+            config::RestoreCalibration(link, prompter, path, config::RestoreSource::MainForm, {}, language);
     });
 }
 

@@ -14,11 +14,10 @@ KeepOutcome KeepReadRecords(const QList<QByteArray> &records, const RecordSource
     KeepOutcome outcome;
     if (records.isEmpty() || switchedOff)
         return outcome;
-    const ArchiveSettings settings = ReadArchiveSettings();
-    if (url.isEmpty() && !settings.enabled)
+    if (!KeepingRecords(url))
         return outcome;
     try {
-        Archive archive(ParseArchiveUrl(url.isEmpty() ? settings.url : url));
+        Archive archive(ParseArchiveUrl(url.isEmpty() ? ReadArchiveSettings().url : url));
         const ImportResult result = ImportRecords(archive, records, source);
         outcome.kept = true;
         for (const QString &refused : result.refused)
@@ -28,6 +27,22 @@ KeepOutcome KeepReadRecords(const QList<QByteArray> &records, const RecordSource
         outcome.messages << e.message();
     }
     return outcome;
+}
+
+bool KeepingRecords(const QString &url, bool switchedOff)
+{
+    return !switchedOff && (!url.isEmpty() || ReadArchiveSettings().enabled);
+}
+
+QString KeepBeforeDeleting(const QList<QByteArray> &records, const RecordSource &source, const QString &url)
+{
+    if (records.isEmpty())
+        return {};
+    if (!KeepingRecords(url))
+        return QStringLiteral("Das Archiv ist ausgeschaltet."); // switched off since the question
+    const KeepOutcome outcome = KeepReadRecords(records, source, url);
+    return outcome.failed || !outcome.messages.isEmpty() ? outcome.messages.join(QLatin1Char('\n'))
+                                                         : QString();
 }
 
 } // namespace kalvo::archive

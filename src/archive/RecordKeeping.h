@@ -22,4 +22,14 @@ struct KeepOutcome {
 KeepOutcome KeepReadRecords(const QList<QByteArray> &records, const RecordSource &source,
                             const QString &url = QString(), bool switchedOff = false);
 
+// Whether KeepReadRecords would keep records now: not `switchedOff`, and `url` given or the archive
+// of the user settings switched on.
+bool KeepingRecords(const QString &url = QString(), bool switchedOff = false);
+
+// Keeps records that are about to be deleted from the tester: an empty text when every one of them
+// is in the archive, otherwise why not. A record the archive refuses counts as not kept: deleted,
+// it would be lost.
+QString KeepBeforeDeleting(const QList<QByteArray> &records, const RecordSource &source,
+                           const QString &url = QString());
+
 } // namespace kalvo::archive

@@ -22,6 +22,8 @@ public:
 
     void message(const QString &text, Icon icon) override;
     bool confirm(const QString &text) override;
+    // As confirm: a command line that destroys something says so with --yes.
+    bool confirmLoss(const QString &text) override { return confirm(text); }
     std::optional<QString> askText(const QString &title, const QString &prompt,
                                    const QString &defaultText) override;
     QString askOpenFile(const QString &filter) override;

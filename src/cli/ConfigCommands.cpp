@@ -40,6 +40,8 @@ public:
         m_inner.message(text + QStringLiteral(" -> OK (--store)"), Icon::Information);
         return true;
     }
+    // --store is the command line's answer to "store over what the tester holds?" as well.
+    bool confirmLoss(const QString &text) override { return confirm(text); }
     std::optional<QString> askText(const QString &t, const QString &p, const QString &d) override
     {
         return m_inner.askText(t, p, d);
@@ -200,8 +202,8 @@ int Cal(CliContext &context, QStringList words)
         config::ReadCalibrationFile(words[1], config::RestoreSource::MainForm);
         context.OpenPort();
         StoringPrompter prompter(context.prompter(), store);
-        const auto result = config::RestoreCalibration(context.link(), prompter, words[1],
-                                                       config::RestoreSource::MainForm, show);
+        const auto result = config::RestoreCalibration(
+            context.link(), prompter, words[1], config::RestoreSource::MainForm, show, context.language());
         out << result.entriesWritten << " entries written, " << (result.stored ? "stored" : "not stored")
             << '\n';
         return kExitDone;

@@ -2,6 +2,7 @@
 #include "CliCommand.h"
 #include "CliContext.h"
 #include "CliWords.h"
+#include "archive/RecordKeeping.h"
 
 #include "specdb/DefaultLimits.h"
 #include "specdb/SetFile.h"
@@ -316,9 +317,16 @@ int Delete(CliContext &context, const QStringList &arguments)
                                    link::Prompter::Icon::Warning);
         return kExitFailed;
     }
+    // Test records are kept in the archive before they are deleted, as every read keeps them.
+    specdb::Removal removal = specdb::RemovalOf(*store);
+    const QString url = context.options().archiveUrl;
+    if (archive::KeepingRecords(url, context.options().noArchive))
+        removal.keep = [url, port = context.portName()](const QList<QByteArray> &records) {
+            return archive::KeepBeforeDeleting(records, {port, QString(), QString(), QString()}, url);
+        };
     const specdb::RemovalStatus status =
-        all ? specdb::DeleteAllRecords(context.link(), context.prompter(), context.texts(), store->count())
-            : specdb::DeleteRecord(context.link(), context.prompter(), context.texts(), number);
+        all ? specdb::DeleteAllRecords(context.link(), context.prompter(), context.texts(), removal)
+            : specdb::DeleteRecord(context.link(), context.prompter(), context.texts(), number, removal);
     if (status != specdb::RemovalStatus::Deleted)
         return kExitFailed;
     context.out() << context.texts().text(link::TxtDeleteDone) << '\n';

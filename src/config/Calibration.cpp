@@ -6,6 +6,7 @@
 #include "link/Prompter.h"
 #include "link/ServiceSession.h"
 #include "link/TextRules.h"
+#include "link/TextsInLanguage.h"
 #include "platform/FileSystem.h"
 
 #include <QDir>
@@ -220,8 +221,30 @@ QList<CalibrationEntry> ReadCalibrationFile(const QString &path, RestoreSource s
     return ParseEntries(path, FileLines(path), source);
 }
 
+namespace {
+
+// Below the question: what storing replaces.
+QString ReplacedText(int entries, const QString &path, const QString &language)
+{
+    static const link::LanguageTexts kEntries = {
+        u"Eintrag|Einträge",        u"entry|entries", u"entrée|entrées",  u"voce|voci",
+        u"položka|položky|položek", u"item|items",    u"entrada|entradas"};
+    static const link::LanguageTexts kReplaced = {
+        u"Die gespeicherten Kalibrierwerte des Kalvomer werden durch %1 aus %2 ersetzt.",
+        u"The calibration values stored in the Kalvomer are replaced by %1 from %2.",
+        u"Les valeurs d'étalonnage enregistrées dans le Kalvomer sont remplacées par %1 de %2.",
+        u"I valori di taratura memorizzati nel Kalvomer vengono sostituiti da %1 di %2.",
+        u"Kalibrační hodnoty uložené v přístroji Kalvomer budou nahrazeny: %1 ze souboru %2.",
+        u"De in de Kalvomer opgeslagen kalibratiewaarden worden vervangen door %1 uit %2.",
+        u"Los valores de calibración guardados en el Kalvomer se sustituyen por %1 de %2."};
+    return link::InLanguage(kReplaced, language)
+        .arg(link::CountedNoun(entries, kEntries, language), QDir::toNativeSeparators(path));
+}
+
+} // namespace
+
 RestoreResult RestoreCalibration(link::Link &link, link::Prompter &prompter, const QString &path,
-                                 RestoreSource source, const LineSink &showLine)
+                                 RestoreSource source, const LineSink &showLine, const QString &language)
 {
     const QList<QByteArray> lines = FileLines(path);
     const QList<CalibrationEntry> entries = ParseEntries(path, lines, source);
@@ -242,10 +265,11 @@ RestoreResult RestoreCalibration(link::Link &link, link::Prompter &prompter, con
     }
     showUpTo(static_cast<int>(lines.size()));
     result.refused = watch.commands();
-    const QString question = result.refused.isEmpty()
-                                 ? kStoreQuestion
-                                 : QStringLiteral("Abgelehnt: %1\n%2").arg(watch.Describe(), kStoreQuestion);
-    if (prompter.confirm(question))
+    QString question = result.refused.isEmpty()
+                           ? kStoreQuestion
+                           : QStringLiteral("Abgelehnt: %1\n%2").arg(watch.Describe(), kStoreQuestion);
+    question += QStringLiteral("\n\n") + ReplacedText(result.entriesWritten, path, language);
+    if (prompter.confirmLoss(question))
         result.stored = link::StoreChanges(link, prompter, link::StoreCommand::Calibration);
     link::SendSetting(link, "kal!aus");
     return result;

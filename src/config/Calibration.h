@@ -73,8 +73,11 @@ struct RestoreResult {
 // Reads the whole file first (nothing is sent for a bad file), then "idn!99", "kal!ein", the two
 // "wer!" writes per entry, the "speichern??" question ("kal!pgm" only on OK) and "kal!aus".
 // A write the tester refuses (".N" or "Protokoll") does not stop the session, but the question
-// then names every refused line first. `showLine` sees every line of the file.
+// then names every refused line first. The question says, in `language`, that the values the
+// tester keeps are replaced, and by how many entries of which file; Cancel is its default.
+// `showLine` sees every line of the file.
 RestoreResult RestoreCalibration(link::Link &link, link::Prompter &prompter, const QString &path,
-                                 RestoreSource source, const LineSink &showLine = {});
+                                 RestoreSource source, const LineSink &showLine = {},
+                                 const QString &language = QString());
 
 } // namespace kalvo::config

@@ -26,6 +26,7 @@ public:
             target().message(text, icon);
     }
     bool confirm(const QString &text) override { return !m_closing && target().confirm(text); }
+    bool confirmLoss(const QString &text) override { return !m_closing && target().confirmLoss(text); }
     std::optional<QString> askText(const QString &title, const QString &prompt,
                                    const QString &defaultText) override
     {

@@ -67,6 +67,16 @@ bool GuiPrompter::confirm(const QString &text)
     });
 }
 
+bool GuiPrompter::confirmLoss(const QString &text)
+{
+    return OnWindowThread([&] {
+        QMessageBox box(QMessageBox::Warning, title(), text, QMessageBox::Ok | QMessageBox::Cancel, m_owner);
+        box.setDefaultButton(QMessageBox::Cancel);
+        box.setEscapeButton(QMessageBox::Cancel);
+        return box.exec() == QMessageBox::Ok;
+    });
+}
+
 std::optional<QString> GuiPrompter::askText(const QString &dialogTitle, const QString &prompt,
                                             const QString &defaultText)
 {

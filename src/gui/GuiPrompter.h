@@ -17,6 +17,8 @@ public:
 
     void message(const QString &text, Icon icon) override;
     bool confirm(const QString &text) override;
+    // A warning box whose default button is Cancel: Enter destroys nothing.
+    bool confirmLoss(const QString &text) override;
     std::optional<QString> askText(const QString &title, const QString &prompt,
                                    const QString &defaultText) override;
     QString askOpenFile(const QString &filter) override;

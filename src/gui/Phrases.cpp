@@ -2,6 +2,7 @@
 #include "Phrases.h"
 
 #include "link/LanguageTable.h"
+#include "link/TextsInLanguage.h"
 
 #include <array>
 
@@ -69,8 +70,7 @@ QString PhraseText(Phrase phrase, const QString &language)
 
 QString InLanguage(const LanguageTexts &texts, const QString &language)
 {
-    const std::optional<link::LanguageColumn> column = link::FindLanguage(language);
-    return QString::fromUtf16(texts[column ? static_cast<size_t>(column->column - 1) : 0]);
+    return link::InLanguage(texts, language);
 }
 
 } // namespace kalvo::gui

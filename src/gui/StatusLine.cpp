@@ -46,6 +46,12 @@ void StatusLine::SetLanguage(const QString &language)
     ShowConnectionText();
 }
 
+void StatusLine::ShowOperationsOnly()
+{
+    m_portLabel->hide();
+    m_connectionLabel->hide();
+}
+
 void StatusLine::ShowPort(const QString &port)
 {
     m_port = port;

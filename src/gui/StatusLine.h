@@ -20,6 +20,8 @@ public:
     StatusLine(DeviceThread &device, QWidget *parent = nullptr);
 
     void SetLanguage(const QString &language);
+    // For a window of its own (the record window): the operations only, without port and connection.
+    void ShowOperationsOnly();
     void ShowPort(const QString &port);
     // `name` and `firmware` are shown with Connected.
     void ShowConnection(Connection state, const QString &name = {}, const QString &firmware = {});

@@ -14,6 +14,9 @@ public:
     virtual void message(const QString &text, Icon icon = Icon::Information) = 0;
     // OK / Cancel; true for OK.
     virtual bool confirm(const QString &text) = 0;
+    // OK / Cancel before something is lost (records deleted, values or a file overwritten): the
+    // text says what; Cancel is the answer a bare Enter gives. true for OK.
+    virtual bool confirmLoss(const QString &text) = 0;
     // nullopt when the user cancels.
     virtual std::optional<QString> askText(const QString &title, const QString &prompt,
                                            const QString &defaultText) = 0;

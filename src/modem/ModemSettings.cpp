@@ -41,7 +41,7 @@ bool StoreModemSettings(link::Link &link, link::Prompter &prompter, const QStrin
                         const QList<QByteArray> &refusedBefore)
 {
     if (!refusedBefore.isEmpty() &&
-        !prompter.confirm(
+        !prompter.confirmLoss(
             QStringLiteral("Abgelehnt: %1\nTrotzdem speichern?").arg(link::QuotedCommands(refusedBefore))))
         return false;
     if (!link::StoreChanges(link, prompter, link::StoreCommand::Configuration))

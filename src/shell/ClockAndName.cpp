@@ -55,7 +55,7 @@ NamingResult SendTesterName(link::Link &link, link::Prompter &prompter, const li
     link::SendSetting(link, "kal!aus");
     link::SendSetting(link, "idn!1," + link::EncodeTesterText(name));
     if (watch.refused() &&
-        !prompter.confirm(
+        !prompter.confirmLoss(
             QStringLiteral("Der Kalvomer hat %1 abgelehnt. Trotzdem speichern?").arg(watch.Describe())))
         return NamingResult::NotStored;
     const bool stored = link::StoreChanges(link, prompter, link::StoreCommand::Configuration);

@@ -138,7 +138,8 @@ UploadResult StoreEditorRecord(link::Link &link, link::Prompter &prompter, const
     if (taken > 0) {
         result.storeChanged = true;
         const int number = store.entries + 1;
-        DeleteRecord(link, prompter, texts, number, PartialRecordQuestion(number, result.label));
+        DeleteRecord(link, prompter, texts, number, Removal{number, {}, {}},
+                     PartialRecordQuestion(number, result.label));
     }
     return result;
 }

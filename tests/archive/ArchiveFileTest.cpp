@@ -173,7 +173,7 @@ TEST_F(ArchiveFileTest, PdfHasOneReportAPageWithItsHashUnderIt)
     const QString pdf = m_dir.filePath(QStringLiteral("out.pdf"));
     EXPECT_EQ(ExportArchivePdf(archive, {all[0].id, all[1].id}, pdf), 2);
 
-    const std::optional<QString> text = PdfText(pdf, true);
+    const std::optional<QString> text = PdfText(pdf, {QStringLiteral("-layout")});
     if (!text)
         GTEST_SKIP() << "no pdftotext on this system";
     const QStringList pages = text->split(QLatin1Char('\f'), Qt::SkipEmptyParts);

@@ -9,6 +9,7 @@
 #include "archive/ui/ArchiveTableModel.h"
 #include "archive/ui/ArchiveWindow.h"
 #include "archive/ui/IntervalDialog.h"
+#include "records/print/ReportDocument.h"
 #include "support/TestFiles.h"
 
 #include <QCheckBox>
@@ -17,6 +18,7 @@
 #include <QDateEdit>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFontMetricsF>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -179,6 +181,10 @@ TEST_F(ArchiveWindowTest, ARecordShowsItsReportAndTheSelectionGoesToPdfAndCsv)
     EXPECT_TRUE(window.report()->toPlainText().contains(QStringLiteral("R-3")));
     EXPECT_TRUE(window.report()->toPlainText().contains(QStringLiteral("SHA-256: ") +
                                                         QString::fromLatin1(first.sha256)));
+    // Set as the record window sets its reports: the report font, a tab stop every 8 columns.
+    EXPECT_EQ(window.report()->font(), records::ReportFont());
+    EXPECT_DOUBLE_EQ(window.report()->tabStopDistance(),
+                     QFontMetricsF(records::ReportFont()).horizontalAdvance(QLatin1Char(' ')) * 8);
 
     const QString pdf = m_dir.filePath(QStringLiteral("auswahl.pdf"));
     ASSERT_TRUE(Export(&ui::ArchiveWindow::ExportPdf, pdf)) << window.status()->text().toStdString();

@@ -218,7 +218,7 @@ TEST(CliRecordCommands, ReportsShowFieldsWholeInEitherByteFormAndThePdfCarriesAL
     const RunResult printed = RunProgram(QStringLiteral("kalvo-cli"),
                                          {QStringLiteral("report"), file, QStringLiteral("--pdf"), pdf});
     ASSERT_EQ(printed.exitCode, 0) << printed.err.toStdString();
-    QString text = PdfText(pdf, true).value_or(QString());
+    QString text = PdfText(pdf, {QStringLiteral("-layout")}).value_or(QString());
     EXPECT_EQ(text.count(QStringLiteral("Müller")), 2);
     // The long line is carried on over the next lines and pages; none of it is lost.
     text.remove(QLatin1Char('\n')).remove(QLatin1Char('\f'));

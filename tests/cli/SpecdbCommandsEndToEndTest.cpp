@@ -3,6 +3,8 @@
 #include "support/SimProcess.h"
 #include "support/TestFiles.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -160,7 +162,10 @@ TEST(CliSpecdbCommands, NothingIsStoredOrDeletedWhenTheRecordMayNotGo)
          QStringLiteral("Die Grenzwerte in den Feldern 1, 3 sind schwächer"), StoreRead(0)},
         {"deleting without --yes", Args({"--baud", "0", "--records", "0", "--specifications"}),
          Args({"specdb", "delete", "--all"}),
-         QStringLiteral("Alle Protokolle und Abläufe löschen? -> Abbrechen"), StoreRead(2)},
+         QStringLiteral(
+             "Alle Protokolle und Abläufe löschen?\n\nIm Kalvomer werden gelöscht: 2 Prüfabläufe. -> "
+             "Abbrechen"),
+         StoreRead(2)},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -227,4 +232,26 @@ TEST(CliSpecdbCommands, TheOddAnswerStyleStoresAndListsTheSame)
     const RunResult list = RunCli(sim, Args({"specdb", "list"}), dir.path());
     EXPECT_EQ(list.out,
               QStringLiteral("1: 01 Elektrowerkzeuge SK II\n2: 02 Medizin SK I Typ CF\n3: 03 Odd.Y\n"));
+}
+
+TEST(CliSpecdbCommands, DeletingAllKeepsTheTestRecordsInTheArchiveFirst)
+{
+    QTemporaryDir dir;
+    SimProcess sim(Args({"--baud", "0", "--records", "3", "--specifications"}));
+    ASSERT_TRUE(sim.started());
+    const QString archive = dir.filePath(QStringLiteral("archiv.sqlite"));
+    const RunResult all = RunCli(
+        sim, QStringList{QStringLiteral("--archive"), archive} + Args({"--yes", "specdb", "delete", "--all"}),
+        dir.path());
+    EXPECT_EQ(all.exitCode, 0) << all.err.toStdString();
+    EXPECT_TRUE(
+        all.err.contains(QStringLiteral("Im Kalvomer werden gelöscht: 3 Prüfprotokolle und 2 Prüfabläufe.\n"
+                                        "Die Prüfprotokolle werden vorher aus dem Kalvomer gelesen und "
+                                        "ins Archiv übernommen. -> OK")))
+        << all.err.toStdString();
+    EXPECT_EQ(RunCli(sim, Args({"specdb", "list"}), dir.path()).out, QString());
+    const RunResult listed =
+        RunCli(sim, QStringList{QStringLiteral("--archive"), archive} + Args({"archive", "list", "--json"}),
+               dir.path());
+    EXPECT_EQ(QJsonDocument::fromJson(listed.out.toUtf8()).array().size(), 3) << listed.out.toStdString();
 }

@@ -80,7 +80,13 @@ TEST(Calibration, BackupRestoreBackupRoundTripGivesTheSameFile)
     EXPECT_EQ(sent.mid(0, 2), (QList<QByteArray>{"idn!99\r", "kal!ein\r"}));
     EXPECT_EQ(sent.mid(16, 2), (QList<QByteArray>{"wer! 7,-12\r", "wer! 7,0.99871\r"}));
     EXPECT_EQ(sent.mid(104), (QList<QByteArray>{"kal!pgm\r", "kal!aus\r"}));
-    EXPECT_EQ(target.prompter.calls.filter(QStringLiteral("confirm:speichern??")).size(), 1);
+    // Asked with Cancel as the default, saying what is replaced by what.
+    const QStringList asked = target.prompter.calls.filter(QStringLiteral("confirmLoss:speichern??\n\n"));
+    ASSERT_EQ(asked.size(), 1);
+    EXPECT_TRUE(asked[0].endsWith(QStringLiteral("Die gespeicherten Kalibrierwerte des Kalvomer werden durch "
+                                                 "51 Einträge aus %1 ersetzt.")
+                                      .arg(QDir::toNativeSeparators(first))))
+        << asked[0].toStdString();
 
     target.Restart(); // stored: survives
     target.tester.model().working() = target.tester.model().stored();
@@ -383,10 +389,10 @@ TEST(Calibration, ARefusedWriteIsNamedInTheQuestionAndNothingIsStoredWithoutAYes
             // The session goes on after the refusal: entry 5 is written too.
             EXPECT_EQ(result.entriesWritten, 3);
             EXPECT_EQ(result.refused, (QList<QByteArray>{"wer! 4,6", "wer! 4,1.0600"}));
-            const QStringList asked = s.prompter.calls.filter(QStringLiteral("confirm:"));
+            const QStringList asked = s.prompter.calls.filter(QStringLiteral("confirmLoss:"));
             ASSERT_EQ(asked.size(), 1);
             EXPECT_TRUE(asked[0].contains(QString::fromLatin1(c.named))) << asked[0].toStdString();
-            EXPECT_TRUE(asked[0].endsWith(config::kStoreQuestion));
+            EXPECT_TRUE(asked[0].contains(config::kStoreQuestion + QStringLiteral("\n\n")));
             EXPECT_EQ(s.Lines().contains("kal!pgm\r"), agree);
             EXPECT_EQ(result.stored, agree);
             EXPECT_EQ(s.Lines().last(), QByteArray("kal!aus\r"));

@@ -78,8 +78,8 @@ TEST(ModemSettings, ARefusedRegisterIsNamedBeforeAnythingIsStored)
         EXPECT_EQ(refused, (QList<QByteArray>{"str!122,0711", "str!123,"}));
         prompter.confirmAnswers = {agree};
         EXPECT_EQ(modem::StoreModemSettings(link, prompter, QStringLiteral("gespeichert"), refused), agree);
-        ASSERT_TRUE(prompter.calls.filter(QStringLiteral("confirm:")).size() == 1);
-        EXPECT_TRUE(prompter.calls.filter(QStringLiteral("confirm:"))
+        ASSERT_TRUE(prompter.calls.filter(QStringLiteral("confirmLoss:")).size() == 1);
+        EXPECT_TRUE(prompter.calls.filter(QStringLiteral("confirmLoss:"))
                         .first()
                         .contains(QStringLiteral("\"str!122,0711\", \"str!123,\"")));
         EXPECT_TRUE(transport.allExpectationsMet());

@@ -12,8 +12,10 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollBar>
 
 using namespace kalvo;
@@ -165,7 +167,12 @@ TEST_F(ConfigWindowsTest, TheServiceFormListsVariablesDumpsAndBacksUpAndRestores
     EXPECT_EQ(lines.first(), QByteArray("idn!99\r"));
     EXPECT_EQ(lines[lines.size() - 2], QByteArray("kal!pgm\r"));
     EXPECT_EQ(lines.last(), QByteArray("kal!aus\r"));
-    EXPECT_TRUE(m_dialogs.messages.contains(QStringLiteral("speichern??")));
+    // The fixed question, what replaces what below it, and Cancel the default.
+    const qsizetype asked = m_dialogs.messages.indexOf(QRegularExpression(
+        QStringLiteral("^speichern\\?\\?\n\nDie gespeicherten Kalibrierwerte des Kalvomer werden durch 51 "
+                       "Einträge aus .+ ersetzt\\.$")));
+    ASSERT_GE(asked, 0) << m_dialogs.messages.join('|').toStdString();
+    EXPECT_EQ(m_dialogs.defaultButtons.value(asked), int(QMessageBox::Cancel));
     service->resize(900, 600);
     Screenshot(*service, QStringLiteral("service-calibration-restored"));
 }

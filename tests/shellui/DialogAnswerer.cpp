@@ -6,8 +6,10 @@
 #include <QDeadlineTimer>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QThread>
 
 namespace kalvo::testing {
@@ -30,6 +32,13 @@ void DialogAnswerer::Look()
     if (auto *box = qobject_cast<QMessageBox *>(modal)) {
         Note(box);
         messages << box->text();
+        defaultButtons << (box->defaultButton() ? int(box->standardButton(box->defaultButton()))
+                                                : int(QMessageBox::NoButton));
+        if (pressEnter) {
+            QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+            QApplication::sendEvent(box, &enter);
+            return;
+        }
         QAbstractButton *cancel = box->button(QMessageBox::Cancel);
         bool ok = true;
         if (cancel && !confirmations.empty()) {

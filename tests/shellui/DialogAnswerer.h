@@ -19,6 +19,8 @@ public:
     std::deque<std::optional<QString>> inputs;
     // Whether to press OK (true) or Cancel (false) on question boxes, in order; OK when none is left.
     std::deque<bool> confirmations;
+    // Message boxes are answered with Enter, as a hurried user does: their default button decides.
+    bool pressEnter = false;
     // Paths to choose in file dialogs, in order; an empty one cancels.
     std::deque<QString> files;
 
@@ -28,7 +30,9 @@ public:
     };
     QList<Seen> seen; // every dialog answered, in order
 
-    QStringList messages;  // the text of every message box, in order
+    QStringList messages; // the text of every message box, in order
+    // The default button of every message box, in order (NoButton when it has none).
+    QList<int> defaultButtons;
     QStringList prompts;   // the label of every input dialog, in order
     QStringList proposals; // the default text every input dialog offered
 

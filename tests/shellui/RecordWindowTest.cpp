@@ -1,5 +1,5 @@
 // The record window offscreen against the virtual tester: the store, files, reports, PDF and CSV.
-#include "WindowFixture.h"
+#include "RecordWindowFixture.h"
 #include "archive/ArchiveLocation.h"
 #include "archive/ui/ArchiveTableModel.h"
 #include "archive/ui/ArchiveWindow.h"
@@ -31,42 +31,6 @@
 
 using namespace kalvo;
 using namespace kalvo::testing;
-
-class RecordWindowTest : public WindowFixture {
-protected:
-    // The record window over the virtual tester, the accessory in front of it when `kym`.
-    QMainWindow &OpenRecords(const QStringList &faults = {}, bool kym = false)
-    {
-        Open({QStringLiteral("--simulate")}, faults);
-        if (kym) {
-            WaitUntil([&] { return m_tester.load() != nullptr; });
-            m_window->device().RunAndWait(
-                [this](link::Link &) { m_tester.load()->model().setKymInFront(true); });
-        }
-        EXPECT_TRUE(ConnectToSimulator());
-        m_window->findChild<QAction *>(QStringLiteral("protokolle"))->trigger();
-        for (QWidget *w : QApplication::topLevelWidgets())
-            if (w->objectName() == QLatin1String("FRMProt"))
-                m_records = qobject_cast<QMainWindow *>(w);
-        EXPECT_NE(m_records, nullptr);
-        return *m_records;
-    }
-    void Trigger(const char *name)
-    {
-        m_records->findChild<QAction *>(QString::fromLatin1(name))->trigger();
-        EXPECT_TRUE(Idle());
-    }
-    QListWidget *List() { return m_records->findChild<QListWidget *>(QStringLiteral("lb1")); }
-    QString Report()
-    {
-        return m_records->findChild<QPlainTextEdit *>(QStringLiteral("Protokol"))->toPlainText();
-    }
-    QString Path(const char *name) { return m_dir.filePath(QString::fromLatin1(name)); }
-
-    QMainWindow *m_records = nullptr;
-};
-
-namespace {} // namespace
 
 TEST_F(RecordWindowTest, TheStoreListingShowsTestRecordsOnlyAndTheTesterRendersTheChosenOne)
 {
@@ -185,7 +149,7 @@ TEST_F(RecordWindowTest, AReportBecomesAPdfAndTheRecordsACsvWithARowEach)
     m_dialogs.files.push_back(Path("bericht.pdf"));
     Trigger("pdf");
     ASSERT_TRUE(QFile::exists(Path("bericht.pdf"))) << m_dialogs.messages.join('|').toStdString();
-    if (const std::optional<QString> text = PdfText(Path("bericht.pdf"), true)) {
+    if (const std::optional<QString> text = PdfText(Path("bericht.pdf"), {QStringLiteral("-layout")})) {
         EXPECT_TRUE(text->contains(QStringLiteral("Prüfvorschrift:"))) << text->left(300).toStdString();
         EXPECT_TRUE(text->contains(QStringLiteral("Wasserkocher")));
         EXPECT_TRUE(text->contains(QStringLiteral("MW R-SL:")));

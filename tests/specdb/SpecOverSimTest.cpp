@@ -7,6 +7,7 @@
 #include "specdb/SpecUpload.h"
 
 #include "link/LanguageTable.h"
+#include "records/RecordRetrieval.h"
 #include "sim/SampleRecords.h"
 #include "support/SimBench.h"
 
@@ -129,16 +130,73 @@ TEST(SpecOverSim, DeletionsRenumberAndAClearedStoreTakesSpecificationsAgain)
     b.prompter.textAnswers.clear();
 
     b.prompter.confirmAnswers.push_back(true);
-    EXPECT_EQ(DeleteRecord(b.link, b.prompter, b.texts, 1), RemovalStatus::Deleted);
+    EXPECT_EQ(DeleteRecord(b.link, b.prompter, b.texts, 1, RemovalOf(store)), RemovalStatus::Deleted);
     store = b.Read();
     ASSERT_EQ(store.count(), 4);
     EXPECT_EQ(store.entries[0], QStringLiteral("1: 02 Medizin SK I Typ CF"));
 
     b.prompter.confirmAnswers.push_back(true);
-    EXPECT_EQ(DeleteAllRecords(b.link, b.prompter, b.texts, store.count()), RemovalStatus::Deleted);
+    EXPECT_EQ(DeleteAllRecords(b.link, b.prompter, b.texts, RemovalOf(store)), RemovalStatus::Deleted);
     store = b.Read();
     EXPECT_EQ(store.count(), 0);
     EXPECT_FALSE(store.holdsTestRecords);
     EXPECT_EQ(b.Store(editor, QStringLiteral("Neu")).label, "01 Neu");
     EXPECT_EQ(b.Read().entries, QStringList{QStringLiteral("1: 01 Neu")});
+}
+
+// Test records about to be deleted are read and kept first, exactly as the record reader reads
+// them; a record that cannot be read or kept, or a store changed since it was listed, deletes nothing.
+TEST(SpecOverSim, TestRecordsAreKeptBeforeTheyAreDeleted)
+{
+    const struct {
+        const char *what;
+        const char *fault;     // put into the tester after the store was read
+        bool keepFails;        // the archive refuses
+        bool addSpecification; // the store grows after it was listed
+        RemovalStatus status;
+    } cases[] = {
+        {"kept, then deleted", "", false, false, RemovalStatus::Deleted},
+        {"a record part refused", "refuse:prx?4yx1", false, false, RemovalStatus::NotKept},
+        {"the archive fails", "", true, false, RemovalStatus::NotKept},
+        {"the store changed", "", false, true, RemovalStatus::NotKept},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        Bench b(2);
+        b.tester.model().records().setSpecifications(sim::SampleSpecifications());
+        const SpecStore store = b.Read();
+        ASSERT_EQ(store.count(), 4);
+        // What the record reader gets for the two test records.
+        QList<QByteArray> expected;
+        for (const int number : {3, 4})
+            expected << records::ReadRecord(b.link, number, records::FillerRule::Position).value_or("?");
+        if (*c.fault)
+            ASSERT_TRUE(b.tester.faults().add(QString::fromLatin1(c.fault)));
+        if (c.addSpecification) {
+            auto specifications = sim::SampleSpecifications();
+            specifications << specifications.first();
+            b.tester.model().records().setSpecifications(specifications);
+        }
+        Removal removal = RemovalOf(store);
+        EXPECT_EQ(removal.testRecords, (QList<int>{3, 4}));
+        QList<QByteArray> kept;
+        removal.keep = [&](const QList<QByteArray> &records) {
+            kept = records;
+            return c.keepFails ? QStringLiteral("Archiv voll") : QString();
+        };
+        b.prompter.confirmAnswers.push_back(true);
+        EXPECT_EQ(DeleteAllRecords(b.link, b.prompter, b.texts, removal), c.status);
+        const qsizetype left = b.Read().count();
+        if (c.status == RemovalStatus::Deleted) {
+            EXPECT_EQ(kept, expected);
+            EXPECT_EQ(left, 0);
+            continue;
+        }
+        EXPECT_EQ(left, c.addSpecification ? 5 : 4) << "nothing deleted";
+        ASSERT_FALSE(b.prompter.messages.empty());
+        EXPECT_TRUE(b.prompter.messages.back().text.contains(QStringLiteral("Es wurde nichts gelöscht")))
+            << b.prompter.messages.back().text.toStdString();
+        if (c.keepFails)
+            EXPECT_TRUE(b.prompter.messages.back().text.endsWith(QStringLiteral("Archiv voll")));
+    }
 }

@@ -151,7 +151,7 @@ TEST(EditorUpload, ARefusalAtAnyChunkStopsTheRecordAndSaysSo)
             EXPECT_GE(b.s.link.refusals(), 1);
             // A first chunk taken may have begun record 5 in the tester: it is named and offered
             // for deletion; a first chunk refused began nothing.
-            const QString question = b.s.prompter.calls.filter(QStringLiteral("confirm:")).join(u'|');
+            const QString question = b.s.prompter.calls.filter(QStringLiteral("confirmLoss:")).join(u'|');
             EXPECT_EQ(result.storeChanged, refusedAt > 0);
             EXPECT_EQ(question.contains(QStringLiteral("Datensatz 5 löschen?")), refusedAt > 0)
                 << question.toStdString();

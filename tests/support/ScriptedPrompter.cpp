@@ -12,6 +12,17 @@ void ScriptedPrompter::message(const QString &text, Icon icon)
 bool ScriptedPrompter::confirm(const QString &text)
 {
     calls << QStringLiteral("confirm:") + text;
+    return NextAnswer();
+}
+
+bool ScriptedPrompter::confirmLoss(const QString &text)
+{
+    calls << QStringLiteral("confirmLoss:") + text;
+    return NextAnswer();
+}
+
+bool ScriptedPrompter::NextAnswer()
+{
     if (confirmAnswers.empty())
         return false;
     const bool answer = confirmAnswers.front();

@@ -20,6 +20,8 @@ public:
 
     void message(const QString &text, Icon icon) override;
     bool confirm(const QString &text) override;
+    // Takes its answer from confirmAnswers too; recorded as "confirmLoss:…".
+    bool confirmLoss(const QString &text) override;
     std::optional<QString> askText(const QString &title, const QString &prompt,
                                    const QString &defaultText) override;
     QString askOpenFile(const QString &filter) override;
@@ -35,9 +37,12 @@ public:
 
     // What was asked and shown, in order.
     std::vector<Message> messages;
-    QStringList calls; // "message:…", "confirm:…", "askText:…", "askOpenFile:…", ...
+    QStringList calls; // "message:…", "confirm:…", "confirmLoss:…", "askText:…", "askOpenFile:…", ...
     std::vector<int> progressValues;
     int busyDepth = 0;
+
+private:
+    bool NextAnswer();
 };
 
 // Success when the percentages only rise, stay within 100 and end at 100; otherwise shows them.

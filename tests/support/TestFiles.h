@@ -30,15 +30,20 @@ inline bool MakeLargeFile(const QString &path, qint64 size)
     return file.open(QIODevice::WriteOnly) && file.resize(size);
 }
 
-// The text pdftotext reads from the PDF file at `path` (`layout` keeps a report's columns), or
-// nothing where the system has no pdftotext (Windows): what a test checks of it is skipped there.
-inline std::optional<QString> PdfText(const QString &path, bool layout = false)
+// Whether this system has pdftotext to read PDF files back (Windows has none).
+inline bool HavePdfToText()
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty())
+    return !QStandardPaths::findExecutable(QStringLiteral("pdftotext")).isEmpty();
+}
+
+// What pdftotext reads from the PDF file at `path` with `options` ("-layout" keeps a report's
+// columns, "-bbox" gives each word's place), or nothing where the system has no pdftotext
+// (Windows): what a test checks of it is skipped there.
+inline std::optional<QString> PdfText(const QString &path, const QStringList &options = {})
+{
+    if (!HavePdfToText())
         return std::nullopt;
-    QStringList arguments{path, QStringLiteral("-")};
-    if (layout)
-        arguments.prepend(QStringLiteral("-layout"));
+    const QStringList arguments = options + QStringList{path, QStringLiteral("-")};
     QProcess pdftotext;
     pdftotext.start(QStringLiteral("pdftotext"), arguments);
     if (!pdftotext.waitForFinished(30000))

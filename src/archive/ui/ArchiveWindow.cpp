@@ -11,6 +11,8 @@
 #include "archive/ArchiveSession.h"
 #include "archive/RetestIntervals.h"
 #include "gui/GuiPrompter.h"
+#include "gui/ReportBox.h"
+#include "records/print/ReportDocument.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -133,8 +135,6 @@ void ArchiveWindow::BuildForm()
             &ArchiveWindow::ShowSelectedReport);
     m_report = Named(new QPlainTextEdit, "bericht");
     m_report->setReadOnly(true);
-    m_report->setLineWrapMode(QPlainTextEdit::NoWrap);
-    m_report->setFont(QFont(QStringLiteral("DejaVu Sans Mono")));
     auto *split = new QSplitter(Qt::Vertical);
     split->addWidget(m_table);
     split->addWidget(m_report);
@@ -278,7 +278,7 @@ void ArchiveWindow::ShowSelectedReport()
             // Only when that record is still the chosen one: the arrows may have moved on.
             const QModelIndex now = m_table->currentIndex();
             if (now.isValid() && m_model->record(now.row()).id == id)
-                m_report->setPlainText(report);
+                gui::ShowInReportBox(m_report, report, records::ReportFont(), records::kReportTabColumns);
         },
         [this](const QString &message) { Fail(message); });
 }

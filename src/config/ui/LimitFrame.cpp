@@ -109,7 +109,7 @@ void LimitFrame::Write()
     // The end of the range stands in for what the tester holds: never written back unasked.
     if (m_readOutside &&
         m_scroll->value() == std::clamp(*m_readOutside, m_scroll->minimum(), m_scroll->maximum()) &&
-        !gui::GuiPrompter(window(), title()).confirm(OutOfRangeText(m_writeClampedText)))
+        !gui::GuiPrompter(window(), title()).confirmLoss(OutOfRangeText(m_writeClampedText)))
         return;
     m_readOutside.reset(); // asked once; from now on the tester holds what is written
     m_device.Post(window(), m_ok->text() + QStringLiteral(": ") + title(),

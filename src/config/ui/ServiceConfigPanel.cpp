@@ -244,7 +244,7 @@ void ServiceConfigPanel::SaveBackup()
     // A backup is the one copy of the tester's calibration: another one is never replaced unasked.
     if (QFileInfo::exists(path) &&
         !gui::GuiPrompter(window(), Title(4))
-             .confirm(
+             .confirmLoss(
                  gui::PhraseText(gui::Phrase::ReplaceFile, m_language).arg(QDir::toNativeSeparators(path))))
         return;
     m_show(QString(), true);
@@ -273,13 +273,14 @@ void ServiceConfigPanel::RestoreChosenFile()
     const QString path = QDir(m_dir).filePath(item->text());
     m_show(QString(), true);
     m_device.Post(window(), Title(5),
-                  [this, path, done = gui::PhraseText(gui::Phrase::CalibrationRestored, m_language)](
+                  [this, path, language = m_language,
+                   done = gui::PhraseText(gui::Phrase::CalibrationRestored, m_language)](
                       link::Link &link, link::Prompter &prompter) {
                       if (link.PortClosed())
                           return;
-                      const RestoreResult result =
-                          RestoreCalibration(link, prompter, path, RestoreSource::ServiceForm,
-                                             [this](const QString &line) { ShowLine(line); });
+                      const RestoreResult result = RestoreCalibration(
+                          link, prompter, path, RestoreSource::ServiceForm,
+                          [this](const QString &line) { ShowLine(line); }, language);
                       if (result.stored)
                           m_device.Tell(done);
                   });

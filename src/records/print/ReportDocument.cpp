@@ -13,18 +13,16 @@ namespace kalvo::records {
 
 namespace {
 
-constexpr int kTabColumns = 8;
-
 // `line` with its tabs turned into blanks up to the next multiple of 8 columns.
 QString ExpandTabs(const QString &line)
 {
     if (!line.contains(QLatin1Char('\t')))
         return line;
     QString out;
-    out.reserve(line.size() + kTabColumns);
+    out.reserve(line.size() + kReportTabColumns);
     for (const QChar ch : line) {
         if (ch == QLatin1Char('\t'))
-            out += QString(kTabColumns - out.size() % kTabColumns, QLatin1Char(' '));
+            out += QString(kReportTabColumns - out.size() % kReportTabColumns, QLatin1Char(' '));
         else
             out += ch;
     }
@@ -57,6 +55,8 @@ bool HasLineDrawing(const QFont &font)
 
 ReportPages::ReportPages(QPagedPaintDevice &device) : m_device(device)
 {
+    // The printer's own margins (a few millimetres) would put a printed report elsewhere than its PDF.
+    device.setPageMargins(kReportMarginsMm, QPageLayout::Millimeter);
     if (!m_painter.begin(&device))
         return;
     const QFont font = ReportFont();
@@ -140,8 +140,8 @@ void SaveReportPdf(const QString &path, const QString &title, const std::functio
         QPdfWriter writer(&file);
         writer.setTitle(title);
         writer.setCreator(QStringLiteral("kalvo"));
-        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait,
-                                         QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter));
+        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, kReportMarginsMm,
+                                         QPageLayout::Millimeter));
         ReportPages pages(writer);
         fill(pages);
         painted = pages.Finish();

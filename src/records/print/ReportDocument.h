@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QFont>
+#include <QMarginsF>
 #include <QPainter>
 #include <QString>
 #include <QStringList>
@@ -16,11 +17,15 @@ namespace kalvo::records {
 QFont ReportFont();
 // False when `font` lacks the line-drawing characters (the print text would show gaps).
 bool HasLineDrawing(const QFont &font);
+// Reports have a tab stop every 8 columns, on screen and on paper.
+constexpr int kReportTabColumns = 8;
+// The margins of a report page in millimetres, printed or saved as PDF alike.
+inline constexpr QMarginsF kReportMarginsMm{15, 15, 15, 15};
 
 // Lays reports out on a paged device one after the other, each starting on a page of its own:
-// line by line in the report font, tabs every 8 columns, a line wider than the page carried on in
-// the next. A report is painted as it is added and not kept, so time and memory grow with the
-// text and no faster.
+// inside the report margins, line by line in the report font, tabs every 8 columns, a line wider
+// than the page carried on in the next. A report is painted as it is added and not kept, so time and memory
+// grow with the text and no faster.
 class ReportPages {
 public:
     explicit ReportPages(QPagedPaintDevice &device);

@@ -5,6 +5,8 @@
 #include "gui/DeviceThread.h"
 #include "gui/GuiPrompter.h"
 #include "gui/Phrases.h"
+#include "gui/ReportBox.h"
+#include "gui/StatusLine.h"
 #include "link/Errors.h"
 #include "link/Link.h"
 #include "link/TextRules.h"
@@ -55,9 +57,7 @@ RecordWindow::RecordWindow(gui::DeviceThread &device, const QString &programDir,
     m_list->setObjectName(QStringLiteral("lb1"));
     m_report = new QPlainTextEdit(splitter);
     m_report->setObjectName(QStringLiteral("Protokol"));
-    m_report->setFont(ReportFont());
-    m_report->setLineWrapMode(QPlainTextEdit::NoWrap);
-    m_report->setTabStopDistance(QFontMetricsF(m_report->font()).horizontalAdvance(QLatin1Char(' ')) * 8);
+    gui::ShowInReportBox(m_report, QString(), ReportFont(), kReportTabColumns);
     splitter->setStretchFactor(1, 3);
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
@@ -66,6 +66,11 @@ RecordWindow::RecordWindow(gui::DeviceThread &device, const QString &programDir,
     layout->addLayout(m_templateBar);
     layout->addWidget(splitter, 1);
     setCentralWidget(central);
+    // The window covers the main window: what its work does, and how it ends, shows here too.
+    m_status = new gui::StatusLine(device, this);
+    m_status->setObjectName(QStringLiteral("recordStatus"));
+    m_status->ShowOperationsOnly();
+    setStatusBar(m_status);
     BuildMenus();
     EnableOutput(false);
     connect(m_list, &QListWidget::currentRowChanged, this, &RecordWindow::RecordSelected);
@@ -196,9 +201,15 @@ void RecordWindow::EnableOutput(bool on)
     m_fexcel->setEnabled(on);
 }
 
+void RecordWindow::SetLanguage(const QString &language)
+{
+    m_language = language;
+    m_status->SetLanguage(language);
+}
+
 void RecordWindow::ShowReport(const QString &text)
 {
-    m_report->setPlainText(text);
+    gui::ShowInReportBox(m_report, text, ReportFont(), kReportTabColumns);
     EnableOutput(true);
     emit shown();
 }
@@ -405,7 +416,8 @@ void RecordWindow::RecordSelected(int row)
         try {
             ShowReport(BuildReport(DecodeRecord(m_records[row])));
         } catch (const link::KalvoError &e) {
-            m_report->setPlainText(link::DecodeRecordText(m_records[row]));
+            gui::ShowInReportBox(m_report, link::DecodeRecordText(m_records[row]), ReportFont(),
+                                 kReportTabColumns);
             gui::GuiPrompter(this, windowTitle()).message(e.text(), link::Prompter::Icon::Warning);
         }
     } else if (m_source == Source::TesterStore && row < m_numbers.size()) {

@@ -20,6 +20,7 @@ class Prompter;
 namespace kalvo::gui {
 class DeviceThread;
 class GuiPrompter;
+class StatusLine;
 } // namespace kalvo::gui
 
 namespace kalvo::records::ui {
@@ -47,7 +48,7 @@ public:
     // record clicked in the database window).
     void ShowStoredRecord(int number);
     // The language of the status texts ("deutsch", ...); the window's captions are its own.
-    void SetLanguage(const QString &language) { m_language = language; }
+    void SetLanguage(const QString &language);
     QString reportText() const;
     int templateNumber() const { return m_template; }
 
@@ -105,8 +106,9 @@ private:
 
     QHBoxLayout *m_templateBar;
     QDockWidget *m_limitDock = nullptr;
-    QListWidget *m_list;      // lb1
-    QPlainTextEdit *m_report; // Protokol
+    QListWidget *m_list;       // lb1
+    QPlainTextEdit *m_report;  // Protokol
+    gui::StatusLine *m_status; // the window's own: its operations, their progress and results
     QAction *m_drucken, *m_pdf, *m_protStore, *m_fexcel, *m_printProt;
     QList<QAction *> m_deviceActions;
 };

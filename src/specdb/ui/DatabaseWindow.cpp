@@ -140,7 +140,8 @@ void DatabaseWindow::StoreInTester()
         return;
     }
     if (m_store.holdsTestRecords) {
-        if (gui::GuiPrompter(this, windowTitle()).confirm(kHoldsTestRecordsText))
+        // Only the way to the deletion, whose own question says what goes; still, Enter must not start it.
+        if (gui::GuiPrompter(this, windowTitle()).confirmLoss(kHoldsTestRecordsText))
             DeleteAll();
         return;
     }
@@ -174,35 +175,49 @@ void DatabaseWindow::Status(const QString &text)
     m_status->setVisible(!text.isEmpty());
 }
 
+void DatabaseWindow::SetRecordKeeping(std::function<RecordKeeper()> keeper)
+{
+    m_keeper = std::move(keeper);
+}
+
+Removal DatabaseWindow::RemovalNow() const
+{
+    Removal removal = RemovalOf(m_store);
+    if (m_keeper)
+        removal.keep = m_keeper();
+    return removal;
+}
+
 void DatabaseWindow::DeleteAll()
 {
-    const int entries = m_list->count();
-    Post(QStringLiteral("Alle löschen"), [this, entries](link::Link &link, link::Prompter &prompter) {
-        const RemovalStatus status = DeleteAllRecords(link, prompter, m_texts, entries);
-        if (status == RemovalStatus::Cancelled)
-            return;
-        if (status == RemovalStatus::Deleted)
-            OnWindow([this] {
-                Status(m_texts.text(link::TxtDeleteDone));
-                m_store.holdsTestRecords = false;
-            });
-        ReadAgain(this, link, prompter);
-        OnWindow([this] { Status({}); });
-    });
+    Post(QStringLiteral("Alle löschen"),
+         [this, removal = RemovalNow()](link::Link &link, link::Prompter &prompter) {
+             const RemovalStatus status = DeleteAllRecords(link, prompter, m_texts, removal);
+             if (status == RemovalStatus::Cancelled || status == RemovalStatus::NotKept)
+                 return;
+             if (status == RemovalStatus::Deleted)
+                 OnWindow([this] {
+                     Status(m_texts.text(link::TxtDeleteDone));
+                     m_store.holdsTestRecords = false;
+                 });
+             ReadAgain(this, link, prompter);
+             OnWindow([this] { Status({}); });
+         });
 }
 
 void DatabaseWindow::DeleteEntry(int row)
 {
     const int number = row + 1;
-    Post(QStringLiteral("Datensatz löschen"), [this, number](link::Link &link, link::Prompter &prompter) {
-        const RemovalStatus status = DeleteRecord(link, prompter, m_texts, number);
-        if (status == RemovalStatus::Cancelled)
-            return;
-        if (status == RemovalStatus::Deleted)
-            OnWindow([this] { Status(m_texts.text(link::TxtDeleteDone)); });
-        ReadAgain(this, link, prompter);
-        OnWindow([this] { Status({}); });
-    });
+    Post(QStringLiteral("Datensatz löschen"),
+         [this, number, removal = RemovalNow()](link::Link &link, link::Prompter &prompter) {
+             const RemovalStatus status = DeleteRecord(link, prompter, m_texts, number, removal);
+             if (status == RemovalStatus::Cancelled || status == RemovalStatus::NotKept)
+                 return;
+             if (status == RemovalStatus::Deleted)
+                 OnWindow([this] { Status(m_texts.text(link::TxtDeleteDone)); });
+             ReadAgain(this, link, prompter);
+             OnWindow([this] { Status({}); });
+         });
 }
 
 void DatabaseWindow::SaveAndStore()

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "specdb/SpecEditor.h"
+#include "specdb/SpecRemoval.h"
 #include "specdb/SpecStore.h"
 
 #include <QMainWindow>
@@ -35,6 +36,9 @@ public:
                    QWidget *parent = nullptr);
 
     void SetBusy(bool busy);
+    // Asked on the window's thread whenever records are about to be deleted: what keeps the test
+    // records among them first (the archive), or an empty keeper when nothing keeps them.
+    void SetRecordKeeping(std::function<RecordKeeper()> keeper);
     EditorPanel &editor() { return *m_editor; }
     const SpecStore &store() const { return m_store; }
 
@@ -60,10 +64,12 @@ private:
     // The job that reads the store again and shows it, for the end of a change.
     static void ReadAgain(DatabaseWindow *window, link::Link &link, link::Prompter &prompter);
     void Status(const QString &text); // Msg1: shown while the store is changed, empty hides it
+    Removal RemovalNow() const;       // what a deletion takes, from the store as read
 
     gui::DeviceThread &m_device;
     const link::LanguageTable &m_texts;
     SpecStore m_store;
+    std::function<RecordKeeper()> m_keeper;
     EditorPanel *m_editor;
     SetFilePanel *m_setFiles;
     QListWidget *m_list; // IdNr

@@ -2,6 +2,8 @@
 // the report box, keep it in a ".pr" file and store it into one of the tester's four slots.
 #include "TemplateTools.h"
 
+#include "TemplateCaptions.h"
+
 #include "gui/DeviceThread.h"
 #include "gui/GuiPrompter.h"
 #include "link/Errors.h"
@@ -16,6 +18,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QFontDatabase>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -32,15 +35,24 @@ constexpr int kMaxTemplateFileBytes = 1024 * 1024; // many times any template
 
 TemplateTools::TemplateTools(gui::DeviceThread &device, QPlainTextEdit *box, QWidget *owner)
     : QObject(owner), m_device(device), m_box(box), m_owner(owner), m_protLabel(new QLabel(owner)),
-      m_vorText(new QLineEdit(owner))
+      m_numberField(new QWidget(owner)), m_numberLabel(new QLabel(m_numberField)),
+      m_vorText(new QLineEdit(m_numberField))
 {
     m_protLabel->setObjectName(QStringLiteral("ProtLabel"));
     m_vorText->setObjectName(QStringLiteral("VorTExt"));
-    m_vorText->hide();
+    // The entry says what it takes; it comes and goes with its label.
+    m_numberField->setObjectName(QStringLiteral("templateNumber"));
+    m_numberLabel->setObjectName(QStringLiteral("templateNumberLabel"));
+    m_numberLabel->setBuddy(m_vorText);
+    auto *row = new QHBoxLayout(m_numberField);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_numberLabel);
+    row->addWidget(m_vorText);
+    m_numberField->hide();
     m_vorText->installEventFilter(this);
     connect(m_vorText, &QLineEdit::returnPressed, this, [this] {
         const QString number = m_vorText->text();
-        m_vorText->hide();
+        m_numberField->hide();
         if (!number.isEmpty())
             ReadTemplate(number.toInt());
     });
@@ -74,6 +86,13 @@ TemplateTools::TemplateTools(gui::DeviceThread &device, QPlainTextEdit *box, QWi
     m_deviceEntries << m_command2;
     EnableSaving(false);
     ChooseSlot(m_slot);
+    SetLanguage(m_language);
+}
+
+void TemplateTools::SetLanguage(const QString &language)
+{
+    m_language = language;
+    m_numberLabel->setText(TemplateCaptionText(TemplateCaption::NumberLabel, language));
 }
 
 void TemplateTools::SetBusy(bool busy)
@@ -148,7 +167,7 @@ bool TemplateTools::eventFilter(QObject *watched, QEvent *event)
             return true;
         }
     } else if (watched == m_vorText && event->type() == QEvent::FocusOut) {
-        m_vorText->hide();
+        m_numberField->hide();
     }
     return QObject::eventFilter(watched, event);
 }
@@ -156,14 +175,18 @@ bool TemplateTools::eventFilter(QObject *watched, QEvent *event)
 void TemplateTools::AskTemplateNumber()
 {
     m_vorText->clear();
-    m_vorText->show();
+    m_numberField->show();
     m_vorText->setFocus();
 }
 
 void TemplateTools::ReadTemplate(int number)
 {
-    if (number < kFirstTemplate || number > kLastTemplate)
+    if (number < kFirstTemplate || number > kLastTemplate) {
+        gui::GuiPrompter(m_owner, QStringLiteral("Vorlage aus Kalvomer"))
+            .message(TemplateCaptionText(TemplateCaption::NoSuchTemplate, m_language).arg(number),
+                     link::Prompter::Icon::Warning);
         return;
+    }
     m_device.Post(m_owner, QStringLiteral("Vorlage aus Kalvomer"),
                   [this, number](link::Link &link, link::Prompter &) {
                       if (const std::optional<QByteArray> text = update::ReadTemplate(link, number))
@@ -202,12 +225,17 @@ void TemplateTools::StoreInTester()
 {
     if (m_file.isEmpty() || !Save())
         return;
+    const QString path = QFileInfo(m_file).absoluteFilePath();
+    const QString question = TemplateCaptionText(TemplateCaption::ReplaceInTester, m_language)
+                                 .arg(m_slot)
+                                 .arg(QDir::toNativeSeparators(path));
     m_device.Post(m_owner, QStringLiteral("speichern im Kalvomer"),
-                  [path = QFileInfo(m_file).absoluteFilePath(), slot = m_slot](link::Link &link,
-                                                                               link::Prompter &prompter) {
+                  [path, question, slot = m_slot](link::Link &link, link::Prompter &prompter) {
+                      // The tester keeps one template a slot: the one there now is gone once this loads.
+                      if (link.PortClosed() || !prompter.confirmLoss(question))
+                          return;
                       // Saved just now: the P-file is built from the file as it stands.
-                      if (!link.PortClosed())
-                          BuildAndLoadPFile(link, prompter, path, slot);
+                      BuildAndLoadPFile(link, prompter, path, slot);
                   });
 }
 

@@ -24,11 +24,14 @@ public:
     TemplateTools(gui::DeviceThread &device, QPlainTextEdit *box, QWidget *owner);
 
     QMenu *menu() const { return m_menu; }
-    QLabel *fileLabel() const { return m_protLabel; }    // ProtLabel
-    QLineEdit *numberEntry() const { return m_vorText; } // VorTExt
+    QLabel *fileLabel() const { return m_protLabel; } // ProtLabel
+    // The template number entry VorTExt with its label, shown while a number is asked for.
+    QWidget *numberEntry() const { return m_numberField; }
     const QString &currentFile() const { return m_file; }
     int slot() const { return m_slot; }
     void SetBusy(bool busy);
+    // The language of the entry's label, its refusals and questions ("deutsch", ...).
+    void SetLanguage(const QString &language);
 
 signals:
     // A template stands in the report box: printing and storing records do not apply to it.
@@ -57,7 +60,10 @@ private:
     QMenu *m_menu, *m_slots;
     QAction *m_speichern, *m_speichernUnter, *m_command2;
     QList<QAction *> m_deviceEntries;
+    QString m_language = QStringLiteral("deutsch");
     QLabel *m_protLabel;
+    QWidget *m_numberField;
+    QLabel *m_numberLabel;
     QLineEdit *m_vorText;
 };
 
