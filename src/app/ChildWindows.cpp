@@ -10,6 +10,7 @@
 #include "config/ui/LimitMenu.h"
 #include "config/ui/ServiceConfigPanel.h"
 #include "gui/DeviceThread.h"
+#include "gui/WindowKeys.h"
 #include "gui/WindowPlacement.h"
 #include "link/LanguageTable.h"
 #include "modem/ui/ModemWindow.h"
@@ -56,6 +57,7 @@ shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &t
     if (!m_service) {
         m_service = new shell::ui::ServiceWindow(m_device, texts);
         m_service->setAttribute(Qt::WA_DeleteOnClose);
+        gui::CloseOnEscape(m_service);
         shell::ui::ServiceWindow *service = m_service;
         m_servicePanel = new config::ui::ServiceConfigPanel(
             m_device,
@@ -83,6 +85,7 @@ records::ui::RecordWindow *ChildWindows::OpenRecords(const link::LanguageTable &
     if (!m_records) {
         m_records = new records::ui::RecordWindow(m_device, m_programDir);
         m_records->setAttribute(Qt::WA_DeleteOnClose);
+        gui::CloseOnEscape(m_records);
         connect(m_records, &records::ui::RecordWindow::recordsRead, this, &ChildWindows::KeepInArchive);
         m_templates = new update::ui::TemplateTools(m_device, m_records->reportBox(), m_records);
         m_records->AddTemplateTools(m_templates->menu(), m_templates->fileLabel(),
@@ -120,6 +123,7 @@ specdb::ui::DatabaseWindow *ChildWindows::OpenDatabase(const link::LanguageTable
         m_database = new specdb::ui::DatabaseWindow(
             m_device, texts, specdb::RegulationRules{specdb::ApplyDefaults, specdb::LooserLimits});
         m_database->setAttribute(Qt::WA_DeleteOnClose);
+        gui::CloseOnEscape(m_database);
         connect(m_database, &specdb::ui::DatabaseWindow::testRecordChosen, this,
                 [this, &texts](int number) { OpenRecords(texts)->ShowStoredRecord(number); });
         m_database->SetBusy(m_device.busy());
@@ -140,6 +144,7 @@ archive::ui::ArchiveWindow *ChildWindows::OpenArchive(const QString &language)
         }
         m_archive = new archive::ui::ArchiveWindow(target);
         m_archive->setAttribute(Qt::WA_DeleteOnClose);
+        gui::CloseOnEscape(m_archive);
     }
     m_archive->SetLanguage(language);
     Present(m_archive);
@@ -194,6 +199,8 @@ void ChildWindows::ApplyTexts(const link::LanguageTable &texts)
         m_modem->ApplyTexts(texts);
     if (m_archive)
         m_archive->SetLanguage(texts.language());
+    if (m_database)
+        m_database->ApplyTexts();
     if (m_help)
         m_help->setWindowTitle(texts.text(link::TxtHelpWindow));
 }

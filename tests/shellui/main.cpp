@@ -1,14 +1,24 @@
 // Window tests need one QApplication for the whole run.
 #include <QApplication>
+#include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 int main(int argc, char **argv)
 {
-    // Offscreen unless a run asks for a real display (QT_QPA_PLATFORM=xcb under Xvfb).
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Offscreen unless a run asks for a real display (QT_QPA_PLATFORM=xcb under Xvfb); the
+    // offscreen screen is the 1024x768 one every window must fit, with window frames.
+    const QTemporaryDir screenDir;
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        const QString config = screenDir.filePath(QStringLiteral("screen.json"));
+        QFile file(config);
+        if (file.open(QIODevice::WriteOnly))
+            file.write(R"({"windowFrameMargins": true, "screens": [{"name": "screen", "x": 0, "y": 0,
+                "width": 1024, "height": 768, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+        file.close();
+        qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + QFile::encodeName(config));
+    }
     QApplication app(argc, argv);
     // The port the windows remember goes to a settings folder of this run: neither the user's nor
     // one that test processes running side by side would share.

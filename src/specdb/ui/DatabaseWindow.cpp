@@ -31,7 +31,6 @@ DatabaseWindow::DatabaseWindow(gui::DeviceThread &device, const link::LanguageTa
     : QMainWindow(parent), m_device(device), m_texts(texts)
 {
     setObjectName(QStringLiteral("FRMDB"));
-    setWindowTitle(QStringLiteral("Prüfabläufe"));
     auto *central = new QWidget(this);
     auto *columns = new QHBoxLayout(central);
     auto *left = new QVBoxLayout;
@@ -52,22 +51,23 @@ DatabaseWindow::DatabaseWindow(gui::DeviceThread &device, const link::LanguageTa
     columns->addLayout(buttons);
     setCentralWidget(central);
 
-    const auto add = [&](const char *name, const QString &caption, auto slot, bool device) {
-        QPushButton *button = Button(name, caption);
+    const auto add = [&](const char *name, DbCaption caption, auto slot, bool device) {
+        QPushButton *button = Button(name, QString());
+        m_captions.append({button, caption});
         buttons->addWidget(button);
         connect(button, &QPushButton::clicked, this, slot);
         if (device)
             m_deviceButtons << button;
     };
-    add("readDB", QStringLiteral("Datenbank lesen"), &DatabaseWindow::ReadStore, true);
-    add("MP", QStringLiteral("Im Kalvomer speichern"), &DatabaseWindow::StoreInTester, true);
-    add("ClearDB", QStringLiteral("Alle löschen"), &DatabaseWindow::DeleteAll, true);
-    add("speichern", QStringLiteral("Speichern"), &DatabaseWindow::SaveAndStore, true);
+    add("readDB", DbCaption::ReadStore, &DatabaseWindow::ReadStore, true);
+    add("MP", DbCaption::StoreInTester, &DatabaseWindow::StoreInTester, true);
+    add("ClearDB", DbCaption::DeleteAll, &DatabaseWindow::DeleteAll, true);
+    add("speichern", DbCaption::SaveAndStore, &DatabaseWindow::SaveAndStore, true);
     add(
-        "laden", QStringLiteral("Laden"), [this] { m_setFiles->ShowFileLists(); }, false);
+        "laden", DbCaption::LoadSetFiles, [this] { m_setFiles->ShowFileLists(); }, false);
     add(
-        "oeffnen", QStringLiteral("Öffnen"), [this] { m_setFiles->OpenSetFile(); }, false);
-    add("PrfAbbrechen", QStringLiteral("Schließen"), &QWidget::close, false);
+        "oeffnen", DbCaption::OpenSetFile, [this] { m_setFiles->OpenSetFile(); }, false);
+    add("PrfAbbrechen", DbCaption::Close, &QWidget::close, false);
     buttons->addStretch(1);
 
     connect(m_list, &QListWidget::itemClicked, this,
@@ -76,7 +76,24 @@ DatabaseWindow::DatabaseWindow(gui::DeviceThread &device, const link::LanguageTa
         if (QListWidgetItem *item = m_list->itemAt(at))
             DeleteEntry(m_list->row(item));
     });
-    resize(1100, 640);
+    ApplyTexts();
+    // Room for the three columns, and no more than a 1024x768 screen holds with its task bar.
+    resize(1000, 660);
+}
+
+void DatabaseWindow::ApplyTexts()
+{
+    const QString language = m_texts.language();
+    setWindowTitle(m_texts.text(link::TxtMenuSpecifications));
+    for (const auto &[button, caption] : std::as_const(m_captions))
+        button->setText(DbText(caption, language));
+    m_editor->ApplyTexts(language);
+    m_setFiles->ApplyTexts(language);
+}
+
+QString DatabaseWindow::Text(DbCaption caption) const
+{
+    return DbText(caption, m_texts.language());
 }
 
 QPushButton *DatabaseWindow::Button(const char *name, const QString &caption)
@@ -123,7 +140,7 @@ void DatabaseWindow::ReadAgain(DatabaseWindow *window, link::Link &link, link::P
 
 void DatabaseWindow::ReadStore()
 {
-    Post(QStringLiteral("Datenbank lesen"),
+    Post(Text(DbCaption::ReadStore),
          [this](link::Link &link, link::Prompter &prompter) { ReadAgain(this, link, prompter); });
 }
 
@@ -132,7 +149,7 @@ void DatabaseWindow::StoreInTester()
     if (m_setFiles->fileListsShown()) {
         const QStringList files = m_setFiles->chosenFiles();
         m_setFiles->HideFileLists();
-        Post(QStringLiteral("Prüfabläufe speichern"),
+        Post(Text(DbCaption::StoreSetFiles),
              [this, files](link::Link &link, link::Prompter &prompter) {
                  StoreSetFiles(link, prompter, files);
                  ReadAgain(this, link, prompter);
@@ -144,11 +161,12 @@ void DatabaseWindow::StoreInTester()
             DeleteAll();
         return;
     }
+    // Storing takes the single faults as ticked, as their OK would.
     if (m_editor->singleFaultsOpen())
-        return;
+        m_editor->TakeSingleFaults();
     const QList<int> looser = m_editor->editor().LooserBoxes(m_editor->rules());
     const StoreState state{m_store.count(), m_store.holdsTestRecords};
-    Post(QStringLiteral("Prüfablauf speichern"), [this, record = m_editor->editor().record(), looser,
+    Post(Text(DbCaption::StoreRecord), [this, record = m_editor->editor().record(), looser,
                                                   state](link::Link &link, link::Prompter &prompter) mutable {
         const UploadResult result =
             StoreEditorRecord(link, prompter, m_texts, record, state, looser, QDateTime::currentDateTime());
@@ -177,7 +195,7 @@ void DatabaseWindow::Status(const QString &text)
 void DatabaseWindow::DeleteAll()
 {
     const int entries = m_list->count();
-    Post(QStringLiteral("Alle löschen"), [this, entries](link::Link &link, link::Prompter &prompter) {
+    Post(Text(DbCaption::DeleteAll), [this, entries](link::Link &link, link::Prompter &prompter) {
         const RemovalStatus status = DeleteAllRecords(link, prompter, m_texts, entries);
         if (status == RemovalStatus::Cancelled)
             return;
@@ -194,7 +212,7 @@ void DatabaseWindow::DeleteAll()
 void DatabaseWindow::DeleteEntry(int row)
 {
     const int number = row + 1;
-    Post(QStringLiteral("Datensatz löschen"), [this, number](link::Link &link, link::Prompter &prompter) {
+    Post(Text(DbCaption::DeleteRecord), [this, number](link::Link &link, link::Prompter &prompter) {
         const RemovalStatus status = DeleteRecord(link, prompter, m_texts, number);
         if (status == RemovalStatus::Cancelled)
             return;
@@ -211,7 +229,7 @@ void DatabaseWindow::SaveAndStore()
     if (path.isEmpty())
         return;
     m_setFiles->Remember(path);
-    Post(QStringLiteral("Speichern"),
+    Post(Text(DbCaption::SaveAndStore),
          [this, path, text = m_setFiles->text()](link::Link &link, link::Prompter &prompter) {
              SaveAndStoreSetText(link, prompter, path, text);
              ReadAgain(this, link, prompter);

@@ -2,6 +2,7 @@
 // storing and deleting.
 #pragma once
 
+#include "DatabaseCaptions.h"
 #include "specdb/SpecEditor.h"
 #include "specdb/SpecStore.h"
 
@@ -35,6 +36,8 @@ public:
                    QWidget *parent = nullptr);
 
     void SetBusy(bool busy);
+    // Captions in the language the texts are in now.
+    void ApplyTexts();
     EditorPanel &editor() { return *m_editor; }
     const SpecStore &store() const { return m_store; }
 
@@ -46,6 +49,7 @@ signals:
 
 private:
     QPushButton *Button(const char *name, const QString &caption);
+    QString Text(DbCaption caption) const;
     // Runs `job` on the device thread once the port is open; its dialogs carry `title`.
     void Post(const QString &title, std::function<void(link::Link &, link::Prompter &)> job);
     void OnWindow(std::function<void()> call);
@@ -69,6 +73,7 @@ private:
     QListWidget *m_list; // IdNr
     QLabel *m_status;    // Msg1
     QList<QPushButton *> m_deviceButtons;
+    QList<std::pair<QPushButton *, DbCaption>> m_captions;
 };
 
 } // namespace kalvo::specdb::ui
