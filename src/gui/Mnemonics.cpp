@@ -9,15 +9,17 @@ namespace kalvo::gui {
 
 namespace {
 
-// The position of the mnemonic mark in `text` (the "&" before the letter), or -1.
+// The position of the mnemonic mark in `text` (the "&" before a letter or digit), or -1; a lone
+// "&" before a blank is an ampersand of the language file.
 qsizetype MarkOf(const QString &text)
 {
     for (qsizetype i = 0; i + 1 < text.size(); ++i) {
         if (text[i] != QLatin1Char('&'))
             continue;
-        if (text[i + 1] != QLatin1Char('&'))
+        if (text[i + 1].isLetterOrNumber())
             return i;
-        ++i; // "&&" is an ampersand shown as such
+        if (text[i + 1] == QLatin1Char('&'))
+            ++i; // "&&" is an ampersand shown as such
     }
     return -1;
 }

@@ -3,10 +3,10 @@
 
 #include "app/ChildWindows.h"
 #include "archive/ui/ArchiveWindow.h"
+#include "link/LanguageTable.h"
 #include "modem/ui/ModemWindow.h"
 #include "records/ui/RecordWindow.h"
 #include "shell/ui/ServiceWindow.h"
-#include "link/LanguageTable.h"
 #include "specdb/ui/DatabaseWindow.h"
 #include "specdb/ui/EditorPanel.h"
 
@@ -147,9 +147,11 @@ TEST_F(LanguageAndKeysTest, AnOpenDatabaseWindowFollowsALanguageSwitch)
 {
     Open();
     auto *database = Database();
-    EXPECT_EQ(database->findChild<QPushButton *>(QStringLiteral("ClearDB"))->text(), QStringLiteral("Alle löschen"));
+    EXPECT_EQ(database->findChild<QPushButton *>(QStringLiteral("ClearDB"))->text(),
+              QStringLiteral("Alle löschen"));
     Choose(link::LanguageColumns()[1]);
-    EXPECT_EQ(database->findChild<QPushButton *>(QStringLiteral("ClearDB"))->text(), QStringLiteral("Delete all"));
+    EXPECT_EQ(database->findChild<QPushButton *>(QStringLiteral("ClearDB"))->text(),
+              QStringLiteral("Delete all"));
     EXPECT_EQ(database->findChild<QComboBox *>(QStringLiteral("Typ"))->itemText(0), QStringLiteral("none"));
     EXPECT_EQ(database->findChild<QLineEdit *>(QStringLiteral("GWert1"))->toolTip(),
               QStringLiteral("Protective conductor resistance"));
@@ -174,8 +176,9 @@ TEST_F(LanguageAndKeysTest, StoringWithTheSingleFaultsOpenTakesThemAndStores)
     // The regulation's "N unterbrochen" and the "PE unterbrochen" ticked.
     EXPECT_EQ(database->editor().editor().record().codes[8], QByteArray("60"));
     const QList<QByteArray> sent = LinesSince(before);
-    EXPECT_TRUE(std::any_of(sent.begin(), sent.end(), [](const QByteArray &line) { return line.startsWith("prx!"); }))
-        << QByteArrayList(sent).join(' ').toStdString();
+    EXPECT_TRUE(std::any_of(sent.begin(), sent.end(), [](const QByteArray &line) {
+        return line.startsWith("prx!");
+    })) << QByteArrayList(sent).join(' ').toStdString();
 }
 
 TEST_F(LanguageAndKeysTest, EscapeClosesTheSecondaryWindowsButNotTheMainWindow)
@@ -193,7 +196,8 @@ TEST_F(LanguageAndKeysTest, EscapeClosesTheSecondaryWindowsButNotTheMainWindow)
         SCOPED_TRACE(name);
         QPointer<QWidget> child = open();
         ASSERT_TRUE(QTest::qWaitForWindowActive(child));
-        QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : child.data(), Qt::Key_Escape);
+        QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : child.data(),
+                        Qt::Key_Escape);
         EXPECT_TRUE(WaitUntil([&] { return child.isNull() || !child->isVisible(); }, 2000));
     }
     window.activateWindow();

@@ -6,16 +6,16 @@
 namespace kalvo::specdb::ui {
 
 enum class DbCaption {
-    ReadStore,        // readDB
-    StoreInTester,    // MP
-    DeleteAll,        // ClearDB
-    SaveAndStore,     // speichern
-    LoadSetFiles,     // laden
-    OpenSetFile,      // oeffnen
-    Close,            // PrfAbbrechen
-    StoreSetFiles,    // what MP does with the file lists shown
-    StoreRecord,      // what MP does with the editor's record
-    DeleteRecord,     // the right mouse button on an entry
+    ReadStore,     // readDB
+    StoreInTester, // MP
+    DeleteAll,     // ClearDB
+    SaveAndStore,  // speichern
+    LoadSetFiles,  // laden
+    OpenSetFile,   // oeffnen
+    Close,         // PrfAbbrechen
+    StoreSetFiles, // what MP does with the file lists shown
+    StoreRecord,   // what MP does with the editor's record
+    DeleteRecord,  // the right mouse button on an entry
     Regulation,
     ProtectionClass,
     ClassEntry, // %1 the class in Roman numerals

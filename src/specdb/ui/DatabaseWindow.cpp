@@ -149,11 +149,10 @@ void DatabaseWindow::StoreInTester()
     if (m_setFiles->fileListsShown()) {
         const QStringList files = m_setFiles->chosenFiles();
         m_setFiles->HideFileLists();
-        Post(Text(DbCaption::StoreSetFiles),
-             [this, files](link::Link &link, link::Prompter &prompter) {
-                 StoreSetFiles(link, prompter, files);
-                 ReadAgain(this, link, prompter);
-             });
+        Post(Text(DbCaption::StoreSetFiles), [this, files](link::Link &link, link::Prompter &prompter) {
+            StoreSetFiles(link, prompter, files);
+            ReadAgain(this, link, prompter);
+        });
         return;
     }
     if (m_store.holdsTestRecords) {
@@ -167,7 +166,7 @@ void DatabaseWindow::StoreInTester()
     const QList<int> looser = m_editor->editor().LooserBoxes(m_editor->rules());
     const StoreState state{m_store.count(), m_store.holdsTestRecords};
     Post(Text(DbCaption::StoreRecord), [this, record = m_editor->editor().record(), looser,
-                                                  state](link::Link &link, link::Prompter &prompter) mutable {
+                                        state](link::Link &link, link::Prompter &prompter) mutable {
         const UploadResult result =
             StoreEditorRecord(link, prompter, m_texts, record, state, looser, QDateTime::currentDateTime());
         // A record begun and not finished may be in the store, or was just deleted from it.

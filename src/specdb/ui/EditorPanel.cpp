@@ -122,8 +122,8 @@ void EditorPanel::BuildSingleFaults()
     m_singleFaults = new QGroupBox(this);
     m_singleFaults->setObjectName(QStringLiteral("SFC"));
     auto *frame = new QVBoxLayout(m_singleFaults);
-    const QString captions[] = {QString(), QStringLiteral("N unterbrochen"), QStringLiteral("PE unterbrochen"),
-                                QStringLiteral("Netz am AWT")};
+    const QString captions[] = {QString(), QStringLiteral("N unterbrochen"),
+                                QStringLiteral("PE unterbrochen"), QStringLiteral("Netz am AWT")};
     for (int i = 0; i < 4; ++i) {
         m_faultBoxes[static_cast<size_t>(i)] = new QCheckBox(captions[i], m_singleFaults);
         m_faultBoxes[static_cast<size_t>(i)]->setObjectName(QStringLiteral("Check1_%1").arg(i));
