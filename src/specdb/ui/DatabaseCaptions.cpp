@@ -19,10 +19,10 @@ QString DbText(DbCaption caption, const QString &language)
         {u"Laden", u"Load", u"Charger", u"Carica", u"Nahrát", u"Laden", u"Cargar"},
         {u"Öffnen", u"Open", u"Ouvrir", u"Apri", u"Otevřít", u"Openen", u"Abrir"},
         {u"Schließen", u"Close", u"Fermer", u"Chiudi", u"Zavřít", u"Sluiten", u"Cerrar"},
-        {u"Prüfabläufe speichern", u"Store test specifications", u"Enregistrer les séquences",
+        {u"Prüfabläufe speichern", u"Store test sequences", u"Enregistrer les séquences",
          u"Salva sequenze di prova", u"Uložit zkušební postupy", u"Testprocedures opslaan",
          u"Guardar secuencias de ensayo"},
-        {u"Prüfablauf speichern", u"Store test specification", u"Enregistrer la séquence",
+        {u"Prüfablauf speichern", u"Store test sequence", u"Enregistrer la séquence",
          u"Salva sequenza di prova", u"Uložit zkušební postup", u"Testprocedure opslaan",
          u"Guardar secuencia de ensayo"},
         {u"Datensatz löschen", u"Delete record", u"Supprimer l'enregistrement", u"Elimina record",
@@ -52,7 +52,7 @@ QString DbText(DbCaption caption, const QString &language)
          u"Moins sévère que ne l'exige la norme", u"Meno severo di quanto richiede la norma",
          u"Mírnější, než předpis vyžaduje", u"Ruimer dan het voorschrift eist",
          u"Menos estricto de lo que exige la norma"},
-        {u"Prüfablaufdatei", u"Test specification file", u"Fichier de séquences", u"File di sequenze",
+        {u"Prüfablaufdatei", u"Test sequence file", u"Fichier de séquences", u"File di sequenze",
          u"Soubor zkušebních postupů", u"Testprocedurebestand", u"Archivo de secuencias"},
     };
     static_assert(std::size(kTexts) == static_cast<size_t>(DbCaption::SetFile) + 1);

@@ -37,6 +37,7 @@ DatabaseWindow::DatabaseWindow(gui::DeviceThread &device, const link::LanguageTa
     m_list = new QListWidget(central);
     m_list->setObjectName(QStringLiteral("IdNr"));
     m_list->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_list->setMinimumWidth(m_list->fontMetrics().horizontalAdvance(QStringLiteral("12:measured: 12345")));
     m_status = new QLabel(central);
     m_status->setObjectName(QStringLiteral("Msg1"));
     m_status->hide();

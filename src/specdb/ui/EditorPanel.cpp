@@ -84,7 +84,7 @@ void EditorPanel::BuildLists()
     m_switch = List(this, "Schalterstellung", switches);
     // The meanings are long: the box keeps the form narrow, its list shows them whole.
     m_switch->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_switch->setMinimumContentsLength(24);
+    m_switch->setMinimumContentsLength(16);
     m_switch->view()->setMinimumWidth(m_switch->view()->sizeHintForColumn(0) + 24);
     for (int entry = 0; entry < switches.size(); ++entry)
         m_switch->setItemData(entry, switches[entry], Qt::ToolTipRole);
@@ -159,6 +159,8 @@ void EditorPanel::BuildLimits()
     for (int box = 1; box <= kLimitBoxes; ++box) {
         auto *edit = new QLineEdit(m_limitFrame);
         edit->setObjectName(QStringLiteral("GWert%1").arg(box));
+        // Wide enough for the widest limit ("<0.500MOhm"), no wider: the store list needs room.
+        edit->setMaximumWidth(edit->fontMetrics().horizontalAdvance(QStringLiteral("<00.000MOhm")) + 16);
         m_limits[static_cast<size_t>(box)] = edit;
         auto *label = new QLabel(QString::number(box), m_limitFrame);
         label->setBuddy(edit);
@@ -169,6 +171,7 @@ void EditorPanel::BuildLimits()
         grid->addWidget(edit, row, column + 1);
         connect(edit, &QLineEdit::editingFinished, this, [this, box] { LimitEdited(box); });
     }
+    grid->setColumnStretch(4, 1); // numbers stay beside their boxes; the room goes to the right
 }
 
 void EditorPanel::ApplyTexts(const QString &language)
