@@ -222,6 +222,21 @@ TEST_F(LanguageAndKeysTest, EnterInThePortBoxConnects)
     EXPECT_EQ(port->count(), entries); // the name is not added to the list a second time
 }
 
+TEST_F(LanguageAndKeysTest, TheStatusBarSpeaksTheLanguageChosenAndCountsRight)
+{
+    auto &window = Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    Trigger("config");
+    auto *operation = window.findChild<QLabel *>(QStringLiteral("statusOperation"));
+    ASSERT_TRUE(operation->text().endsWith(QStringLiteral("fertig"))) << operation->text().toStdString();
+    Choose(link::LanguageColumns()[1]);
+    EXPECT_FALSE(operation->text().contains(QStringLiteral("fertig"))) << operation->text().toStdString();
+    EXPECT_EQ(window.findChild<QLabel *>(QStringLiteral("statusConnection"))->text().left(10),
+              QStringLiteral("connected:"));
+    Trigger("config");
+    EXPECT_TRUE(operation->text().endsWith(QStringLiteral("done"))) << operation->text().toStdString();
+}
+
 TEST_F(LanguageAndKeysTest, TheLimitScrollBarTakesTheFocusAndTheArrowKeysMoveTheLimit)
 {
     auto &window = Open();
