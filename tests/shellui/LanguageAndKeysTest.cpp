@@ -222,7 +222,7 @@ TEST_F(LanguageAndKeysTest, EnterInThePortBoxConnects)
     EXPECT_EQ(port->count(), entries); // the name is not added to the list a second time
 }
 
-TEST_F(LanguageAndKeysTest, TheStatusBarSpeaksTheLanguageChosenAndCountsRight)
+TEST_F(LanguageAndKeysTest, TheStatusBarSpeaksTheLanguageChosen)
 {
     auto &window = Open();
     ASSERT_TRUE(ConnectToSimulator());
