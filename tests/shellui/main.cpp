@@ -10,7 +10,8 @@ int main(int argc, char **argv)
     // Offscreen unless a run asks for a real display (QT_QPA_PLATFORM=xcb under Xvfb); the
     // offscreen screen is the 1024x768 one every window must fit, with window frames.
     const QTemporaryDir screenDir;
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    if (platform.isEmpty() || platform == "offscreen") {
         const QString config = screenDir.filePath(QStringLiteral("screen.json"));
         QFile file(config);
         if (file.open(QIODevice::WriteOnly))
