@@ -1,4 +1,5 @@
-// What each of the 22 limit boxes measures, in the program's seven languages.
+// What each of the 22 limit boxes measures and each switch position stands for, in the program's
+// seven languages.
 #include "DefaultLimits.h"
 
 #include "link/LanguageTable.h"
@@ -6,6 +7,69 @@
 #include <array>
 
 namespace kalvo::specdb {
+
+namespace {
+
+// The column of `language` in the tables below, 0 (German) for a name the program does not know.
+size_t ColumnOf(const QString &language)
+{
+    const std::optional<link::LanguageColumn> column = link::FindLanguage(language);
+    return column ? static_cast<size_t>(column->column - 1) : 0;
+}
+
+} // namespace
+
+QString SwitchMeaningIn(const QByteArray &switchCode, const QString &language)
+{
+    // The German texts are the table's (DefaultLimitTable); these are the other six languages'.
+    static const std::pair<const char *, std::array<const char16_t *, 6>> kMeanings[] = {
+        {"00", {u"general", u"général", u"generale", u"obecné", u"algemeen", u"general"}},
+        {"05",
+         {u"Mains 115 V (reference voltage up to 150 V)",
+          u"Réseau 115 V (tension de référence jusqu'à 150 V)",
+          u"Rete 115 V (tensione di riferimento fino a 150 V)", u"Síť 115 V (referenční napětí do 150 V)",
+          u"Net 115 V (referentiespanning tot 150 V)", u"Red 115 V (tensión de referencia hasta 150 V)"}},
+        {"01",
+         {u"without earthed accessible parts, mineral insulation, mobile X-ray unit with protective "
+          u"conductor",
+          u"sans parties accessibles mises à la terre, isolation minérale, appareil de radiologie mobile "
+          u"avec "
+          u"conducteur de protection",
+          u"senza parti accessibili collegate a terra, isolamento minerale, apparecchio radiologico mobile "
+          u"con "
+          u"conduttore di protezione",
+          u"bez uzemněných přístupných částí, minerální izolace, pojízdný rentgen s ochranným vodičem",
+          u"zonder geaarde aanraakbare delen, minerale isolatie, mobiel röntgenapparaat met "
+          u"beschermingsleider",
+          u"sin partes accesibles puestas a tierra, aislamiento mineral, equipo de rayos X móvil con "
+          u"conductor de protección"}},
+        {"02",
+         {u"permanently connected with protective conductor",
+          u"raccordé à demeure avec conducteur de protection",
+          u"installato in modo fisso con conduttore di protezione", u"pevně připojený s ochranným vodičem",
+          u"vast aangesloten met beschermingsleider",
+          u"conectado de forma permanente con conductor de protección"}},
+        {"20",
+         {u"mobile X-ray unit without additional protective conductor",
+          u"appareil de radiologie mobile sans conducteur de protection supplémentaire",
+          u"apparecchio radiologico mobile senza conduttore di protezione supplementare",
+          u"pojízdný rentgen bez dodatečného ochranného vodiče",
+          u"mobiel röntgenapparaat zonder extra beschermingsleider",
+          u"equipo de rayos X móvil sin conductor de protección adicional"}},
+        {"Menue",
+         {u"chosen on the tester, general values", u"choix sur l'appareil, valeurs générales",
+          u"scelta sullo strumento, valori generali", u"volba na přístroji, obecné hodnoty",
+          u"keuze op het testapparaat, algemene waarden", u"selección en el equipo, valores generales"}},
+    };
+    const size_t column = ColumnOf(language);
+    if (column == 0)
+        return SwitchMeaning(switchCode);
+    for (const auto &[code, meanings] : kMeanings) {
+        if (switchCode == code)
+            return QString::fromUtf16(meanings[column - 1]);
+    }
+    return {};
+}
 
 QString BoxMeaning(int box, const QString &language)
 {
@@ -110,8 +174,7 @@ QString BoxMeaning(int box, const QString &language)
     };
     if (box < 1 || box > kLimitBoxes)
         return {};
-    const std::optional<link::LanguageColumn> column = link::FindLanguage(language);
-    return QString::fromUtf16(kMeanings[box - 1][column ? static_cast<size_t>(column->column - 1) : 0]);
+    return QString::fromUtf16(kMeanings[box - 1][ColumnOf(language)]);
 }
 
 } // namespace kalvo::specdb

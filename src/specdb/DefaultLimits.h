@@ -29,6 +29,8 @@ QList<BoxDefault> DefaultsFor(int regulationEntry, const QByteArray &protectionC
 // What a switch position stands for when the generator chooses limits ("fest angeschlossen mit
 // Schutzleiter"); empty for a code the list does not hold.
 QString SwitchMeaning(const QByteArray &switchCode);
+// The same in `language` (the language table's names; German for a name it does not know).
+QString SwitchMeaningIn(const QByteArray &switchCode, const QString &language);
 // What box 1..22 measures, in a few words of `language` (the language table's names; German for
 // a name it does not know): "Schutzleiterwiderstand".
 QString BoxMeaning(int box, const QString &language = QStringLiteral("deutsch"));

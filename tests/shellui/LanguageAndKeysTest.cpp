@@ -154,6 +154,8 @@ TEST_F(LanguageAndKeysTest, AnOpenDatabaseWindowFollowsALanguageSwitch)
     EXPECT_EQ(database->findChild<QPushButton *>(QStringLiteral("ClearDB"))->text(),
               QStringLiteral("Delete all"));
     EXPECT_EQ(database->findChild<QComboBox *>(QStringLiteral("Typ"))->itemText(0), QStringLiteral("none"));
+    EXPECT_EQ(database->findChild<QComboBox *>(QStringLiteral("Schalterstellung"))->itemText(3),
+              QStringLiteral("02  permanently connected with protective conductor"));
     EXPECT_EQ(database->findChild<QLineEdit *>(QStringLiteral("GWert1"))->toolTip(),
               QStringLiteral("Protective conductor resistance"));
 }

@@ -78,16 +78,10 @@ void EditorPanel::BuildLists()
     for (int n = 0; n <= kMaxAppliedParts; ++n)
         parts << QStringLiteral("%1 Applied part's").arg(n);
     m_parts = List(this, "AnzahlAWT", parts);
-    QStringList switches;
-    for (const QByteArray &code : SwitchCodes())
-        switches << QStringLiteral("%1  %2").arg(QString::fromLatin1(code), SwitchMeaning(code));
-    m_switch = List(this, "Schalterstellung", switches);
+    m_switch = List(this, "Schalterstellung", QStringList(SwitchCodes().size()));
     // The meanings are long: the box keeps the form narrow, its list shows them whole.
     m_switch->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     m_switch->setMinimumContentsLength(16);
-    m_switch->view()->setMinimumWidth(m_switch->view()->sizeHintForColumn(0) + 24);
-    for (int entry = 0; entry < switches.size(); ++entry)
-        m_switch->setItemData(entry, switches[entry], Qt::ToolTipRole);
     m_insulated = new QCheckBox(this);
     m_insulated->setObjectName(QStringLiteral("ISOAWT"));
     m_builtBefore1982 = new QCheckBox(QStringLiteral("Baujahr vor 1982"), this);
@@ -190,6 +184,14 @@ void EditorPanel::ApplyTexts(const QString &language)
     for (int entry = 0; entry < 4; ++entry)
         m_class->setItemText(entry, text(DbCaption::ClassEntry).arg(classes[entry]));
     m_type->setItemText(0, text(DbCaption::TypeNone));
+    const QList<QByteArray> codes = SwitchCodes();
+    for (int entry = 0; entry < codes.size(); ++entry) {
+        const QString shown = QStringLiteral("%1  %2").arg(QString::fromLatin1(codes[entry]),
+                                                           SwitchMeaningIn(codes[entry], language));
+        m_switch->setItemText(entry, shown);
+        m_switch->setItemData(entry, shown, Qt::ToolTipRole);
+    }
+    m_switch->view()->setMinimumWidth(m_switch->view()->sizeHintForColumn(0) + 24);
     m_insulated->setText(text(DbCaption::InsulatedParts));
     m_openSingleFaults->setText(text(DbCaption::SingleFaultsOpen));
     m_singleFaults->setTitle(text(DbCaption::SingleFaults));
