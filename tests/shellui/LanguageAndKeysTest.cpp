@@ -210,6 +210,35 @@ TEST_F(LanguageAndKeysTest, EscapeClosesTheSecondaryWindowsButNotTheMainWindow)
     EXPECT_TRUE(window.isVisible());
 }
 
+TEST_F(LanguageAndKeysTest, TheStoreListIsWorkedByKeyboard)
+{
+    Open();
+    ASSERT_TRUE(ConnectToSimulator());
+    auto *database = Database();
+    database->findChild<QPushButton *>(QStringLiteral("readDB"))->click();
+    auto *list = database->findChild<QListWidget *>(QStringLiteral("IdNr"));
+    ASSERT_TRUE(WaitUntil([&] { return list->count() > 0 && !m_window->device().busy(); }));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(database));
+    list->setFocus();
+    list->setCurrentRow(0);
+    // Delete asks as the right mouse button does (and Cancel keeps the record).
+    m_dialogs.confirmations = {false};
+    const qsizetype dialogs = m_dialogs.seen.size();
+    QTest::keyClick(list, Qt::Key_Delete);
+    ASSERT_TRUE(WaitUntil([&] { return m_dialogs.seen.size() > dialogs; }));
+    ASSERT_TRUE(Idle());
+    // Enter opens the test record in the record window, as a click does.
+    QPointer<records::ui::RecordWindow> records;
+    QTest::keyClick(list, Qt::Key_Return);
+    ASSERT_TRUE(WaitUntil([&] {
+        for (QWidget *w : QApplication::topLevelWidgets())
+            if (auto *found = qobject_cast<records::ui::RecordWindow *>(w); found && found->isVisible())
+                records = found;
+        return !records.isNull();
+    }));
+    ASSERT_TRUE(Idle());
+}
+
 TEST_F(LanguageAndKeysTest, EnterInThePortBoxConnects)
 {
     auto &window = Open();

@@ -22,6 +22,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace kalvo::specdb::ui {
@@ -73,6 +74,14 @@ DatabaseWindow::DatabaseWindow(gui::DeviceThread &device, const link::LanguageTa
 
     connect(m_list, &QListWidget::itemClicked, this,
             [this](QListWidgetItem *item) { EntryClicked(m_list->row(item)); });
+    // By keyboard: Enter opens the entry as a click does, Delete deletes it as the right button does.
+    connect(m_list, &QListWidget::itemActivated, this,
+            [this](QListWidgetItem *item) { EntryClicked(m_list->row(item)); });
+    auto *remove = new QShortcut(QKeySequence::Delete, m_list, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(remove, &QShortcut::activated, this, [this] {
+        if (m_list->currentRow() >= 0)
+            DeleteEntry(m_list->currentRow());
+    });
     connect(m_list, &QWidget::customContextMenuRequested, this, [this](const QPoint &at) {
         if (QListWidgetItem *item = m_list->itemAt(at))
             DeleteEntry(m_list->row(item));
