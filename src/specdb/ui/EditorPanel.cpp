@@ -86,8 +86,12 @@ void EditorPanel::BuildLists()
     m_insulated->setObjectName(QStringLiteral("ISOAWT"));
     m_builtBefore1982 = new QCheckBox(QStringLiteral("Baujahr vor 1982"), this);
     m_builtBefore1982->setObjectName(QStringLiteral("Baujahr"));
-    for (QWidget *field : std::initializer_list<QWidget *>{m_regulation, m_class, m_type, m_parts, m_switch})
-        m_form->addRow(new QLabel(this), field);
+    for (QWidget *field :
+         std::initializer_list<QWidget *>{m_regulation, m_class, m_type, m_parts, m_switch}) {
+        auto *label = new QLabel(this);
+        label->setBuddy(field);
+        m_form->addRow(label, field);
+    }
     m_form->insertRow(1, QString(), m_regulationName);
     m_form->addRow(QString(), m_insulated);
     m_form->addRow(QString(), m_builtBefore1982);

@@ -43,10 +43,10 @@ SetFilePanel::SetFilePanel(QWidget *parent) : QWidget(parent)
     if (last.open(QIODevice::ReadOnly))
         m_name->setText(QString::fromLocal8Bit(last.readLine(4096)).trimmed());
     connect(m_text, &QPlainTextEdit::textChanged, this, &SetFilePanel::Bound);
-    // A double click on a file chooses it; on a chosen one, takes it back.
-    connect(m_files, &QListWidget::itemDoubleClicked, this,
+    // A double click or Enter on a file chooses it; on a chosen one, takes it back.
+    connect(m_files, &QListWidget::itemActivated, this,
             [this](QListWidgetItem *item) { m_chosen->addItem(item->data(Qt::UserRole).toString()); });
-    connect(m_chosen, &QListWidget::itemDoubleClicked, this, [](QListWidgetItem *item) { delete item; });
+    connect(m_chosen, &QListWidget::itemActivated, this, [](QListWidgetItem *item) { delete item; });
 }
 
 void SetFilePanel::ApplyTexts(const QString &language)
