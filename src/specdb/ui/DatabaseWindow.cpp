@@ -54,7 +54,7 @@ DatabaseWindow::DatabaseWindow(gui::DeviceThread &device, const link::LanguageTa
     setCentralWidget(central);
 
     const auto add = [&](const char *name, DbCaption caption, auto slot, bool device) {
-        QPushButton *button = Button(name, QString());
+        QPushButton *button = Button(name);
         m_captions.append({button, caption});
         buttons->addWidget(button);
         connect(button, &QPushButton::clicked, this, slot);
@@ -106,9 +106,10 @@ QString DatabaseWindow::Text(DbCaption caption) const
     return DbText(caption, m_texts.language());
 }
 
-QPushButton *DatabaseWindow::Button(const char *name, const QString &caption)
+QPushButton *DatabaseWindow::Button(const char *name)
 {
-    auto *button = new QPushButton(caption, centralWidget());
+    // Its caption comes with the language (ApplyTexts).
+    auto *button = new QPushButton(centralWidget());
     button->setObjectName(QString::fromLatin1(name));
     return button;
 }

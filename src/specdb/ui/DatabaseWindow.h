@@ -48,7 +48,7 @@ signals:
     void listed();
 
 private:
-    QPushButton *Button(const char *name, const QString &caption);
+    QPushButton *Button(const char *name);
     QString Text(DbCaption caption) const;
     // Runs `job` on the device thread once the port is open; its dialogs carry `title`.
     void Post(const QString &title, std::function<void(link::Link &, link::Prompter &)> job);
