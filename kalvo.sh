@@ -129,7 +129,9 @@ screenshots)
     build build
     QT_QPA_PLATFORM=xcb xvfb-run -a -s "-screen 0 1024x768x24" \
         build/bin/shellui_tests
-    echo "Pictures in build/bin/screenshots/"
+    echo "Pictures in build/bin/screenshots/; each window in German, English and French:"
+    ls build/bin/screenshots | sed -n 's/^lang-\(.*\)-de\.png$/  \1/p' | tr '\n' ' '
+    echo
     ;;
 package)
     # The programs of the one build folder (the tests are not built for this), installed under /usr.

@@ -10,6 +10,7 @@
 #include "config/ui/LimitMenu.h"
 #include "config/ui/ServiceConfigPanel.h"
 #include "gui/DeviceThread.h"
+#include "gui/WindowKeys.h"
 #include "gui/WindowPlacement.h"
 #include "link/LanguageTable.h"
 #include "modem/ui/ModemWindow.h"
@@ -57,6 +58,7 @@ shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &t
     if (!m_service) {
         m_service = new shell::ui::ServiceWindow(m_device, texts);
         m_service->setAttribute(Qt::WA_DeleteOnClose);
+        gui::CloseOnEscape(m_service);
         shell::ui::ServiceWindow *service = m_service;
         m_servicePanel = new config::ui::ServiceConfigPanel(
             m_device,
@@ -84,6 +86,7 @@ records::ui::RecordWindow *ChildWindows::OpenRecords(const link::LanguageTable &
     if (!m_records) {
         m_records = new records::ui::RecordWindow(m_device, m_programDir);
         m_records->setAttribute(Qt::WA_DeleteOnClose);
+        gui::CloseOnEscape(m_records);
         connect(m_records, &records::ui::RecordWindow::recordsRead, this, &ChildWindows::KeepInArchive);
         m_templates = new update::ui::TemplateTools(m_device, m_records->reportBox(), m_records);
         m_records->AddTemplateTools(m_templates->menu(), m_templates->fileLabel(),
@@ -130,6 +133,7 @@ specdb::ui::DatabaseWindow *ChildWindows::OpenDatabase(const link::LanguageTable
                 return archive::KeepBeforeDeleting(records, source);
             };
         });
+        gui::CloseOnEscape(m_database);
         connect(m_database, &specdb::ui::DatabaseWindow::testRecordChosen, this,
                 [this, &texts](int number) { OpenRecords(texts)->ShowStoredRecord(number); });
         m_database->SetBusy(m_device.busy());
@@ -152,6 +156,7 @@ archive::ui::ArchiveWindow *ChildWindows::OpenArchive(const QString &language)
         m_archive = new archive::ui::ArchiveWindow(target);
         m_archive->setAttribute(Qt::WA_DeleteOnClose);
         AddHelpKey(m_archive, shell::ui::kHelpArchive);
+        gui::CloseOnEscape(m_archive);
     }
     m_archive->SetLanguage(language);
     Present(m_archive);
@@ -216,6 +221,8 @@ void ChildWindows::ApplyTexts(const link::LanguageTable &texts)
         m_modem->ApplyTexts(texts);
     if (m_archive)
         m_archive->SetLanguage(texts.language());
+    if (m_database)
+        m_database->ApplyTexts();
     if (m_help)
         m_help->setWindowTitle(texts.text(link::TxtHelpWindow));
 }

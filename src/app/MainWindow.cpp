@@ -10,6 +10,7 @@
 #include "config/ui/LimitFrame.h"
 #include "gui/FrameStack.h"
 #include "gui/GuiPrompter.h"
+#include "gui/Mnemonics.h"
 #include "gui/Phrases.h"
 #include "gui/QtTranslations.h"
 #include "gui/StatusLine.h"
@@ -39,6 +40,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QTimer>
 
 namespace kalvo::app {
@@ -50,7 +52,7 @@ constexpr int kDisplayHeight = 150;
 
 QString Caption(const QAction *entry)
 {
-    return entry->text().remove(QLatin1Char('&'));
+    return gui::WithoutMnemonic(entry->text());
 }
 } // namespace
 
@@ -228,6 +230,11 @@ void MainWindow::ApplyTexts()
     m_displayDock->setWindowTitle(m_texts.text(link::TxtLabelDisplay));
     m_status->SetLanguage(m_texts.language());
     m_windows->ApplyTexts(m_texts);
+    gui::AssignMenuMnemonics(menuBar());
+    // Every entry of the menu bar shows, in every language: none behind the bar's "»".
+    const int menuWidth = std::min(menuBar()->sizeHint().width(), screen()->availableGeometry().width());
+    if (width() < menuWidth)
+        resize(menuWidth, height());
     m_device->Configure([portNotOpen = m_texts.text(link::TxtPortNotOpen),
                          protocol = m_texts.text(link::TxtProtocolError)](link::Link &link) {
         link.setPortNotOpenText(portNotOpen);

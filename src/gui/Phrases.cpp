@@ -1,6 +1,7 @@
 // The windows' own short texts (status bar, questions) in the seven languages of the program.
 #include "Phrases.h"
 
+#include "CountedTexts.h"
 #include "link/LanguageTable.h"
 #include "link/TextsInLanguage.h"
 
@@ -44,8 +45,10 @@ const Row &RowOf(Phrase phrase)
          u"Ajustes del módem guardados"},
         {u"Datei gespeichert: %1", u"File saved: %1", u"Fichier enregistré : %1", u"File salvato: %1",
          u"Soubor uložen: %1", u"Bestand opgeslagen: %1", u"Archivo guardado: %1"},
-        {u"%1 Protokolle gelesen", u"%1 records read", u"%1 procès-verbaux lus", u"%1 protocolli letti",
-         u"Načteno protokolů: %1", u"%1 protocollen gelezen", u"%1 protocolos leídos"},
+        {u"%1 Protokoll gelesen|%1 Protokolle gelesen", u"%1 record read|%1 records read",
+         u"%1 procès-verbal lu|%1 procès-verbaux lus", u"%1 protocollo letto|%1 protocolli letti",
+         u"Načten %1 protokol|Načteny %1 protokoly|Načteno %1 protokolů",
+         u"%1 protocol gelezen|%1 protocollen gelezen", u"%1 protocolo leído|%1 protocolos leídos"},
         {u"Kalibrierwerte gesichert", u"Calibration values backed up", u"Valeurs d'étalonnage sauvegardées",
          u"Valori di taratura salvati", u"Kalibrační hodnoty zálohovány", u"Kalibratiewaarden opgeslagen",
          u"Valores de calibración guardados"},
@@ -66,6 +69,11 @@ const Row &RowOf(Phrase phrase)
 QString PhraseText(Phrase phrase, const QString &language)
 {
     return InLanguage(RowOf(phrase), language);
+}
+
+QString CountedPhrase(Phrase phrase, qsizetype count, const QString &language)
+{
+    return CountedText(RowOf(phrase), count, language);
 }
 
 QString InLanguage(const LanguageTexts &texts, const QString &language)

@@ -20,7 +20,7 @@ enum class Phrase {
     NameStored,
     ModemStored,
     FileSaved,   // %1 the file
-    RecordsRead, // %1 how many
+    RecordsRead, // %1 how many (CountedPhrase)
     CalibrationBackedUp,
     CalibrationRestored,
     ReplaceFile, // %1 the file
@@ -36,5 +36,7 @@ QString InLanguage(const LanguageTexts &texts, const QString &language);
 // `phrase` in `language` (the language table's names: "deutsch", "englisch", ...); German for
 // a name it does not know.
 QString PhraseText(Phrase phrase, const QString &language);
+// A phrase with a number, in the form the language uses for it ("1 Protokoll gelesen").
+QString CountedPhrase(Phrase phrase, qsizetype count, const QString &language);
 
 } // namespace kalvo::gui

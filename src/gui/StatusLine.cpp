@@ -41,6 +41,10 @@ StatusLine::StatusLine(DeviceThread &device, QWidget *parent)
 
 void StatusLine::SetLanguage(const QString &language)
 {
+    // What the last operation achieved was said in the old language: it goes rather than stay
+    // in a language the user has just left. A running operation's line is renewed when it ends.
+    if (language != m_language && !m_running)
+        m_operationLabel->clear();
     m_language = language;
     m_countdown->SetLanguage(language);
     ShowConnectionText();
@@ -92,6 +96,7 @@ void StatusLine::Started(const QString &title)
 {
     m_failed = false;
     m_doneShown = false;
+    m_running = true;
     m_progress->setValue(0);
     m_progress->hide(); // shown by the first progress the operation reports
     m_operationLabel->setText(PhraseText(Phrase::Running, m_language).arg(title));
@@ -105,6 +110,7 @@ void StatusLine::Failed(const QString &title)
 
 void StatusLine::Finished(const QString &title)
 {
+    m_running = false;
     m_progress->hide();
     // What the operation said about itself, or its failure, stays; otherwise just that it ended.
     if (!m_failed && !m_doneShown)

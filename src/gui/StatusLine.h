@@ -44,6 +44,7 @@ private:
     QString m_name, m_firmware;
     bool m_failed = false;
     bool m_doneShown = false;
+    bool m_running = false;
     QLabel *m_portLabel, *m_connectionLabel, *m_operationLabel;
     QProgressBar *m_progress;
     WaitCountdown *m_countdown;

@@ -132,35 +132,6 @@ QString SwitchMeaning(const QByteArray &switchCode)
     return {};
 }
 
-QString BoxMeaning(int box)
-{
-    static const char *const kMeanings[kLimitBoxes] = {
-        "Schutzleiterwiderstand",
-        "Kurzschlussprüfung L-N, Mindestwiderstand",
-        "Isolationswiderstand",
-        "Messspannung der Isolationsmessung",
-        "Schutzleiterstrom / Berührungsstrom",
-        "Schutzkleinspannung",
-        "Schutzkleinspannung",
-        "Ersatz-Ableitstrom",
-        "Patientenableitstrom, Netzspannung am Anwendungsteil",
-        "Erdableitstrom, Normalzustand",
-        "Erdableitstrom, erster Fehler",
-        "Gehäuse-/Berührungsstrom, Normalzustand",
-        "Gehäuse-/Berührungsstrom, erster Fehler",
-        "Patientenableitstrom AC, Normalzustand",
-        "Patientenableitstrom AC, erster Fehler",
-        "Patientenableitstrom DC, Normalzustand",
-        "Patientenableitstrom DC, erster Fehler",
-        "Patientenhilfsstrom AC, Normalzustand",
-        "Patientenhilfsstrom AC, erster Fehler",
-        "Patientenhilfsstrom DC, Normalzustand",
-        "Patientenhilfsstrom DC, erster Fehler",
-        "Hochspannungsprüfung",
-    };
-    return box >= 1 && box <= kLimitBoxes ? QString::fromUtf8(kMeanings[box - 1]) : QString();
-}
-
 QList<int> LooserLimits(const SpecRecord &record, int regulationEntry, const QByteArray &switchCode)
 {
     const auto defaults = TableLimits(regulationEntry, record.codes[14], record.codes[15], switchCode);

@@ -29,8 +29,11 @@ QList<BoxDefault> DefaultsFor(int regulationEntry, const QByteArray &protectionC
 // What a switch position stands for when the generator chooses limits ("fest angeschlossen mit
 // Schutzleiter"); empty for a code the list does not hold.
 QString SwitchMeaning(const QByteArray &switchCode);
-// What box 1..22 measures, in a few German words ("Schutzleiterwiderstand").
-QString BoxMeaning(int box);
+// The same in `language` (the language table's names; German for a name it does not know).
+QString SwitchMeaningIn(const QByteArray &switchCode, const QString &language);
+// What box 1..22 measures, in a few words of `language` (the language table's names; German for
+// a name it does not know): "Schutzleiterwiderstand".
+QString BoxMeaning(int box, const QString &language = QStringLiteral("deutsch"));
 
 // The boxes (1..22, ascending) whose limit in `record` is looser than the generator's default for the
 // same regulation, class, type and switch position: a higher "<" limit, a lower ">" limit, or an empty

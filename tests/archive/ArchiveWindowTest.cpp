@@ -240,10 +240,10 @@ TEST_F(ArchiveWindowTest, TheWindowSpeaksTheProgramsLanguage)
         const char *language;
         const char *title, *search, *verdictAll, *dueBefore, *secondColumn, *status;
     } cases[] = {
-        {"englisch", "Archive", "Search", "all", "due before", "Test date", "1 test records"},
+        {"englisch", "Archive", "Search", "all", "due before", "Test date", "1 test record"},
         {"französisch", "Archives", "Rechercher", "tous", "échéance avant", "Date d'essai",
-         "1 procès-verbaux"},
-        {"unbekannt", "Archiv", "Suchen", "alle", "fällig vor", "Prüfdatum", "1 Protokolle"},
+         "1 procès-verbal"},
+        {"unbekannt", "Archiv", "Suchen", "alle", "fällig vor", "Prüfdatum", "1 Protokoll"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.language);

@@ -252,7 +252,9 @@ TEST_F(DatabaseWindowTest, SetFilesAreSavedStoredAndChosenFromTheList)
     Find<QPushButton>("laden")->click();
     auto *files = Find<QListWidget>("File1");
     ASSERT_EQ(files->count(), 1);
-    emit files->itemDoubleClicked(files->item(0));
+    // Chosen by keyboard as well as by a double click: Enter on the file.
+    files->setCurrentRow(0);
+    QTest::keyClick(files, Qt::Key_Return);
     EXPECT_EQ(Find<QListWidget>("List2")->count(), 1);
     before = LineCount();
     ASSERT_TRUE(ClickAndList("MP"));

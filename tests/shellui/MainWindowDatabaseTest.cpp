@@ -1,6 +1,7 @@
 // The main window hosts the database window: the regulations' defaults in its editor, and a test
 // record clicked there shown in the record window.
 #include "WindowFixture.h"
+#include "gui/Mnemonics.h"
 
 #include "records/ui/RecordWindow.h"
 #include "specdb/ui/DatabaseWindow.h"
@@ -35,7 +36,7 @@ TEST_F(MainWindowDatabaseTest, TheEditorProposesTheRegulationsLimitsAndATestReco
     Trigger("datenbank");
     auto *database = TopLevel<specdb::ui::DatabaseWindow>();
     ASSERT_NE(database, nullptr);
-    EXPECT_EQ(m_window->findChild<QAction *>(QStringLiteral("datenbank"))->text(),
+    EXPECT_EQ(gui::WithoutMnemonic(m_window->findChild<QAction *>(QStringLiteral("datenbank"))->text()),
               QStringLiteral("Prüfabläufe"));
 
     // Choosing a regulation fills the boxes from the regulations' table.

@@ -1,5 +1,6 @@
 // The main window's entries offscreen: clock, name, configuration store, help, info, switches.
 #include "WindowFixture.h"
+#include "gui/Mnemonics.h"
 
 #include "link/TextIds.h"
 
@@ -123,7 +124,7 @@ TEST_F(MainWindowFlowsTest, SwitchesOpenConfigurationAtStartAndShowDevelopmentEn
     // RAS shows and hides the tester's display, and follows the display closed by its own button.
     auto *ras = window.findChild<QAction *>(QStringLiteral("RAS"));
     auto *dock = window.findChild<QDockWidget *>(QStringLiteral("displayDock"));
-    EXPECT_EQ(ras->text(), window.texts().text(link::TxtLabelDisplay));
+    EXPECT_EQ(gui::WithoutMnemonic(ras->text()), window.texts().text(link::TxtLabelDisplay));
     ras->trigger();
     EXPECT_TRUE(dock->isVisible());
     EXPECT_TRUE(ras->isChecked());

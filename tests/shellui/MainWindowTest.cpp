@@ -1,5 +1,6 @@
 // The main window offscreen: start-up, connecting to the virtual tester, languages.
 #include "WindowFixture.h"
+#include "gui/Mnemonics.h"
 #include "support/TestFiles.h"
 
 #include "link/TextIds.h"
@@ -44,7 +45,7 @@ TEST_F(MainWindowTest, StartsFromTheSettingsFileWithItsPortAndLanguage)
     auto &window = Open({});
     EXPECT_EQ(window.findChild<QComboBox *>(QStringLiteral("COM"))->currentText(), QStringLiteral("COM 3"));
     EXPECT_EQ(window.texts().language(), QStringLiteral("englisch"));
-    EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
+    EXPECT_EQ(gui::WithoutMnemonic(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title()),
               window.texts().text(link::TxtMenuSettings));
     EXPECT_NE(window.texts().text(link::TxtMenuSettings), QStringLiteral("Einstellungen"));
     // The port stays closed until OK: nothing reached the tester.
@@ -153,7 +154,7 @@ TEST_F(MainWindowTest, AMissingLanguageFileKeepsTheGermanTextsAndSaysSoOnce)
     window.findChild<QAction *>(QStringLiteral("france"))->trigger();
     ASSERT_EQ(m_dialogs.messages.size(), 1) << m_dialogs.messages.join('|').toStdString();
     EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("sprachen.TXT")));
-    EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
+    EXPECT_EQ(gui::WithoutMnemonic(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title()),
               QStringLiteral("Einstellungen"));
 }
 
@@ -169,7 +170,7 @@ TEST_F(MainWindowTest, ALanguageFileOfTooManyRowsIsReportedAndChangesNothing)
     ASSERT_GE(m_dialogs.messages.size(), 1);
     EXPECT_TRUE(m_dialogs.messages.last().contains(QStringLiteral("201")))
         << m_dialogs.messages.last().toStdString();
-    EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
+    EXPECT_EQ(gui::WithoutMnemonic(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title()),
               QStringLiteral("Einstellungen"));
 }
 
@@ -183,7 +184,8 @@ TEST_F(MainWindowTest, ALanguageFileWithoutAnySemicolonIsToldOnceAndTheGermanTex
     EXPECT_TRUE(m_dialogs.messages[0].contains(QStringLiteral("sprachen.TXT")) &&
                 m_dialogs.messages[0].contains(QStringLiteral("kein \";\"")))
         << m_dialogs.messages[0].toStdString();
-    EXPECT_EQ(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title(),
+    EXPECT_EQ(gui::WithoutMnemonic(window.findChild<QMenu *>(QStringLiteral("einstellungen"))->title()),
               QStringLiteral("Einstellungen"));
-    EXPECT_EQ(window.findChild<QAction *>(QStringLiteral("Beenden"))->text(), QStringLiteral("Beenden"));
+    EXPECT_EQ(gui::WithoutMnemonic(window.findChild<QAction *>(QStringLiteral("Beenden"))->text()),
+              QStringLiteral("Beenden"));
 }

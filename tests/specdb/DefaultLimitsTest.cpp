@@ -1,6 +1,7 @@
 // The generator of default limits: the codes each regulation writes, the rows a reader can check
 // against the regulations, the texts each box may take, and the looser-limit rule.
 #include "specdb/DefaultLimits.h"
+#include "link/LanguageTable.h"
 #include "link/TextRules.h"
 #include "specdb/DefaultLimitTable.h"
 #include "specdb/LimitText.h"
@@ -181,8 +182,20 @@ TEST(DefaultLimits, EveryCombinationWritesOnlyTextsItsBoxTakes)
         for (const QByteArray &code : QByteArray(row.switches ? row.switches : "00").split(' '))
             EXPECT_TRUE(switchList.contains(code)) << row.text << ' ' << code.constData();
     }
-    for (const QByteArray &code : switchList)
-        EXPECT_FALSE(SwitchMeaning(code).isEmpty()) << code.constData();
+    // Every switch position and every box says what it is, in each of the program's languages,
+    // in words of that language (a column left German would repeat the German).
+    for (const kalvo::link::LanguageColumn &language : kalvo::link::LanguageColumns()) {
+        const bool german = language.code == QLatin1String("de");
+        for (const QByteArray &code : switchList) {
+            const QString meaning = SwitchMeaningIn(code, language.name);
+            EXPECT_FALSE(meaning.isEmpty()) << code.constData();
+            EXPECT_EQ(meaning == SwitchMeaning(code), german)
+                << code.constData() << " " << language.code.toStdString();
+        }
+        for (int box = 1; box <= kLimitBoxes; ++box)
+            EXPECT_EQ(BoxMeaning(box, language.name) == BoxMeaning(box), german)
+                << box << " " << language.code.toStdString();
+    }
 }
 
 TEST(DefaultLimits, EveryTextOfEveryBoxIsWrittenBySomeCombination)

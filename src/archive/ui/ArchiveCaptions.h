@@ -21,11 +21,11 @@ enum class Caption {
     DueBefore,
     Search,
     History,
-    Records,      // %1 how many
+    Records,      // %1 how many (CountedCaption)
     NoDatedTest,  // %1 the device
     DeviceStatus, // %1 the device, %2 last test, %3 next test, %4 months
-    ReportsSaved, // %1 how many, %2 the file
-    RecordsSaved, // %1 how many, %2 the file
+    ReportsSaved, // %1 how many, %2 the file (CountedCaption)
+    RecordsSaved, // %1 how many, %2 the file (CountedCaption)
     ColumnNumber,
     ColumnTestDate,
     ColumnNextTest,
@@ -42,5 +42,7 @@ enum class Caption {
 
 // `caption` in `language` (the language table's names); German for a name it does not know.
 QString CaptionText(Caption caption, const QString &language);
+// A caption with a number, in the form the language uses for it ("1 Protokoll", "2 Protokolle").
+QString CountedCaption(Caption caption, qsizetype count, const QString &language);
 
 } // namespace kalvo::archive::ui

@@ -60,7 +60,7 @@ ArchiveWindow::ArchiveWindow(const ArchiveTarget &target, QWidget *parent)
     connect(m_model, &ArchiveTableModel::failed, this, &ArchiveWindow::Fail);
     // The model drops answers to old searches; a device's status is added to the count shown.
     connect(m_model, &ArchiveTableModel::shown, this,
-            [this](qint64 total) { ShowStatus(Text(Caption::Records).arg(total)); });
+            [this](qint64 total) { ShowStatus(CountedCaption(Caption::Records, total, m_language)); });
     connect(m_session, &ArchiveSession::busyChanged, this, [this](bool waiting) {
         if (waiting)
             setCursor(Qt::BusyCursor);
@@ -307,7 +307,7 @@ template <typename Job> void ArchiveWindow::Export(const QString &path, Caption 
     m_session->Ask(
         this, std::move(job),
         [this, path, saved](qint64 count) {
-            ShowStatus(Text(saved).arg(count).arg(QDir::toNativeSeparators(path)));
+            ShowStatus(CountedCaption(saved, count, m_language).arg(QDir::toNativeSeparators(path)));
             emit exported(path, true);
         },
         [this, path](const QString &message) {

@@ -8,6 +8,7 @@
 #include "link/Link.h"
 
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
@@ -25,6 +26,8 @@ LimitFrame::LimitFrame(gui::DeviceThread &device, QWidget *parent) : QGroupBox(p
     m_scroll->setInvertedAppearance(true);
     m_scroll->setInvertedControls(true);
     m_scroll->setMinimumHeight(120);
+    // Reached with Tab and moved with the arrow and page keys: no limit needs a mouse.
+    m_scroll->setFocusPolicy(Qt::StrongFocus);
     m_label = new QLabel(this);
     m_label->setObjectName(QStringLiteral("Label10"));
     QFont big = m_label->font();
@@ -39,9 +42,31 @@ LimitFrame::LimitFrame(gui::DeviceThread &device, QWidget *parent) : QGroupBox(p
     grid->addWidget(m_ok, 1, 1);
     grid->addWidget(m_store, 2, 1);
     grid->setColumnStretch(2, 1); // the buttons keep their size; the room goes to the right
+    m_scroll->installEventFilter(this);
     connect(m_scroll, &QScrollBar::valueChanged, this, &LimitFrame::ShowValue);
     connect(m_ok, &QPushButton::clicked, this, &LimitFrame::Write);
     connect(m_store, &QPushButton::clicked, this, &LimitFrame::Store);
+}
+
+bool LimitFrame::eventFilter(QObject *watched, QEvent *event)
+{
+    // The bar's inverted controls turn its wheel the dial's way, but would send Up down: the
+    // arrow and page keys go the way the bar shows.
+    if (watched != m_scroll || event->type() != QEvent::KeyPress)
+        return QGroupBox::eventFilter(watched, event);
+    const std::pair<int, QAbstractSlider::SliderAction> keys[] = {
+        {Qt::Key_Up, QAbstractSlider::SliderSingleStepAdd},
+        {Qt::Key_Down, QAbstractSlider::SliderSingleStepSub},
+        {Qt::Key_PageUp, QAbstractSlider::SliderPageStepAdd},
+        {Qt::Key_PageDown, QAbstractSlider::SliderPageStepSub}};
+    const int key = static_cast<QKeyEvent *>(event)->key();
+    for (const auto &[pressed, action] : keys) {
+        if (key == pressed) {
+            m_scroll->triggerAction(action);
+            return true;
+        }
+    }
+    return QGroupBox::eventFilter(watched, event);
 }
 
 void LimitFrame::ApplyTexts(const link::LanguageTable &texts)

@@ -33,6 +33,9 @@ public:
 signals:
     void loaded();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void ShowValue(int value);
     // What the tester reported outside the range, the range and the value shown instead, filled

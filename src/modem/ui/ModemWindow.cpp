@@ -2,6 +2,7 @@
 #include "ModemWindow.h"
 
 #include "gui/DeviceThread.h"
+#include "gui/Mnemonics.h"
 #include "gui/Phrases.h"
 #include "link/LanguageTable.h"
 #include "link/Link.h"
@@ -81,7 +82,7 @@ void ModemWindow::SendSettings()
 
 void ModemWindow::Store()
 {
-    m_device.Post(this, m_store->text(),
+    m_device.Post(this, gui::WithoutMnemonic(m_store->text()),
                   [this, text = m_storedText, done = gui::PhraseText(gui::Phrase::ModemStored, m_language)](
                       link::Link &link, link::Prompter &prompter) {
                       if (!link.PortClosed() && StoreModemSettings(link, prompter, text, m_refused))

@@ -326,14 +326,13 @@ void RecordWindow::StoreAllRecordsToFile()
 {
     m_report->clear();
     ClearList(Source::Records);
-    Post(Entry("storeall"), [this, read = gui::PhraseText(gui::Phrase::RecordsRead, m_language)](
-                                link::Link &link, link::Prompter &prompter) {
+    Post(Entry("storeall"), [this, language = m_language](link::Link &link, link::Prompter &prompter) {
         const RetrievalResult result = StoreAllRecords(link, prompter, [this](int, const QByteArray &record) {
             OnWindow([this, record] { AddRecord(record); });
         });
         if (result.status != RetrievalStatus::Done)
             return Unlist();
-        m_device.Tell(QString(read).arg(result.records.size()));
+        m_device.Tell(gui::CountedPhrase(gui::Phrase::RecordsRead, result.records.size(), language));
         OnWindow([this, records = result.records] {
             ShowRecords(records, Source::Records);
             emit recordsRead(records, QString(), false);

@@ -41,8 +41,9 @@ static void AddRow(QTableWidget *table, const QString &name, const QByteArray &h
     table->setItem(row, 0, new QTableWidgetItem(name));
     table->setItem(row, 1, new QTableWidgetItem(QString::fromLatin1(hex)));
     for (int bit = 7; bit >= 0; --bit) {
+        // Shown, not changed here: a greyed box says so at a glance, as everywhere on the desktop.
         auto *item = new QTableWidgetItem;
-        item->setFlags(Qt::ItemIsEnabled);
+        item->setFlags(Qt::NoItemFlags);
         item->setCheckState(flags[static_cast<size_t>(bit)] ? Qt::Checked : Qt::Unchecked);
         table->setItem(row, 2 + (7 - bit), item);
     }

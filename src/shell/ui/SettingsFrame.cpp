@@ -68,6 +68,9 @@ SettingsFrame::SettingsFrame(QWidget *parent) : QGroupBox(parent)
     grid->setColumnStretch(1, 1);
     connect(m_port, &QComboBox::currentTextChanged, this, &SettingsFrame::portChanged);
     connect(m_activate, &QPushButton::clicked, this, &SettingsFrame::activateRequested);
+    // Enter in the port box is OK, as in a dialog; the name typed is not added to the list.
+    m_port->setInsertPolicy(QComboBox::NoInsert);
+    connect(m_port->lineEdit(), &QLineEdit::returnPressed, this, &SettingsFrame::activateRequested);
 }
 
 void SettingsFrame::FillPorts(bool withSimulator)

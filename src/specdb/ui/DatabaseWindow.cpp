@@ -22,6 +22,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace kalvo::specdb::ui {
@@ -31,13 +32,13 @@ DatabaseWindow::DatabaseWindow(gui::DeviceThread &device, const link::LanguageTa
     : QMainWindow(parent), m_device(device), m_texts(texts)
 {
     setObjectName(QStringLiteral("FRMDB"));
-    setWindowTitle(QStringLiteral("Prüfabläufe"));
     auto *central = new QWidget(this);
     auto *columns = new QHBoxLayout(central);
     auto *left = new QVBoxLayout;
     m_list = new QListWidget(central);
     m_list->setObjectName(QStringLiteral("IdNr"));
     m_list->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_list->setMinimumWidth(m_list->fontMetrics().horizontalAdvance(QStringLiteral("12:measured: 12345")));
     m_status = new QLabel(central);
     m_status->setObjectName(QStringLiteral("Msg1"));
     m_status->hide();
@@ -52,36 +53,63 @@ DatabaseWindow::DatabaseWindow(gui::DeviceThread &device, const link::LanguageTa
     columns->addLayout(buttons);
     setCentralWidget(central);
 
-    const auto add = [&](const char *name, const QString &caption, auto slot, bool device) {
-        QPushButton *button = Button(name, caption);
+    const auto add = [&](const char *name, DbCaption caption, auto slot, bool device) {
+        QPushButton *button = Button(name);
+        m_captions.append({button, caption});
         buttons->addWidget(button);
         connect(button, &QPushButton::clicked, this, slot);
         if (device)
             m_deviceButtons << button;
     };
-    add("readDB", QStringLiteral("Datenbank lesen"), &DatabaseWindow::ReadStore, true);
-    add("MP", QStringLiteral("Im Kalvomer speichern"), &DatabaseWindow::StoreInTester, true);
-    add("ClearDB", QStringLiteral("Alle löschen"), &DatabaseWindow::DeleteAll, true);
-    add("speichern", QStringLiteral("Speichern"), &DatabaseWindow::SaveAndStore, true);
+    add("readDB", DbCaption::ReadStore, &DatabaseWindow::ReadStore, true);
+    add("MP", DbCaption::StoreInTester, &DatabaseWindow::StoreInTester, true);
+    add("ClearDB", DbCaption::DeleteAll, &DatabaseWindow::DeleteAll, true);
+    add("speichern", DbCaption::SaveAndStore, &DatabaseWindow::SaveAndStore, true);
     add(
-        "laden", QStringLiteral("Laden"), [this] { m_setFiles->ShowFileLists(); }, false);
+        "laden", DbCaption::LoadSetFiles, [this] { m_setFiles->ShowFileLists(); }, false);
     add(
-        "oeffnen", QStringLiteral("Öffnen"), [this] { m_setFiles->OpenSetFile(); }, false);
-    add("PrfAbbrechen", QStringLiteral("Schließen"), &QWidget::close, false);
+        "oeffnen", DbCaption::OpenSetFile, [this] { m_setFiles->OpenSetFile(); }, false);
+    add("PrfAbbrechen", DbCaption::Close, &QWidget::close, false);
     buttons->addStretch(1);
 
     connect(m_list, &QListWidget::itemClicked, this,
             [this](QListWidgetItem *item) { EntryClicked(m_list->row(item)); });
+    // By keyboard: Enter opens the entry as a click does, Delete deletes it as the right button does.
+    connect(m_list, &QListWidget::itemActivated, this,
+            [this](QListWidgetItem *item) { EntryClicked(m_list->row(item)); });
+    auto *remove = new QShortcut(QKeySequence::Delete, m_list, nullptr, nullptr, Qt::WidgetShortcut);
+    connect(remove, &QShortcut::activated, this, [this] {
+        if (m_list->currentRow() >= 0)
+            DeleteEntry(m_list->currentRow());
+    });
     connect(m_list, &QWidget::customContextMenuRequested, this, [this](const QPoint &at) {
         if (QListWidgetItem *item = m_list->itemAt(at))
             DeleteEntry(m_list->row(item));
     });
-    resize(1100, 640);
+    ApplyTexts();
+    // Room for the three columns, and no more than a 1024x768 screen holds with its task bar.
+    resize(1000, 660);
 }
 
-QPushButton *DatabaseWindow::Button(const char *name, const QString &caption)
+void DatabaseWindow::ApplyTexts()
 {
-    auto *button = new QPushButton(caption, centralWidget());
+    const QString language = m_texts.language();
+    setWindowTitle(m_texts.text(link::TxtMenuSpecifications));
+    for (const auto &[button, caption] : std::as_const(m_captions))
+        button->setText(DbText(caption, language));
+    m_editor->ApplyTexts(language);
+    m_setFiles->ApplyTexts(language);
+}
+
+QString DatabaseWindow::Text(DbCaption caption) const
+{
+    return DbText(caption, m_texts.language());
+}
+
+QPushButton *DatabaseWindow::Button(const char *name)
+{
+    // Its caption comes with the language (ApplyTexts).
+    auto *button = new QPushButton(centralWidget());
     button->setObjectName(QString::fromLatin1(name));
     return button;
 }
@@ -123,7 +151,7 @@ void DatabaseWindow::ReadAgain(DatabaseWindow *window, link::Link &link, link::P
 
 void DatabaseWindow::ReadStore()
 {
-    Post(QStringLiteral("Datenbank lesen"),
+    Post(Text(DbCaption::ReadStore),
          [this](link::Link &link, link::Prompter &prompter) { ReadAgain(this, link, prompter); });
 }
 
@@ -132,11 +160,10 @@ void DatabaseWindow::StoreInTester()
     if (m_setFiles->fileListsShown()) {
         const QStringList files = m_setFiles->chosenFiles();
         m_setFiles->HideFileLists();
-        Post(QStringLiteral("Prüfabläufe speichern"),
-             [this, files](link::Link &link, link::Prompter &prompter) {
-                 StoreSetFiles(link, prompter, files);
-                 ReadAgain(this, link, prompter);
-             });
+        Post(Text(DbCaption::StoreSetFiles), [this, files](link::Link &link, link::Prompter &prompter) {
+            StoreSetFiles(link, prompter, files);
+            ReadAgain(this, link, prompter);
+        });
         return;
     }
     if (m_store.holdsTestRecords) {
@@ -145,12 +172,13 @@ void DatabaseWindow::StoreInTester()
             DeleteAll();
         return;
     }
+    // Storing takes the single faults as ticked, as their OK would.
     if (m_editor->singleFaultsOpen())
-        return;
+        m_editor->TakeSingleFaults();
     const QList<int> looser = m_editor->editor().LooserBoxes(m_editor->rules());
     const StoreState state{m_store.count(), m_store.holdsTestRecords};
-    Post(QStringLiteral("Prüfablauf speichern"), [this, record = m_editor->editor().record(), looser,
-                                                  state](link::Link &link, link::Prompter &prompter) mutable {
+    Post(Text(DbCaption::StoreRecord), [this, record = m_editor->editor().record(), looser,
+                                        state](link::Link &link, link::Prompter &prompter) mutable {
         const UploadResult result =
             StoreEditorRecord(link, prompter, m_texts, record, state, looser, QDateTime::currentDateTime());
         // A record begun and not finished may be in the store, or was just deleted from it.
@@ -190,7 +218,7 @@ Removal DatabaseWindow::RemovalNow() const
 
 void DatabaseWindow::DeleteAll()
 {
-    Post(QStringLiteral("Alle löschen"),
+    Post(Text(DbCaption::DeleteAll),
          [this, removal = RemovalNow()](link::Link &link, link::Prompter &prompter) {
              const RemovalStatus status = DeleteAllRecords(link, prompter, m_texts, removal);
              if (status == RemovalStatus::Cancelled || status == RemovalStatus::NotKept)
@@ -208,7 +236,7 @@ void DatabaseWindow::DeleteAll()
 void DatabaseWindow::DeleteEntry(int row)
 {
     const int number = row + 1;
-    Post(QStringLiteral("Datensatz löschen"),
+    Post(Text(DbCaption::DeleteRecord),
          [this, number, removal = RemovalNow()](link::Link &link, link::Prompter &prompter) {
              const RemovalStatus status = DeleteRecord(link, prompter, m_texts, number, removal);
              if (status == RemovalStatus::Cancelled || status == RemovalStatus::NotKept)
@@ -226,7 +254,7 @@ void DatabaseWindow::SaveAndStore()
     if (path.isEmpty())
         return;
     m_setFiles->Remember(path);
-    Post(QStringLiteral("Speichern"),
+    Post(Text(DbCaption::SaveAndStore),
          [this, path, text = m_setFiles->text()](link::Link &link, link::Prompter &prompter) {
              SaveAndStoreSetText(link, prompter, path, text);
              ReadAgain(this, link, prompter);

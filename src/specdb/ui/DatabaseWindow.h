@@ -2,6 +2,7 @@
 // storing and deleting.
 #pragma once
 
+#include "DatabaseCaptions.h"
 #include "specdb/SpecEditor.h"
 #include "specdb/SpecRemoval.h"
 #include "specdb/SpecStore.h"
@@ -39,6 +40,8 @@ public:
     // Asked on the window's thread whenever records are about to be deleted: what keeps the test
     // records among them first (the archive), or an empty keeper when nothing keeps them.
     void SetRecordKeeping(std::function<RecordKeeper()> keeper);
+    // Captions in the language the texts are in now.
+    void ApplyTexts();
     EditorPanel &editor() { return *m_editor; }
     const SpecStore &store() const { return m_store; }
 
@@ -49,7 +52,8 @@ signals:
     void listed();
 
 private:
-    QPushButton *Button(const char *name, const QString &caption);
+    QPushButton *Button(const char *name);
+    QString Text(DbCaption caption) const;
     // Runs `job` on the device thread once the port is open; its dialogs carry `title`.
     void Post(const QString &title, std::function<void(link::Link &, link::Prompter &)> job);
     void OnWindow(std::function<void()> call);
@@ -75,6 +79,7 @@ private:
     QListWidget *m_list; // IdNr
     QLabel *m_status;    // Msg1
     QList<QPushButton *> m_deviceButtons;
+    QList<std::pair<QPushButton *, DbCaption>> m_captions;
 };
 
 } // namespace kalvo::specdb::ui

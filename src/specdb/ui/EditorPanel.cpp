@@ -2,6 +2,8 @@
 // switch position and the 22 limit boxes, all kept in a SpecEditor.
 #include "EditorPanel.h"
 
+#include "DatabaseCaptions.h"
+
 #include "gui/GuiPrompter.h"
 #include "link/Errors.h"
 #include "link/TextRules.h"
@@ -15,6 +17,7 @@
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -45,51 +48,53 @@ void Show(QComboBox *box, int entry)
 EditorPanel::EditorPanel(RegulationRules rules, QWidget *parent)
     : QWidget(parent), m_editor(rules.defaults), m_rules(std::move(rules))
 {
+    // The single faults open beside the lists, not below them: the window keeps its height, and
+    // the limit boxes stay on a 768-pixel screen.
     auto *layout = new QVBoxLayout(this);
+    auto *top = new QHBoxLayout;
+    layout->addLayout(top);
+    m_form = new QFormLayout;
+    top->addLayout(m_form, 1);
+    auto *side = new QVBoxLayout;
+    top->addLayout(side);
     BuildLists();
     BuildSingleFaults();
+    side->addWidget(m_openSingleFaults);
+    side->addWidget(m_singleFaults);
+    side->addStretch(1);
     BuildLimits();
     layout->addStretch(1);
+    ApplyTexts(m_language);
 }
 
 void EditorPanel::BuildLists()
 {
-    auto *form = new QFormLayout;
-    static_cast<QVBoxLayout *>(layout())->addLayout(form);
     m_regulation = List(this, "Vorschrift", RegulationList());
     m_regulationName = new QLabel(this);
     m_regulationName->setObjectName(QStringLiteral("VorschriftName"));
-    m_class = List(
-        this, "Schutzklasse",
-        {QStringLiteral("SK I"), QStringLiteral("SK I"), QStringLiteral("SK II"), QStringLiteral("SK III")});
-    m_type = List(this, "Typ",
-                  {QStringLiteral("ohne"), QStringLiteral("B"), QStringLiteral("BF"), QStringLiteral("CF")});
+    m_class = List(this, "Schutzklasse", {QString(), QString(), QString(), QString()});
+    m_type = List(this, "Typ", {QString(), QStringLiteral("B"), QStringLiteral("BF"), QStringLiteral("CF")});
     QStringList parts;
     for (int n = 0; n <= kMaxAppliedParts; ++n)
         parts << QStringLiteral("%1 Applied part's").arg(n);
     m_parts = List(this, "AnzahlAWT", parts);
-    QStringList switches;
-    for (const QByteArray &code : SwitchCodes())
-        switches << QStringLiteral("%1  %2").arg(QString::fromLatin1(code), SwitchMeaning(code));
-    m_switch = List(this, "Schalterstellung", switches);
+    m_switch = List(this, "Schalterstellung", QStringList(SwitchCodes().size()));
     // The meanings are long: the box keeps the form narrow, its list shows them whole.
     m_switch->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    m_switch->setMinimumContentsLength(24);
-    m_switch->view()->setMinimumWidth(m_switch->view()->sizeHintForColumn(0) + 24);
-    for (int entry = 0; entry < switches.size(); ++entry)
-        m_switch->setItemData(entry, switches[entry], Qt::ToolTipRole);
-    m_insulated = new QCheckBox(QStringLiteral("Anwendungsteile isoliert"), this);
+    m_switch->setMinimumContentsLength(16);
+    m_insulated = new QCheckBox(this);
     m_insulated->setObjectName(QStringLiteral("ISOAWT"));
     m_builtBefore1982 = new QCheckBox(QStringLiteral("Baujahr vor 1982"), this);
     m_builtBefore1982->setObjectName(QStringLiteral("Baujahr"));
-    form->addRow(QStringLiteral("Vorschrift"), m_regulation);
-    form->addRow(QString(), m_regulationName);
-    form->addRow(QStringLiteral("Schutzklasse"), m_class);
-    form->addRow(QStringLiteral("Typ"), m_type);
-    form->addRow(QStringLiteral("Anwendungsteile"), m_parts);
-    form->addRow(QStringLiteral("Schalterstellung"), m_switch);
-    form->addRow(QString(), m_insulated);
-    form->addRow(QString(), m_builtBefore1982);
+    for (QWidget *field :
+         std::initializer_list<QWidget *>{m_regulation, m_class, m_type, m_parts, m_switch}) {
+        auto *label = new QLabel(this);
+        label->setBuddy(field);
+        m_form->addRow(label, field);
+    }
+    m_form->insertRow(1, QString(), m_regulationName);
+    m_form->addRow(QString(), m_insulated);
+    m_form->addRow(QString(), m_builtBefore1982);
 
     const auto chosen = [this](QComboBox *box, auto choose) {
         connect(box, &QComboBox::activated, this, [this, choose](int entry) {
@@ -110,12 +115,12 @@ void EditorPanel::BuildLists()
 
 void EditorPanel::BuildSingleFaults()
 {
-    auto *open = new QPushButton(QStringLiteral("Einzelfehler ..."), this);
-    open->setObjectName(QStringLiteral("SFCOpen"));
-    m_singleFaults = new QGroupBox(QStringLiteral("SFC"), this);
+    m_openSingleFaults = new QPushButton(this);
+    m_openSingleFaults->setObjectName(QStringLiteral("SFCOpen"));
+    m_singleFaults = new QGroupBox(this);
     m_singleFaults->setObjectName(QStringLiteral("SFC"));
     auto *frame = new QVBoxLayout(m_singleFaults);
-    const QString captions[] = {QStringLiteral("Einzelfehler 0"), QStringLiteral("N unterbrochen"),
+    const QString captions[] = {QString(), QStringLiteral("N unterbrochen"),
                                 QStringLiteral("PE unterbrochen"), QStringLiteral("Netz am AWT")};
     for (int i = 0; i < 4; ++i) {
         m_faultBoxes[static_cast<size_t>(i)] = new QCheckBox(captions[i], m_singleFaults);
@@ -126,40 +131,83 @@ void EditorPanel::BuildSingleFaults()
     ok->setObjectName(QStringLiteral("SFCOK"));
     frame->addWidget(ok);
     m_singleFaults->hide();
-    layout()->addWidget(open);
-    layout()->addWidget(m_singleFaults);
-    connect(open, &QPushButton::clicked, this, [this] {
+    connect(m_openSingleFaults, &QPushButton::clicked, this, [this] {
         Refresh();
         m_singleFaults->show();
+        m_faultBoxes[0]->setFocus();
     });
-    connect(ok, &QPushButton::clicked, this, [this] {
-        std::array<bool, 4> ticked{};
-        for (size_t i = 0; i < ticked.size(); ++i)
-            ticked[i] = m_faultBoxes[i]->isChecked();
-        m_editor.SetSingleFaults(ticked);
-        m_singleFaults->hide();
-    });
+    connect(ok, &QPushButton::clicked, this, &EditorPanel::TakeSingleFaults);
+}
+
+void EditorPanel::TakeSingleFaults()
+{
+    std::array<bool, 4> ticked{};
+    for (size_t i = 0; i < ticked.size(); ++i)
+        ticked[i] = m_faultBoxes[i]->isChecked();
+    m_editor.SetSingleFaults(ticked);
+    m_singleFaults->hide();
 }
 
 void EditorPanel::BuildLimits()
 {
-    auto *grid = new QGridLayout;
-    static_cast<QVBoxLayout *>(layout())->addLayout(grid);
+    m_limitFrame = new QGroupBox(this);
+    m_limitFrame->setObjectName(QStringLiteral("GWerte"));
+    layout()->addWidget(m_limitFrame);
+    auto *grid = new QGridLayout(m_limitFrame);
     for (int box = 1; box <= kLimitBoxes; ++box) {
-        auto *edit = new QLineEdit(this);
+        auto *edit = new QLineEdit(m_limitFrame);
         edit->setObjectName(QStringLiteral("GWert%1").arg(box));
+        // Wide enough for the widest limit ("<0.500MOhm"), no wider: the store list needs room.
+        edit->setMaximumWidth(edit->fontMetrics().horizontalAdvance(QStringLiteral("<00.000MOhm")) + 16);
         m_limits[static_cast<size_t>(box)] = edit;
+        auto *label = new QLabel(QString::number(box), m_limitFrame);
+        label->setBuddy(edit);
+        m_limitLabels[static_cast<size_t>(box)] = label;
         const int row = (box - 1) % 11;
         const int column = (box - 1) / 11 * 2;
-        grid->addWidget(new QLabel(QString::number(box), this), row, column);
+        grid->addWidget(label, row, column);
         grid->addWidget(edit, row, column + 1);
         connect(edit, &QLineEdit::editingFinished, this, [this, box] { LimitEdited(box); });
     }
+    grid->setColumnStretch(4, 1); // numbers stay beside their boxes; the room goes to the right
+}
+
+void EditorPanel::ApplyTexts(const QString &language)
+{
+    m_language = language;
+    const auto text = [&language](DbCaption caption) { return DbText(caption, language); };
+    const std::pair<QWidget *, DbCaption> rows[] = {{m_regulation, DbCaption::Regulation},
+                                                    {m_class, DbCaption::ProtectionClass},
+                                                    {m_type, DbCaption::Type},
+                                                    {m_parts, DbCaption::AppliedParts},
+                                                    {m_switch, DbCaption::SwitchPosition}};
+    for (const auto &[field, caption] : rows)
+        static_cast<QLabel *>(m_form->labelForField(field))->setText(text(caption));
+    const QString classes[] = {QStringLiteral("I"), QStringLiteral("I"), QStringLiteral("II"),
+                               QStringLiteral("III")};
+    for (int entry = 0; entry < 4; ++entry)
+        m_class->setItemText(entry, text(DbCaption::ClassEntry).arg(classes[entry]));
+    m_type->setItemText(0, text(DbCaption::TypeNone));
+    const QList<QByteArray> codes = SwitchCodes();
+    for (int entry = 0; entry < codes.size(); ++entry) {
+        const QString shown = QStringLiteral("%1  %2").arg(QString::fromLatin1(codes[entry]),
+                                                           SwitchMeaningIn(codes[entry], language));
+        m_switch->setItemText(entry, shown);
+        m_switch->setItemData(entry, shown, Qt::ToolTipRole);
+    }
+    m_switch->view()->setMinimumWidth(m_switch->view()->sizeHintForColumn(0) + 24);
+    m_insulated->setText(text(DbCaption::InsulatedParts));
+    m_openSingleFaults->setText(text(DbCaption::SingleFaultsOpen));
+    m_singleFaults->setTitle(text(DbCaption::SingleFaults));
+    m_faultBoxes[0]->setText(text(DbCaption::SingleFault0));
+    m_limitFrame->setTitle(text(DbCaption::Limits));
+    for (int box = 1; box <= kLimitBoxes; ++box)
+        ShowLimitTip(box);
 }
 
 bool EditorPanel::singleFaultsOpen() const
 {
-    return m_singleFaults->isVisible();
+    return !m_singleFaults->isHidden();
 }
 
 void EditorPanel::LimitEdited(int box)
@@ -235,8 +283,19 @@ void EditorPanel::MarkLooser()
             continue;
         edit->setProperty("looser", marked);
         edit->setStyleSheet(marked ? QStringLiteral("QLineEdit { background-color: #ffd9a0; }") : QString());
-        edit->setToolTip(marked ? QStringLiteral("Schwächer, als die Vorschrift verlangt") : QString());
+        ShowLimitTip(box);
     }
+}
+
+void EditorPanel::ShowLimitTip(int box)
+{
+    const QString meaning = BoxMeaning(box, m_language);
+    QLineEdit *edit = m_limits[static_cast<size_t>(box)];
+    m_limitLabels[static_cast<size_t>(box)]->setToolTip(meaning);
+    edit->setAccessibleName(meaning);
+    edit->setToolTip(edit->property("looser").toBool()
+                         ? meaning + QLatin1Char('\n') + DbText(DbCaption::LooserThanRegulation, m_language)
+                         : meaning);
 }
 
 } // namespace kalvo::specdb::ui

@@ -11,7 +11,9 @@ class QCheckBox;
 class QComboBox;
 class QGroupBox;
 class QLabel;
+class QFormLayout;
 class QLineEdit;
+class QPushButton;
 
 namespace kalvo::specdb::ui {
 
@@ -22,8 +24,11 @@ public:
 
     SpecEditor &editor() { return m_editor; }
     const RegulationRules &rules() const { return m_rules; }
-    // The single-fault frame is open: nothing is stored until it is closed with SFCOK.
+    // The single-fault frame is open; TakeSingleFaults takes its boxes and closes it, as SFCOK.
     bool singleFaultsOpen() const;
+    void TakeSingleFaults();
+    // Captions, list entries and the limit boxes' tool tips in `language`.
+    void ApplyTexts(const QString &language);
     // A record read back from the store (its fields and placed limits); false after saying why
     // when it cannot be read. Limits that could not be placed are said to be unread, the codes shown.
     bool Decode(const QList<QByteArray> &fields, const std::optional<BoxTexts> &limits, int number);
@@ -39,6 +44,8 @@ private:
     // Marks the boxes whose limit is looser than the regulation's (property "looser", a colour and
     // a tool tip), and unmarks the others.
     void MarkLooser();
+    // A limit box's tool tip: what it measures, and whether it is looser than the regulation's.
+    void ShowLimitTip(int box);
 
     SpecEditor m_editor;
     RegulationRules m_rules;
@@ -46,8 +53,13 @@ private:
     QLabel *m_regulationName; // the regulation a read-back record names, "MENUE" included
     QCheckBox *m_insulated, *m_builtBefore1982;
     QGroupBox *m_singleFaults; // SFC
+    QPushButton *m_openSingleFaults;
     std::array<QCheckBox *, 4> m_faultBoxes{};
     std::array<QLineEdit *, kLimitBoxes + 1> m_limits{}; // GWert 1..22
+    std::array<QLabel *, kLimitBoxes + 1> m_limitLabels{};
+    QGroupBox *m_limitFrame;
+    QFormLayout *m_form;
+    QString m_language = QStringLiteral("deutsch");
     bool m_checking = false;
 };
 

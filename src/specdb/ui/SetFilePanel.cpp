@@ -2,6 +2,8 @@
 // (Text2), and the lists for choosing several set files to store (File1, List2).
 #include "SetFilePanel.h"
 
+#include "DatabaseCaptions.h"
+
 #include "gui/GuiPrompter.h"
 #include "link/CodePages.h"
 #include "specdb/SetFile.h"
@@ -29,7 +31,9 @@ SetFilePanel::SetFilePanel(QWidget *parent) : QWidget(parent)
     m_files->setObjectName(QStringLiteral("File1"));
     m_chosen = new QListWidget(this);
     m_chosen->setObjectName(QStringLiteral("List2"));
-    layout->addWidget(new QLabel(QStringLiteral("Prüfablaufdatei"), this));
+    m_nameLabel = new QLabel(this);
+    m_nameLabel->setBuddy(m_name);
+    layout->addWidget(m_nameLabel);
     layout->addWidget(m_name);
     layout->addWidget(m_text, 1);
     layout->addWidget(m_files);
@@ -39,10 +43,15 @@ SetFilePanel::SetFilePanel(QWidget *parent) : QWidget(parent)
     if (last.open(QIODevice::ReadOnly))
         m_name->setText(QString::fromLocal8Bit(last.readLine(4096)).trimmed());
     connect(m_text, &QPlainTextEdit::textChanged, this, &SetFilePanel::Bound);
-    // A double click on a file chooses it; on a chosen one, takes it back.
-    connect(m_files, &QListWidget::itemDoubleClicked, this,
+    // A double click or Enter on a file chooses it; on a chosen one, takes it back.
+    connect(m_files, &QListWidget::itemActivated, this,
             [this](QListWidgetItem *item) { m_chosen->addItem(item->data(Qt::UserRole).toString()); });
-    connect(m_chosen, &QListWidget::itemDoubleClicked, this, [](QListWidgetItem *item) { delete item; });
+    connect(m_chosen, &QListWidget::itemActivated, this, [](QListWidgetItem *item) { delete item; });
+}
+
+void SetFilePanel::ApplyTexts(const QString &language)
+{
+    m_nameLabel->setText(DbText(DbCaption::SetFile, language));
 }
 
 void SetFilePanel::Bound()

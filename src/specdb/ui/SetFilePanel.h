@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QWidget>
 
+class QLabel;
 class QLineEdit;
 class QListWidget;
 class QPlainTextEdit;
@@ -15,6 +16,7 @@ class SetFilePanel : public QWidget {
     Q_OBJECT
 public:
     explicit SetFilePanel(QWidget *parent = nullptr);
+    void ApplyTexts(const QString &language);
 
     // oeffnen: the set file named in prfname.txt, or one chosen in the open dialog, into Text1.
     void OpenSetFile();
@@ -40,6 +42,7 @@ private:
     QLineEdit *m_name;      // Text2
     QListWidget *m_files;   // File1
     QListWidget *m_chosen;  // List2
+    QLabel *m_nameLabel;
 };
 
 } // namespace kalvo::specdb::ui
