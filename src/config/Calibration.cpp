@@ -226,9 +226,13 @@ namespace {
 // Below the question: what storing replaces.
 QString ReplacedText(int entries, const QString &path, const QString &language)
 {
-    static const link::LanguageTexts kEntries = {
-        u"Eintrag|Einträge",        u"entry|entries", u"entrée|entrées",  u"voce|voci",
-        u"položka|položky|položek", u"item|items",    u"entrada|entradas"};
+    static const link::LanguageTexts kEntries = {u"%1 Eintrag|%1 Einträge",
+                                                 u"%1 entry|%1 entries",
+                                                 u"%1 entrée|%1 entrées",
+                                                 u"%1 voce|%1 voci",
+                                                 u"%1 položka|%1 položky|%1 položek",
+                                                 u"%1 item|%1 items",
+                                                 u"%1 entrada|%1 entradas"};
     static const link::LanguageTexts kReplaced = {
         u"Die gespeicherten Kalibrierwerte des Kalvomer werden durch %1 aus %2 ersetzt.",
         u"The calibration values stored in the Kalvomer are replaced by %1 from %2.",
@@ -238,7 +242,7 @@ QString ReplacedText(int entries, const QString &path, const QString &language)
         u"De in de Kalvomer opgeslagen kalibratiewaarden worden vervangen door %1 uit %2.",
         u"Los valores de calibración guardados en el Kalvomer se sustituyen por %1 de %2."};
     return link::InLanguage(kReplaced, language)
-        .arg(link::CountedNoun(entries, kEntries, language), QDir::toNativeSeparators(path));
+        .arg(link::CountedText(kEntries, entries, language), QDir::toNativeSeparators(path));
 }
 
 } // namespace

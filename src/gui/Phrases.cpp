@@ -1,7 +1,6 @@
 // The windows' own short texts (status bar, questions) in the seven languages of the program.
 #include "Phrases.h"
 
-#include "CountedTexts.h"
 #include "link/LanguageTable.h"
 #include "link/TextsInLanguage.h"
 
@@ -73,7 +72,7 @@ QString PhraseText(Phrase phrase, const QString &language)
 
 QString CountedPhrase(Phrase phrase, qsizetype count, const QString &language)
 {
-    return CountedText(RowOf(phrase), count, language);
+    return link::CountedText(RowOf(phrase), count, language);
 }
 
 QString InLanguage(const LanguageTexts &texts, const QString &language)

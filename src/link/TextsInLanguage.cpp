@@ -1,4 +1,4 @@
-// Texts of the program's own in the seven languages, and counted nouns.
+// Texts of the program's own in the seven languages, and texts with a number.
 #include "TextsInLanguage.h"
 
 #include "LanguageTable.h"
@@ -13,14 +13,17 @@ QString InLanguage(const LanguageTexts &texts, const QString &language)
     return QString::fromUtf16(texts[column ? static_cast<size_t>(column->column - 1) : 0]);
 }
 
-QString CountedNoun(int count, const LanguageTexts &forms, const QString &language)
+QString CountedText(const LanguageTexts &forms, qsizetype count, const QString &language)
 {
-    const QStringList cell = InLanguage(forms, language).split(QLatin1Char('|'));
-    // Three forms: one, a few (2 to 4), many; two forms: one, more. Zero takes the plural.
+    const QStringList choices = InLanguage(forms, language).split(QLatin1Char('|'));
+    const std::optional<LanguageColumn> column = FindLanguage(language);
+    const QString code = column ? column->code : QString();
     qsizetype form = count == 1 ? 0 : 1;
-    if (cell.size() == 3 && (count == 0 || count >= 5))
-        form = 2;
-    return QStringLiteral("%1 %2").arg(count).arg(cell.value(form, cell.constLast()));
+    if (code == QLatin1String("fr"))
+        form = count > 1 ? 1 : 0;
+    else if (code == QLatin1String("cs"))
+        form = count == 1 ? 0 : (count >= 2 && count <= 4 ? 1 : 2);
+    return choices.value(std::min(form, choices.size() - 1)).arg(count);
 }
 
 } // namespace kalvo::link

@@ -1,5 +1,5 @@
 // Texts of the program's own that come in the seven languages of the language table, and counted
-// nouns that read right in each of them ("1 Prüfprotokoll", "3 protokoly", "5 protokolů").
+// texts with a number that read right in each of them ("1 Prüfprotokoll", "3 protokoly", "5 protokolů").
 #pragma once
 
 #include <QString>
@@ -14,8 +14,10 @@ using LanguageTexts = std::array<const char16_t *, 7>;
 // name it does not know.
 QString InLanguage(const LanguageTexts &texts, const QString &language);
 
-// `count` and the noun in the form the number takes. Each language's cell holds the forms
-// separated by "|": singular and plural, and for Czech singular, 2 to 4, and 5 or more.
-QString CountedNoun(int count, const LanguageTexts &forms, const QString &language);
+// A text with a number in it, in the form `language` uses for `count`. Each language's cell holds
+// its forms separated by "|", each with "%1" for the number: "one|other" ("%1 Protokoll|%1
+// Protokolle"; French counts 0 like 1), or for Czech "one|few|many" (1; 2 to 4; 0 and 5 on). A
+// cell with one form serves every number.
+QString CountedText(const LanguageTexts &forms, qsizetype count, const QString &language);
 
 } // namespace kalvo::link

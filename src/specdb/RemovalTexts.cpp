@@ -10,20 +10,21 @@ namespace kalvo::specdb {
 namespace {
 
 // Columns: deutsch, englisch, französisch, italienisch, tschechisch, nederlandske, spain.
-const link::LanguageTexts kTestRecords = {u"Prüfprotokoll|Prüfprotokolle",
-                                          u"test record|test records",
-                                          u"procès-verbal d'essai|procès-verbaux d'essai",
-                                          u"verbale di prova|verbali di prova",
-                                          u"zkušební protokol|zkušební protokoly|zkušebních protokolů",
-                                          u"testrapport|testrapporten",
-                                          u"informe de prueba|informes de prueba"};
-const link::LanguageTexts kSpecifications = {u"Prüfablauf|Prüfabläufe",
-                                             u"test sequence|test sequences",
-                                             u"séquence de test|séquences de test",
-                                             u"sequenza di prova|sequenze di prova",
-                                             u"zkušební postup|zkušební postupy|zkušebních postupů",
-                                             u"testprocedure|testprocedures",
-                                             u"secuencia de prueba|secuencias de prueba"};
+const link::LanguageTexts kTestRecords = {
+    u"%1 Prüfprotokoll|%1 Prüfprotokolle",
+    u"%1 test record|%1 test records",
+    u"%1 procès-verbal d'essai|%1 procès-verbaux d'essai",
+    u"%1 verbale di prova|%1 verbali di prova",
+    u"%1 zkušební protokol|%1 zkušební protokoly|%1 zkušebních protokolů",
+    u"%1 testrapport|%1 testrapporten",
+    u"%1 informe de prueba|%1 informes de prueba"};
+const link::LanguageTexts kSpecifications = {u"%1 Prüfablauf|%1 Prüfabläufe",
+                                             u"%1 test sequence|%1 test sequences",
+                                             u"%1 séquence de test|%1 séquences de test",
+                                             u"%1 sequenza di prova|%1 sequenze di prova",
+                                             u"%1 zkušební postup|%1 zkušební postupy|%1 zkušebních postupů",
+                                             u"%1 testprocedure|%1 testprocedures",
+                                             u"%1 secuencia de prueba|%1 secuencias de prueba"};
 const link::LanguageTexts kAnd = {u" und ", u" and ", u" et ", u" e ", u" a ", u" en ", u" y "};
 const link::LanguageTexts kLoss = {
     u"Im Kalvomer werden gelöscht: %1.",       u"To be deleted in the Kalvomer: %1.",
@@ -93,9 +94,9 @@ QString LossInTester(int testRecords, int specifications, const QString &languag
 {
     QStringList parts;
     if (testRecords > 0)
-        parts << link::CountedNoun(testRecords, kTestRecords, language);
+        parts << link::CountedText(kTestRecords, testRecords, language);
     if (specifications > 0)
-        parts << link::CountedNoun(specifications, kSpecifications, language);
+        parts << link::CountedText(kSpecifications, specifications, language);
     return link::InLanguage(kLoss, language).arg(parts.join(link::InLanguage(kAnd, language)));
 }
 

@@ -1,7 +1,7 @@
 // The texts of the window "Archiv" in the program's seven languages.
 #include "ArchiveCaptions.h"
 
-#include "gui/CountedTexts.h"
+#include "link/TextsInLanguage.h"
 
 namespace kalvo::archive::ui {
 
@@ -101,7 +101,7 @@ QString CaptionText(Caption caption, const QString &language)
 
 QString CountedCaption(Caption caption, qsizetype count, const QString &language)
 {
-    return gui::CountedText(Row(caption), count, language);
+    return link::CountedText(Row(caption), count, language);
 }
 
 } // namespace kalvo::archive::ui
