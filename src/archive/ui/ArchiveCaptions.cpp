@@ -1,6 +1,7 @@
 // The texts of the window "Archiv" in the program's seven languages.
 #include "ArchiveCaptions.h"
 
+#include "gui/Phrases.h"
 #include "link/TextsInLanguage.h"
 
 namespace kalvo::archive::ui {
