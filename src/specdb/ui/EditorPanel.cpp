@@ -292,7 +292,9 @@ void EditorPanel::ShowLimitTip(int box)
     const QString meaning = BoxMeaning(box, m_language);
     QLineEdit *edit = m_limits[static_cast<size_t>(box)];
     m_limitLabels[static_cast<size_t>(box)]->setToolTip(meaning);
+#if QT_CONFIG(accessibility) // a Qt may be built without it
     edit->setAccessibleName(meaning);
+#endif
     edit->setToolTip(edit->property("looser").toBool()
                          ? meaning + QLatin1Char('\n') + DbText(DbCaption::LooserThanRegulation, m_language)
                          : meaning);
