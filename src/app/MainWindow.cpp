@@ -345,9 +345,8 @@ void MainWindow::ShowIdentity(const link::ConnectionState &state, const link::Te
     // The tester's display language becomes the program's language.
     SetLanguage(identity.language.name);
     m_settings->ShowIdentity(identity, m_texts);
-    const QString name = QString::fromLatin1(identity.shortDesignation).trimmed();
-    m_windows->SetTester(open ? name : QString(),
-                         open ? QString::fromLatin1(identity.serialNumber).trimmed() : QString());
+    const QString name = identity.DesignationText();
+    m_windows->SetTester(open ? name : QString(), open ? identity.SerialText() : QString());
     setWindowTitle(name.isEmpty() ? kTitle : QStringLiteral("%1 - %2").arg(kTitle, name));
     m_connected = open;
     if (open)

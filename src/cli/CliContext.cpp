@@ -89,6 +89,22 @@ void CliContext::OpenPort()
     m_link->OpenPort(portName());
 }
 
+void CliContext::OpenPortForRecords()
+{
+    OpenPort();
+    if (!archive::KeepingRecords(m_options.archiveUrl, m_options.noArchive))
+        return;
+    const link::TesterIdentity identity = link::IdentifyTester(*m_link, {});
+    TesterIdentified(identity);
+    m_testerName = identity.DesignationText();
+    m_testerSerial = identity.SerialText();
+}
+
+archive::RecordSource CliContext::TesterSource(const QString &accessory, const QString &file) const
+{
+    return {m_testerName.isEmpty() ? portName() : m_testerName, m_testerSerial, accessory, file};
+}
+
 QString CliContext::portName() const
 {
     if (m_options.simulate)

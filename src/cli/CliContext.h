@@ -41,6 +41,13 @@ public:
     void TesterIdentified(const link::TesterIdentity &identity);
     // Opens the port without waking the tester (for commands that talk to it directly).
     void OpenPort();
+    // Opens the port for a command whose records go into the archive: when they will, the tester is
+    // identified first, as the window does on connecting, so that they carry its name and serial
+    // number.
+    void OpenPortForRecords();
+    // Where records read now come from: the identified tester, else the port.
+    archive::RecordSource TesterSource(const QString &accessory = QString(),
+                                       const QString &file = QString()) const;
     // The port to use: --port, else line 0 of Q417.ini, else "COM 1"; the simulator with --simulate.
     QString portName() const;
     // The record archive: --archive, else the address in the user settings, else the SQLite file in
@@ -67,6 +74,8 @@ private:
     struct Simulator;
     std::unique_ptr<Simulator> m_simulator;
     std::unique_ptr<archive::Archive> m_archive;
+    QString m_testerName;
+    QString m_testerSerial;
 };
 
 } // namespace kalvo::cli

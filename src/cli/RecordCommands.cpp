@@ -37,9 +37,10 @@ int ExitAfterArchiving(CliContext &context, const records::RetrievalResult &resu
 {
     if (result.status != records::RetrievalStatus::Done)
         return kExitFailed;
-    const archive::RecordSource source{context.portName(), QString(), accessory,
-                                       QFileInfo(file).absoluteFilePath()};
-    return context.KeepInArchive(result.records, source) ? kExitDone : kExitFailed;
+    return context.KeepInArchive(result.records,
+                                 context.TesterSource(accessory, QFileInfo(file).absoluteFilePath()))
+               ? kExitDone
+               : kExitFailed;
 }
 
 // Records of a record file that was loaded go into the archive too (each is kept once).
@@ -52,7 +53,7 @@ bool ArchiveLoadedFile(CliContext &context, const QList<QByteArray> &records, co
 int ReadAll(CliContext &context, const QString &file)
 {
     context.prompter().PresetFile(file);
-    context.OpenPort();
+    context.OpenPortForRecords();
     QTextStream &out = context.out();
     const auto result =
         records::StoreAllRecords(context.link(), context.prompter(),
@@ -99,7 +100,7 @@ int Records(CliContext &context, const QStringList &words)
         return ReadAll(context, w.positional[1]);
     if (action == QLatin1String("current") && w.positional.size() == 2 && w.options.isEmpty()) {
         context.prompter().PresetFile(w.positional[1]);
-        context.OpenPort();
+        context.OpenPortForRecords();
         return ExitAfterArchiving(context, records::StoreCurrentRecord(context.link(), context.prompter()),
                                   w.positional[1]);
     }
@@ -176,7 +177,7 @@ int Kym(CliContext &context, const QStringList &words)
     context.prompter().PresetFile(words[1]);
     const QString logTmp = link::PlaceFileAndSay(context.prompter(), QCoreApplication::applicationDirPath(),
                                                  records::kLogTmpFileName);
-    context.OpenPort();
+    context.OpenPortForRecords();
     QTextStream &out = context.out();
     const auto result =
         records::ReadAccessoryRecords(context.link(), context.prompter(), logTmp,

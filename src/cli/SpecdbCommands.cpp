@@ -92,9 +92,13 @@ void ApplyLimit(specdb::SpecEditor &editor, const QString &word)
 
 // The store as the window lists it; nullopt when the tester refused (it has been said) or did not
 // answer as a store does, which the window passes over with an empty list and a script must hear of.
-std::optional<specdb::SpecStore> ReadStore(CliContext &context)
+// `keepsRecords`: records may go into the archive (a deletion), so the tester is identified first.
+std::optional<specdb::SpecStore> ReadStore(CliContext &context, bool keepsRecords = false)
 {
-    context.OpenPort();
+    if (keepsRecords)
+        context.OpenPortForRecords();
+    else
+        context.OpenPort();
     auto store =
         specdb::ReadSpecStore(context.link(), context.prompter(),
                               link::PlaceFileAndSay(context.prompter(), {}, specdb::kStoreTraceFileName));
@@ -307,7 +311,7 @@ int Delete(CliContext &context, const QStringList &arguments)
     if (all == (words.size() == 1) || words.size() > 1)
         throw Usage(UsageText::Expected, {QStringLiteral("delete N|--all")});
     const int number = all ? 0 : NumberArgument(words[0], QStringLiteral("N"));
-    const auto store = ReadStore(context);
+    const auto store = ReadStore(context, true);
     if (!store)
         return kExitFailed;
     if (!all && (number < 1 || number > store->count())) {
@@ -321,8 +325,8 @@ int Delete(CliContext &context, const QStringList &arguments)
     specdb::Removal removal = specdb::RemovalOf(*store);
     const QString url = context.options().archiveUrl;
     if (archive::KeepingRecords(url, context.options().noArchive))
-        removal.keep = [url, port = context.portName()](const QList<QByteArray> &records) {
-            return archive::KeepBeforeDeleting(records, {port, QString(), QString(), QString()}, url);
+        removal.keep = [url, source = context.TesterSource()](const QList<QByteArray> &records) {
+            return archive::KeepBeforeDeleting(records, source, url);
         };
     const specdb::RemovalStatus status =
         all ? specdb::DeleteAllRecords(context.link(), context.prompter(), context.texts(), removal)

@@ -61,6 +61,9 @@ struct TesterIdentity {
     // What the Version label shows: with the accessory in front its name and its version
     // ("KYM QRT4027  Firmware V 2.10"), otherwise the tester's firmware field; empty when unknown.
     QByteArray VersionText() const;
+    // The tester's short designation and serial number as names and records show them (trimmed).
+    QString DesignationText() const { return QString::fromLatin1(shortDesignation).trimmed(); }
+    QString SerialText() const { return QString::fromLatin1(serialNumber).trimmed(); }
 
     bool updateNeeded = false;
     std::array<std::optional<QDateTime>, kVersionParts> packageFileDates;

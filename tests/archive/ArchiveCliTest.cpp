@@ -49,6 +49,9 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
     for (const ArchivedRecord &r : all)
         EXPECT_TRUE(file.contains(FetchRecord(*opened, r.id)->raw)) << r.id;
     EXPECT_EQ(all.last().source.file, File("alle.txt"));
+    // The tester was identified before the read, as the window does on connecting.
+    EXPECT_EQ(all.last().source.tester, QStringLiteral("KALVO-01"));
+    EXPECT_EQ(all.last().source.testerSerial, QStringLiteral("0471 1203 5567"));
 
     // An older test of E-0815 from a record file joins its history.
     QByteArray older = file[0];

@@ -38,7 +38,10 @@ TEST(CliRecordCommands, ReadAllAsksForEachPartOfEveryRecordAndWritesOneLineEach)
     QList<QByteArray> lines = ReadFile(file).split('\n');
     ASSERT_EQ(lines.takeLast(), QByteArray()); // the file ends with a line end
     ASSERT_FALSE(lines.isEmpty());
-    QStringList expected{QStringLiteral("prx?n\\r")};
+    // Records that go into the archive carry the tester's name and serial number: it is identified
+    // first.
+    QStringList expected{QStringLiteral("dis?\\r"), QStringLiteral("ver?\\r"), QStringLiteral("idn?\\r"),
+                         QStringLiteral("prx?n\\r")};
     for (qsizetype i = 1; i <= lines.size(); ++i) {
         EXPECT_TRUE(lines[i - 1].endsWith(";$FF\r")) << lines[i - 1].constData();
         EXPECT_EQ(lines[i - 1].count(';'), 74) << "record " << i;

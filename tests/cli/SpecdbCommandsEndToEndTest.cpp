@@ -23,6 +23,11 @@ QStringList Args(std::initializer_list<const char *> words)
 }
 
 // What reading a store of `count` entries sends.
+// A deletion keeps the records in the archive first, with the tester's name and serial number:
+// the tester is identified before its store is read.
+const QStringList kIdentification = {QStringLiteral("dis?\\r"), QStringLiteral("ver?\\r"),
+                                     QStringLiteral("idn?\\r")};
+
 QStringList StoreRead(int count)
 {
     QStringList lines{QStringLiteral("prx?n\\r")};
@@ -155,7 +160,8 @@ TEST(CliSpecdbCommands, NothingIsStoredOrDeletedWhenTheRecordMayNotGo)
          {}},
         {"deleting a record the store does not hold",
          Args({"--baud", "0", "--records", "0", "--specifications"}),
-         Args({"--yes", "specdb", "delete", "3"}), QStringLiteral("Datensatz 3 gibt es nicht"), StoreRead(2)},
+         Args({"--yes", "specdb", "delete", "3"}), QStringLiteral("Datensatz 3 gibt es nicht"),
+         kIdentification + StoreRead(2)},
         {"a limit looser than the regulation's, not confirmed", Args({"--baud", "0", "--records", "0"}),
          Args({"specdb", "add", "A", "--regulation", "VDE 0702", "--limit", "1=<1.000Ohm", "--limit",
                "3=>0.300MOhm"}),
@@ -165,7 +171,7 @@ TEST(CliSpecdbCommands, NothingIsStoredOrDeletedWhenTheRecordMayNotGo)
          QStringLiteral(
              "Alle Protokolle und Abläufe löschen?\n\nIm Kalvomer werden gelöscht: 2 Prüfabläufe. -> "
              "Abbrechen"),
-         StoreRead(2)},
+         kIdentification + StoreRead(2)},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);

@@ -23,14 +23,14 @@ using namespace kalvo::testing;
 
 class ConfigWindowsTest : public WindowFixture {
 protected:
-    void Trigger(QWidget &window, const char *name)
-    {
-        window.findChild<QAction *>(QString::fromLatin1(name))->trigger();
-        EXPECT_TRUE(Idle());
-    }
+    void Trigger(QWidget &window, const char *name) { TriggerIn(window, name); }
     void Click(QWidget &window, const char *name)
     {
-        QMetaObject::invokeMethod(window.findChild<QPushButton *>(QString::fromLatin1(name)), "click");
+        EXPECT_TRUE(Idle());
+        auto *button = window.findChild<QPushButton *>(QString::fromLatin1(name));
+        ASSERT_NE(button, nullptr) << name;
+        EXPECT_TRUE(button->isEnabled()) << name;
+        QMetaObject::invokeMethod(button, "click");
         EXPECT_TRUE(Idle());
     }
     QWidget *TopLevel(const char *name)

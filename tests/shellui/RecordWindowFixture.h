@@ -32,11 +32,7 @@ protected:
         EXPECT_NE(m_records, nullptr);
         return *m_records;
     }
-    void Trigger(const char *name)
-    {
-        m_records->findChild<QAction *>(QString::fromLatin1(name))->trigger();
-        EXPECT_TRUE(Idle());
-    }
+    void Trigger(const char *name) { TriggerIn(*m_records, name); }
     QListWidget *List() { return m_records->findChild<QListWidget *>(QStringLiteral("lb1")); }
     QString Report()
     {

@@ -63,7 +63,9 @@ protected:
         QMetaObject::invokeMethod(ok, "click");
         const bool identified = WaitUntil([&] { return done; });
         QObject::disconnect(connection);
-        return identified;
+        // The identification is shown while its job still runs; until that job is over the
+        // windows' device actions are disabled, and a test that acts at once would find them so.
+        return identified && Idle();
     }
 
     // The lines the tester received from the `from`-th on, read on the device thread.
@@ -81,12 +83,19 @@ protected:
     {
         return WaitUntil([this] { return !m_window->device().busy(); });
     }
-    // Chooses the main window's menu entry `name` and waits for what it started.
-    void Trigger(const char *name)
+    // Chooses the entry `name` of `window` as a user would once the device is idle (a disabled
+    // entry does nothing), and waits for what it started.
+    void TriggerIn(QWidget &window, const char *name)
     {
-        m_window->findChild<QAction *>(QString::fromLatin1(name))->trigger();
+        EXPECT_TRUE(Idle());
+        auto *action = window.findChild<QAction *>(QString::fromLatin1(name));
+        ASSERT_NE(action, nullptr) << name;
+        EXPECT_TRUE(action->isEnabled()) << name;
+        action->trigger();
         EXPECT_TRUE(Idle());
     }
+    // Chooses the main window's menu entry `name` and waits for what it started.
+    void Trigger(const char *name) { TriggerIn(*m_window, name); }
 
     // Saves a picture of `widget` next to the test programs, for a person to look at.
     static QString Screenshot(QWidget &widget, const QString &name)
