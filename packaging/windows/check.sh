@@ -35,12 +35,20 @@ ctest --test-dir "$build" -j "$(nproc)" -V --timeout 300 -E '\.' \
     >"$build/wine-ctest.log" 2>&1 ||
     fail "unit tests under wine (see $build/wine-ctest.log)"
 grep -E "tests passed|tests failed" "$build/wine-ctest.log" || true
-# The window tests ("Suite.Case", a process each) are not part of this check yet. They end
-# under wine now, and all 82 that do not measure text passed in a warm build folder (the three
-# that do need fonts, which the offscreen platform lacks on Windows). In a fresh clone two failed
-# twice: the record window's dialogs and the package run. Their cause is not found yet. Run them
-# by hand with:
-#   ctest --test-dir BUILD_DIR -j 1 -R '\.' --repeat until-pass:2
+# The window tests ("Suite.Case"), a process each, one at a time: they share wine's registry,
+# desktop and file dialogs' history. Three measure text and are left out: the offscreen platform
+# the tests use has no fonts on Windows (kalvo.exe uses the Windows platform, which has them), so
+# their widths say nothing there; the screenshot below shows the real window. A case that fails
+# gets one more run, and the cases that needed it are named below.
+ctest --test-dir "$build" -j 1 -V --timeout 120 -R '\.' --repeat until-pass:2 \
+    -E '^LanguageAndKeysTest\.(TheMenuBarShowsEveryEntryWithItsOwnAltLetterInEveryLanguage|TheDatabaseWindowFitsWithItsSingleFaultsOpenAndSpeaksEveryLanguage|EveryWindowOpensWholeInGermanEnglishAndFrench)$' \
+    >"$build/wine-window-tests.log" 2>&1 ||
+    fail "window tests under wine (see $build/wine-window-tests.log)"
+grep -E "tests passed|tests failed" "$build/wine-window-tests.log" | tail -1 || true
+retried=$(grep -E 'Test +#[0-9]+: .*\*\*\*(Failed|Timeout)' "$build/wine-window-tests.log" |
+    sed -E 's/.*Test +#[0-9]+: ([^ ]+).*/\1/' | sort -u || true)
+echo "window cases that failed a run: ${retried:-none}"
+cat "$build/wine-window-tests.log" >>"$build/wine-ctest.log"
 # Cases run and passed, as each program counts them.
 awk '{ sub(/^[0-9]+: /, "") }
      /^\[==========\] [0-9]+ tests? from .* ran\./ { ran += $2 }
