@@ -147,11 +147,6 @@ std::unique_ptr<Archive> OpenSoundBackup(const QString &file, const QTemporaryDi
     return backup;
 }
 
-qint64 HeldRecords(Archive &archive)
-{
-    return CountRows(archive, QStringLiteral("records")) + CountRows(archive, QStringLiteral("devices"));
-}
-
 } // namespace
 
 BackupResult BackupArchive(Archive &archive, const QString &file, const BackupProgress &progress,
@@ -197,6 +192,9 @@ BackupResult BackupArchive(Archive &archive, const QString &file, const BackupPr
     } catch (const ArchiveError &e) {
         throw BackupFailure(file, QStringLiteral("nicht geschrieben: %1").arg(e.text()));
     }
+    // Readable like any file the user makes; the temporary name was the owner's alone.
+    QFile::setPermissions(part, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup |
+                                    QFileDevice::ReadOther);
     if (replace && info.exists() && !QFile::remove(info.absoluteFilePath()))
         throw BackupFailure(file, QStringLiteral("die alte Datei lässt sich nicht ersetzen"));
     if (QFile renamed(part); !renamed.rename(info.absoluteFilePath()))
@@ -212,11 +210,13 @@ BackupResult BackupArchive(Archive &archive, const QString &file, const BackupPr
 RestoreResult RestoreArchive(Archive &target, const QString &file, const BackupProgress &progress)
 {
     const auto refuseUnlessEmpty = [&target] {
-        if (const qint64 held = HeldRecords(target); held > 0)
-            throw target.Failure(QStringLiteral("wiederherstellen"),
-                                 QStringLiteral("es enthält schon Protokolle oder Geräte (%1); "
-                                                "wiederhergestellt wird nur in ein leeres Archiv")
-                                     .arg(held));
+        const qint64 records = CountRows(target, QStringLiteral("records"));
+        if (records > 0 || CountRows(target, QStringLiteral("devices")) > 0)
+            throw target.Failure(
+                QStringLiteral("wiederherstellen"),
+                QStringLiteral("es enthält schon %1 Protokolle; wiederhergestellt wird nur in "
+                               "ein leeres Archiv")
+                    .arg(records));
     };
     refuseUnlessEmpty();
     const QTemporaryDir work;
