@@ -5,6 +5,8 @@
 
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <algorithm>
+#include <map>
 
 namespace kalvo::archive {
 
@@ -103,6 +105,58 @@ void ForEachRow(Archive &archive, const QString &table, const QStringList &colum
     archive.Exec(QStringLiteral("CLOSE kalvo_copy"));
 }
 
+// Rows written several a statement: one round trip to a server for each row would make a restore
+// into PostgreSQL a matter of minutes.
+class BatchInsert {
+public:
+    BatchInsert(Archive &to, const QString &table, const QStringList &quotedColumns)
+        : m_to(to), m_table(table), m_columns(quotedColumns),
+          // Within the 999 values a statement that every SQLite takes.
+          m_rowsPerStatement(std::max<qsizetype>(1, kMostValues / quotedColumns.size()))
+    {}
+    void Add(QVariantList row)
+    {
+        m_rows.append(std::move(row));
+        if (m_rows.size() == m_rowsPerStatement)
+            Flush();
+    }
+    void Flush()
+    {
+        if (m_rows.isEmpty())
+            return;
+        QSqlQuery &insert = ForRows(m_rows.size());
+        int i = 0;
+        for (const QVariantList &row : std::as_const(m_rows))
+            for (const QVariant &value : row)
+                insert.bindValue(i++, value);
+        m_to.Run(insert);
+        m_rows.clear();
+    }
+
+private:
+    static constexpr qsizetype kMostValues = 900;
+    QSqlQuery &ForRows(qsizetype rows)
+    {
+        auto it = m_prepared.find(rows);
+        if (it != m_prepared.end())
+            return it->second;
+        const QString marks = QLatin1Char('(') +
+                              QStringList(m_columns.size(), QStringLiteral("?")).join(QLatin1Char(',')) +
+                              QLatin1Char(')');
+        const QString sql = QStringLiteral("INSERT INTO %1 (%2) VALUES %3")
+                                .arg(Quoted(m_table), m_columns.join(QLatin1String(", ")),
+                                     QStringList(rows, marks).join(QLatin1Char(',')));
+        return m_prepared.emplace(rows, m_to.Prepare(sql)).first->second;
+    }
+
+    Archive &m_to;
+    QString m_table;
+    QStringList m_columns;
+    qsizetype m_rowsPerStatement;
+    QList<QVariantList> m_rows;
+    std::map<qsizetype, QSqlQuery> m_prepared;
+};
+
 // PostgreSQL hands out ids from sequences that know nothing of ids written by hand.
 void SetSequencesPastCopiedIds(Archive &to, const QString &table)
 {
@@ -193,26 +247,26 @@ qint64 CopyTables(Archive &from, Archive &to, const std::function<void(qint64, q
                                          [&](const TableShape &s) { return s.name == target.name; });
         if (source == sources.cend())
             continue; // a table newer than the copy: it stays as the migrations made it
-        QStringList columns, types, quoted, marks;
+        QStringList columns, types, quoted;
         for (qsizetype i = 0; i < source->columns.size(); ++i)
             if (target.columns.contains(source->columns[i])) {
                 columns << source->columns[i];
                 types << source->types[i];
                 quoted << Quoted(source->columns[i]);
-                marks << QStringLiteral("?");
             }
         if (columns.isEmpty())
             continue;
-        QSqlQuery insert = to.Prepare(
-            QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                .arg(Quoted(target.name), quoted.join(QLatin1String(", ")), marks.join(QLatin1String(", "))));
+        BatchInsert insert(to, target.name, quoted);
         ForEachRow(from, source->name, columns, [&](const QSqlQuery &row) {
+            QVariantList values;
+            values.reserve(columns.size());
             for (int i = 0; i < columns.size(); ++i)
-                insert.bindValue(i, Portable(row.value(i), types[i]));
-            to.Run(insert);
+                values.append(Portable(row.value(i), types[i]));
+            insert.Add(std::move(values));
             if (++done % kBatchRows == 0 && progress)
                 progress(done, total);
         });
+        insert.Flush();
         if (to.isPostgres())
             SetSequencesPastCopiedIds(to, target.name);
     }
