@@ -80,18 +80,10 @@ void ExpectDevicesMatchTheirRecords(Archive &archive)
     EXPECT_GT(devices, 0);
 }
 
-class ArchiveBackupTest : public OnBothBackends {
+class ArchiveBackupTest : public WithArchiveOnBothBackends {
 protected:
-    void SetUp() override
-    {
-        OnBothBackends::SetUp();
-        if (!HasFatalFailure() && !IsSkipped())
-            m_archive = m_place->Open();
-    }
-    Archive &archive() { return *m_archive; }
     QString BackupPath() const { return m_dir.filePath(QStringLiteral("sicherung.sqlite")); }
 
-    std::unique_ptr<Archive> m_archive;
     QTemporaryDir m_dir;
 };
 
