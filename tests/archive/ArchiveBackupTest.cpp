@@ -263,6 +263,23 @@ TEST(ArchiveBackupFile, ABackupThatFailsLeavesNoFileBehind)
     EXPECT_THROW(BackupArchive(archive, path, {}, true), ArchiveError);
     EXPECT_EQ(Bytes(path), before);
     EXPECT_TRUE(Entries(out.path()).isEmpty());
+
+    // A folder the user may not write to (where the system keeps them from it: not for root).
+    QFile::setPermissions(out.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    if (QFile probe(out.filePath(QStringLiteral("probe"))); !probe.open(QIODevice::WriteOnly)) {
+        try {
+            BackupArchive(archive, backup);
+            ADD_FAILURE() << "wrote into a folder without the right to";
+        } catch (const ArchiveError &e) {
+            EXPECT_TRUE(e.text().contains(QStringLiteral("lässt sich keine Datei anlegen")))
+                << e.text().toStdString();
+        }
+        EXPECT_TRUE(Entries(out.path()).isEmpty());
+    } else {
+        probe.remove();
+    }
+    QFile::setPermissions(out.path(),
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
     EXPECT_EQ(BackupArchive(archive, backup).records, 50);
 }
 
