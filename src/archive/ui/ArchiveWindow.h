@@ -10,6 +10,7 @@
 #include <atomic>
 #include <memory>
 
+class QAction;
 class QCheckBox;
 class QDialog;
 class QComboBox;
@@ -18,8 +19,8 @@ class QLabel;
 class QMenu;
 class QProgressBar;
 class QTimer;
-class QVBoxLayout;
 class QHBoxLayout;
+class QVBoxLayout;
 class QPushButton;
 class QLineEdit;
 class QPlainTextEdit;
