@@ -220,44 +220,41 @@ qint64 CountRows(Archive &archive, const QString &table)
 
 qint64 CopyTables(Archive &from, Archive &to, const std::function<void(qint64, qint64)> &progress)
 {
-    QList<TableShape> sources;
-    for (const TableShape &shape : ArchiveTables(from))
-        sources << shape;
-    QList<TableShape> targets = ArchiveTables(to);
-    targets.erase(std::remove_if(targets.begin(), targets.end(),
-                                 [](const TableShape &t) { return t.name == kVersionTable; }),
-                  targets.end());
+    // The tables both have but schema_version, as (source, target) in the target's order; a table
+    // newer than the copy stays as the migrations made it.
+    const QList<TableShape> sources = ArchiveTables(from);
+    QList<std::pair<TableShape, TableShape>> tables;
+    for (const TableShape &target : ArchiveTables(to)) {
+        const auto source = std::find_if(sources.cbegin(), sources.cend(),
+                                         [&](const TableShape &s) { return s.name == target.name; });
+        if (target.name != kVersionTable && source != sources.cend())
+            tables.append({*source, target});
+    }
 
     // What the target holds (the intervals its migrations put there) gives way to the copy's; those
     // that refer to others go first.
-    for (auto it = targets.crbegin(); it != targets.crend(); ++it)
-        to.Exec(QStringLiteral("DELETE FROM %1").arg(Quoted(it->name)));
+    for (auto it = tables.crbegin(); it != tables.crend(); ++it)
+        to.Exec(QStringLiteral("DELETE FROM %1").arg(Quoted(it->second.name)));
 
     qint64 total = 0;
-    for (const TableShape &target : targets)
-        for (const TableShape &source : sources)
-            if (source.name == target.name)
-                total += CountRows(from, source.name);
+    for (const auto &[source, target] : std::as_const(tables))
+        total += CountRows(from, source.name);
     qint64 done = 0;
     if (progress)
         progress(0, total);
 
-    for (const TableShape &target : targets) {
-        const auto source = std::find_if(sources.cbegin(), sources.cend(),
-                                         [&](const TableShape &s) { return s.name == target.name; });
-        if (source == sources.cend())
-            continue; // a table newer than the copy: it stays as the migrations made it
+    for (const auto &[source, target] : std::as_const(tables)) {
         QStringList columns, types, quoted;
-        for (qsizetype i = 0; i < source->columns.size(); ++i)
-            if (target.columns.contains(source->columns[i])) {
-                columns << source->columns[i];
-                types << source->types[i];
-                quoted << Quoted(source->columns[i]);
+        for (qsizetype i = 0; i < source.columns.size(); ++i)
+            if (target.columns.contains(source.columns[i])) {
+                columns << source.columns[i];
+                types << source.types[i];
+                quoted << Quoted(source.columns[i]);
             }
         if (columns.isEmpty())
             continue;
         BatchInsert insert(to, target.name, quoted);
-        ForEachRow(from, source->name, columns, [&](const QSqlQuery &row) {
+        ForEachRow(from, source.name, columns, [&](const QSqlQuery &row) {
             QVariantList values;
             values.reserve(columns.size());
             for (int i = 0; i < columns.size(); ++i)
