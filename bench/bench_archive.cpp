@@ -1,6 +1,8 @@
 // Archive benchmarks: records imported per second into SQLite and PostgreSQL, and how long a device's
-// history and the devices due for a test take to find in an archive of a million records.
+// history and the devices due for a test take to find in an archive of a million records, and how
+// fast an archive is backed up and restored.
 #include "archive/Archive.h"
+#include "archive/ArchiveBackup.h"
 #include "archive/ArchiveQueries.h"
 #include "archive/RecordImport.h"
 #include "support/PostgresCluster.h"
@@ -142,6 +144,25 @@ void SearchMillion(const QString &path)
     const auto [allMean, allWorst] = Millis([&](int) { count = archive::CountRecords(archive, {}); });
     std::printf("count of all records:              %6.2f ms mean, %6.2f ms worst\n", allMean, allWorst);
 }
+// A backup of the archive at `url` into `file`, and the backup restored into the empty archive at
+// `emptyUrl`.
+void BackupAndRestore(const char *name, const QString &url, const QString &file, const QString &emptyUrl)
+{
+    archive::Archive source(archive::ParseArchiveUrl(url), archive::ArchiveAccess::Read);
+    auto start = Clock::now();
+    const archive::BackupResult backup = archive::BackupArchive(source, file);
+    const double backupSeconds = Seconds(Clock::now() - start).count();
+    std::printf("backup of %lld records from %-10s %8.0f records/s   (%.2f s, %.1f MB)\n",
+                static_cast<long long>(backup.records), name, backup.records / backupSeconds, backupSeconds,
+                backup.bytes / 1e6);
+    archive::Archive target(archive::ParseArchiveUrl(emptyUrl));
+    start = Clock::now();
+    const archive::RestoreResult restored = archive::RestoreArchive(target, file);
+    const double restoreSeconds = Seconds(Clock::now() - start).count();
+    std::printf("restore of %lld records into %-10s %8.0f records/s   (%.2f s, hashes checked first)\n",
+                static_cast<long long>(restored.records), name, restored.records / restoreSeconds,
+                restoreSeconds);
+}
 
 } // namespace
 
@@ -151,13 +172,19 @@ int main(int argc, char *argv[])
     QTemporaryDir dir;
     DescribeRate();
     ImportInto("SQLite", dir.filePath(QStringLiteral("import.sqlite")), kImportCount);
+    BackupAndRestore("SQLite", dir.filePath(QStringLiteral("import.sqlite")),
+                     dir.filePath(QStringLiteral("backup-sqlite.sqlite")),
+                     dir.filePath(QStringLiteral("restored.sqlite")));
 
     testing::PostgresCluster cluster;
     const QString url = cluster.CreateDatabase();
     if (url.isEmpty())
         std::printf("import into PostgreSQL: no server (%s)\n", qPrintable(cluster.error()));
-    else
+    else {
         ImportInto("PostgreSQL", url, kImportCount);
+        BackupAndRestore("PostgreSQL", url, dir.filePath(QStringLiteral("backup-pg.sqlite")),
+                         cluster.CreateDatabase());
+    }
 
     if (qEnvironmentVariableIsSet("KALVO_BENCH_SHORT"))
         return 0;

@@ -2,6 +2,7 @@
 #include "Archive.h"
 
 #include "ArchiveTypes.h"
+#include "ArchiveVolume.h"
 #include "Migrations.h"
 #include "ServerWatch.h"
 
@@ -110,6 +111,9 @@ void Archive::Connect()
         if (info.exists() && !LooksLikeSQLite(m_target.path))
             throw Failure(QStringLiteral("öffnen"),
                           QStringLiteral("die Datei ist keine SQLite-Datenbank; sie bleibt unverändert"));
+        // Reading stays allowed on a share: it changes nothing, and a backup kept there can be checked.
+        if (m_access == ArchiveAccess::Write && !m_target.privateCopy)
+            RefuseNetworkVolume(m_target, ProbeVolume(m_target.path));
         if (!QDir().mkpath(info.absolutePath()))
             throw Failure(QStringLiteral("anlegen"),
                           QStringLiteral("der Ordner %1 lässt sich nicht anlegen").arg(info.absolutePath()));

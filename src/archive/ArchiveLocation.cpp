@@ -16,12 +16,6 @@ namespace {
 const QString kEnabledKey = QStringLiteral("archive/enabled");
 const QString kUrlKey = QStringLiteral("archive/url");
 
-QSettings UserSettings()
-{
-    return QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("kalvo"),
-                     QStringLiteral("kalvo"));
-}
-
 constexpr int kSQLiteWaitSeconds = 5;
 constexpr int kServerWaitSeconds = 60;
 constexpr int kLongestWaitSeconds = 3600;
@@ -89,6 +83,12 @@ QString ArchiveTarget::Describe() const
     if (port >= 0)
         where += QLatin1Char(':') + QString::number(port);
     return QStringLiteral("postgresql://%1/%2").arg(where, database);
+}
+
+QSettings UserSettings()
+{
+    return QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("kalvo"),
+                     QStringLiteral("kalvo"));
 }
 
 ArchiveSettings ReadArchiveSettings()

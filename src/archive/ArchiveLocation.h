@@ -1,6 +1,7 @@
 // Which archive to use: the SQLite file in the user's data folder, or a PostgreSQL server.
 #pragma once
 
+#include <QSettings>
 #include <QString>
 
 namespace kalvo::archive {
@@ -17,6 +18,9 @@ struct ArchiveTarget {
     // The longest the archive waits: SQLite for another program's write lock, PostgreSQL for any
     // one answer of the server (a lock held elsewhere is given less). 0: the default of the kind.
     int waitSeconds = 0;
+    // SQLite: a file no other program opens while this one writes it (a backup being made); it may
+    // lie in a folder shared over the network, which a live archive may not.
+    bool privateCopy = false;
     // For messages: the file, or the server and database without the password.
     QString Describe() const;
     // waitSeconds, or the default: a few seconds for a file another program is writing, a minute
@@ -34,6 +38,8 @@ struct ArchiveSettings {
     QString url;         // empty: the SQLite file in the user's data folder
 };
 
+// The user settings (kalvo.ini), where the archive's address and switch are kept.
+QSettings UserSettings();
 ArchiveSettings ReadArchiveSettings();
 void WriteArchiveSettings(const ArchiveSettings &settings);
 

@@ -1,4 +1,5 @@
 // kalvo-cli archive: the record archive from the command line (import, list, show, export, verify, due).
+#include "ArchiveBackupCommands.h"
 #include "CliCommand.h"
 #include "CliContext.h"
 #include "CliWords.h"
@@ -25,8 +26,8 @@ const QString kIntervalSynopsis = QStringLiteral(
 const QString kUsage =
     QStringLiteral(
         "import FILE... | list [FILTER] [--json] | show N [--pdf OUT] | export OUT.csv [FILTER] | verify | "
-        "due [--before DATE] [--json] | %1")
-        .arg(kIntervalSynopsis);
+        "due [--before DATE] [--json] | %1 | %2")
+        .arg(kIntervalSynopsis, kBackupSynopsis);
 const QStringList kFilterOptions = {QStringLiteral("--device"),     QStringLiteral("--type"),
                                     QStringLiteral("--customer"),   QStringLiteral("--text"),
                                     QStringLiteral("--regulation"), QStringLiteral("--since"),
@@ -276,6 +277,10 @@ int Archive(CliContext &context, const QStringList &words)
         return Interval(context,
                         SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--device")},
                                    {QStringLiteral("--json")}));
+    if (action == QLatin1String("backup"))
+        return ArchiveBackup(context, words);
+    if (action == QLatin1String("restore"))
+        return ArchiveRestore(context, words);
     throw Usage(UsageText::Expected, {kUsage});
 }
 
@@ -290,7 +295,8 @@ QList<CliCommand> ArchiveCommands()
              "--customer C --text T --regulation NAME --since DATE --until DATE --due-before DATE "
              "--failed --passed), a record's report with its SHA-256 (or as PDF), CSV export, "
              "check every record's bytes against its hash, the devices due for a test, re-test "
-             "intervals"),
+             "intervals, a backup of the archive while it is in use and its restoring into an empty "
+             "archive"),
          Archive},
     };
 }

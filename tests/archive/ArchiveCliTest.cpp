@@ -162,6 +162,39 @@ TEST_P(ArchiveCliTest, ThePdfCarriesTheHashAndVerifyFindsAChangedRecord)
     EXPECT_TRUE(missing.err.contains(QStringLiteral("kein Protokoll Nr. 999"))) << missing.err.toStdString();
 }
 
+TEST_P(ArchiveCliTest, ABackupIsVerifiedAsAnArchiveAndRestoredOnlyIntoAnEmptyOne)
+{
+    ASSERT_TRUE(WriteFile(File("r.txt"), MakeRecord({.device = "B-1"}) + MakeRecord({.device = "B-2"})));
+    ASSERT_EQ(Cli({"archive", "import", File("r.txt")}).exitCode, 0);
+    const RunResult backup = Cli({"archive", "backup", File("sicherung.sqlite")});
+    ASSERT_EQ(backup.exitCode, 0) << backup.err.toStdString();
+    EXPECT_TRUE(backup.out.contains(QStringLiteral("sicherung.sqlite geschrieben: 2 Protokolle")))
+        << backup.out.toStdString();
+    const QByteArray written = ReadFile(File("sicherung.sqlite"));
+    const RunResult again = Cli({"archive", "backup", File("sicherung.sqlite")});
+    EXPECT_EQ(again.exitCode, 1);
+    EXPECT_TRUE(again.err.contains(QStringLiteral("gibt es schon"))) << again.err.toStdString();
+    EXPECT_EQ(ReadFile(File("sicherung.sqlite")), written);
+
+    const RunResult verify =
+        RunProgram(QStringLiteral("kalvo-cli"), {"--archive", File("sicherung.sqlite"), "archive", "verify"});
+    EXPECT_EQ(verify.exitCode, 0) << verify.err.toStdString();
+    EXPECT_TRUE(verify.out.contains(QStringLiteral("2 geprüft, 0 verändert"))) << verify.out.toStdString();
+
+    const RunResult refused = Cli({"archive", "restore", File("sicherung.sqlite")});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_TRUE(refused.err.contains(QStringLiteral("es enthält schon 2 Protokolle")))
+        << refused.err.toStdString();
+    ArchivePlace empty(GetParam());
+    const RunResult restored = RunProgram(QStringLiteral("kalvo-cli"), {"--archive", empty.url(), "archive",
+                                                                        "restore", File("sicherung.sqlite")});
+    EXPECT_EQ(restored.exitCode, 0) << restored.err.toStdString();
+    EXPECT_TRUE(restored.out.contains(QStringLiteral("wiederhergestellt: 2 Protokolle")))
+        << restored.out.toStdString();
+    EXPECT_EQ(CountRecords(*empty.Open(), {}), 2);
+    EXPECT_EQ(ReadFile(File("sicherung.sqlite")), written);
+}
+
 TEST_P(ArchiveCliTest, TwoProgramsImportingTheSameThousandRecordsStoreEachOnce)
 {
     const QList<QByteArray> records = ManyRecords(1000, 60);

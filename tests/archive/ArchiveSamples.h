@@ -105,6 +105,20 @@ protected:
     std::unique_ptr<ArchivePlace> m_place;
 };
 
+// A test on each backend with the archive of its fresh place open.
+class WithArchiveOnBothBackends : public OnBothBackends {
+protected:
+    void SetUp() override
+    {
+        OnBothBackends::SetUp();
+        if (!HasFatalFailure() && !IsSkipped())
+            m_archive = m_place->Open();
+    }
+    archive::Archive &archive() { return *m_archive; }
+
+    std::unique_ptr<archive::Archive> m_archive;
+};
+
 // Another program on the same SQLite file, holding its lock as long as it lives.
 class OtherProgram {
 public:

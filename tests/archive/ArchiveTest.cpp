@@ -14,15 +14,8 @@ using namespace kalvo::testing;
 
 namespace {
 
-class ArchiveTest : public OnBothBackends {
+class ArchiveTest : public WithArchiveOnBothBackends {
 protected:
-    void SetUp() override
-    {
-        OnBothBackends::SetUp();
-        if (!HasFatalFailure() && !IsSkipped())
-            m_archive = m_place->Open();
-    }
-    Archive &archive() { return *m_archive; }
     QStringList Devices(const ArchiveFilter &filter)
     {
         QStringList devices;
@@ -30,8 +23,6 @@ protected:
             devices << r.deviceId;
         return devices;
     }
-
-    std::unique_ptr<Archive> m_archive;
 };
 
 TEST_P(ArchiveTest, KeepsTheBytesAsReadWithTheFieldsPeopleSearchBy)

@@ -4,6 +4,7 @@
 #include "ArchiveSamples.h"
 
 #include "archive/ArchiveQueries.h"
+#include "archive/BackupReminder.h"
 #include "archive/RecordImport.h"
 #include "archive/ui/ArchiveSettingsDialog.h"
 #include "archive/ui/ArchiveTableModel.h"
@@ -21,7 +22,9 @@
 #include <QFontMetricsF>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPlainTextEdit>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTableView>
@@ -421,4 +424,63 @@ TEST_F(ArchiveWindowTest, TheSettingsTakeOnlyAnAddressThatCanBeUsedAndTheWindowO
     EXPECT_EQ(ReadArchiveSettings().url, other);
     EXPECT_FALSE(ReadArchiveSettings().enabled);
     WriteArchiveSettings(saved);
+}
+
+TEST_F(ArchiveWindowTest, ABackupIsMadeAndRestoredHereAndTheWindowRemindsOfAnOldOne)
+{
+    Fill({MakeRecord({.device = "S-1"}), MakeRecord({.device = "S-2"}), MakeRecord({.device = "S-3"})});
+    const QString backup = m_dir.filePath(QStringLiteral("sicherung.sqlite"));
+    {
+        auto &window = Open();
+        QLabel *note = window.backupNote();
+        EXPECT_FALSE(note->isHidden());
+        EXPECT_TRUE(note->text().contains(QStringLiteral("noch keine Sicherung")))
+            << note->text().toStdString();
+        EXPECT_EQ(Child<QAction>("sichern")->text(), QStringLiteral("Sicherung ..."));
+        EXPECT_EQ(Child<QAction>("wiederherstellen")->text(), QStringLiteral("Wiederherstellen ..."));
+        if (qEnvironmentVariableIsSet("KALVO_SCREENSHOTS"))
+            window.grab().save(qEnvironmentVariable("KALVO_SCREENSHOTS") +
+                               QStringLiteral("/archiv-hinweis.png"));
+        window.BackupTo(backup);
+        EXPECT_TRUE(Idle());
+        EXPECT_TRUE(window.status()->text().contains(QStringLiteral("geschrieben (Protokolle: 3)")))
+            << window.status()->text().toStdString();
+        EXPECT_TRUE(note->isHidden());
+        EXPECT_TRUE(Child<QProgressBar>("fortschritt")->isHidden());
+        // Not into an archive that holds records.
+        window.RestoreFrom(backup);
+        EXPECT_TRUE(Idle());
+        EXPECT_TRUE(window.status()->text().contains(QStringLiteral("nur in ein leeres Archiv")))
+            << window.status()->text().toStdString();
+        EXPECT_EQ(window.model()->rowCount(), 3);
+    }
+    Archive verify(ParseArchiveUrl(backup), ArchiveAccess::Read);
+    EXPECT_TRUE(VerifyArchive(verify).changed.isEmpty());
+
+    // An empty archive needs no reminder and takes the backup.
+    const QString empty = m_dir.filePath(QStringLiteral("leer.sqlite"));
+    Archive{ParseArchiveUrl(empty)};
+    auto &restored = Open(empty);
+    EXPECT_TRUE(restored.backupNote()->isHidden());
+    restored.RestoreFrom(backup);
+    EXPECT_TRUE(Idle());
+    EXPECT_TRUE(restored.status()->text().contains(QStringLiteral("wiederhergestellt (Protokolle: 3)")))
+        << restored.status()->text().toStdString();
+    EXPECT_EQ(restored.model()->rowCount(), 3);
+
+    // Thirty days pass without one: the note names the last backup, in the program's language.
+    RememberBackup(ParseArchiveUrl(Path()), QDateTime::currentDateTimeUtc().addDays(-40));
+    auto &old = Open();
+    const QString day = QDate::currentDate().addDays(-40).toString(QStringLiteral("dd.MM.yyyy"));
+    EXPECT_TRUE(old.backupNote()->text().contains(QStringLiteral("vom ") + day +
+                                                  QStringLiteral(", älter als 30 Tage")))
+        << old.backupNote()->text().toStdString();
+    old.SetLanguage(QStringLiteral("englisch"));
+    EXPECT_TRUE(Idle());
+    EXPECT_TRUE(
+        old.backupNote()->text().startsWith(QStringLiteral("The last backup of this archive is from ") + day))
+        << old.backupNote()->text().toStdString();
+    EXPECT_EQ(Child<QAction>("sichern")->text(), QStringLiteral("Back up ..."));
+    if (qEnvironmentVariableIsSet("KALVO_SCREENSHOTS"))
+        old.grab().save(qEnvironmentVariable("KALVO_SCREENSHOTS") + QStringLiteral("/archiv-alt.png"));
 }

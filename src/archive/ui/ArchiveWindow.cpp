@@ -70,6 +70,7 @@ ArchiveWindow::ArchiveWindow(const ArchiveTarget &target, QWidget *parent)
     });
     m_session->Open(target);
     Search();
+    CheckBackupAge();
 }
 
 ArchiveWindow::~ArchiveWindow() = default;
@@ -164,6 +165,7 @@ void ArchiveWindow::BuildForm()
     auto *central = new QWidget;
     auto *layout = new QVBoxLayout(central);
     layout->addLayout(form);
+    BuildBackupParts(layout, buttons);
     layout->addWidget(split, 1);
     layout->addLayout(buttons);
     setCentralWidget(central);
@@ -190,6 +192,7 @@ void ArchiveWindow::SetLanguage(const QString &language)
     m_useTo->setText(Text(Caption::To));
     m_useDue->setText(Text(Caption::DueBefore));
     m_model->SetLanguage(language);
+    SetBackupLanguage();
 }
 
 QString ArchiveWindow::Text(Caption caption) const
@@ -376,6 +379,7 @@ void ArchiveWindow::EditSettings()
         if (after.url != before.url) {
             m_session->Open(ParseArchiveUrl(after.url)); // the dialog took only an address that parses
             Search();
+            CheckBackupAge();
         }
     });
     emit settingsShown(dialog);

@@ -7,12 +7,20 @@
 #include "archive/ArchiveTypes.h"
 
 #include <QMainWindow>
+#include <atomic>
+#include <memory>
 
+class QAction;
 class QCheckBox;
 class QDialog;
 class QComboBox;
 class QDateEdit;
 class QLabel;
+class QMenu;
+class QProgressBar;
+class QTimer;
+class QHBoxLayout;
+class QVBoxLayout;
 class QPushButton;
 class QLineEdit;
 class QPlainTextEdit;
@@ -56,6 +64,15 @@ public:
     // Queries asked for and not yet answered.
     bool busy() const;
 
+    // Backups (ArchiveWindowBackup.cpp). A copy of the archive into `path`, replacing a file there
+    // (the save dialog asked), with its progress; the status line says what was written or why not.
+    void BackupTo(const QString &path);
+    // The backup at `path` into this archive, which must hold no record; then searched again.
+    void RestoreFrom(const QString &path);
+    // The reminder shown while the last backup is more than 30 days old, or there is none of an
+    // archive with records; hidden otherwise.
+    QLabel *backupNote() const { return m_backupNote; }
+
     ArchiveTableModel *model() const { return m_model; }
     QTableView *table() const { return m_table; }
     QPlainTextEdit *report() const { return m_report; }
@@ -86,6 +103,22 @@ private:
 
     // Opens `dialog` window-modal; `accepted` runs when it is accepted.
     template <typename Dialog, typename Accepted> void OpenDialog(Dialog *dialog, Accepted accepted);
+
+    void BuildBackupParts(QVBoxLayout *window, QHBoxLayout *statusRow);
+    void SetBackupLanguage();
+    void AskAndBackup();
+    void AskAndRestore();
+    void CheckBackupAge();
+    // Runs `job(Archive &, progress)` on the archive's thread with the progress bar shown.
+    template <typename Job, typename Done> void RunWithProgress(Job job, Done done);
+
+    QMenu *m_backupMenu = nullptr;
+    QAction *m_backupAction = nullptr;
+    QAction *m_restoreAction = nullptr;
+    QLabel *m_backupNote = nullptr;
+    QProgressBar *m_progress = nullptr;
+    QTimer *m_progressTimer = nullptr;
+    std::shared_ptr<std::atomic<int>> m_percent = std::make_shared<std::atomic<int>>(0);
 
     ArchiveSession *m_session;
     ArchiveTableModel *m_model;
