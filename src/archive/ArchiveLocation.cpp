@@ -11,16 +11,16 @@
 
 namespace kalvo::archive {
 
-namespace {
-
-const QString kEnabledKey = QStringLiteral("archive/enabled");
-const QString kUrlKey = QStringLiteral("archive/url");
-
 QSettings UserSettings()
 {
     return QSettings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("kalvo"),
                      QStringLiteral("kalvo"));
 }
+
+namespace {
+
+const QString kEnabledKey = QStringLiteral("archive/enabled");
+const QString kUrlKey = QStringLiteral("archive/url");
 
 constexpr int kSQLiteWaitSeconds = 5;
 constexpr int kServerWaitSeconds = 60;

@@ -1,6 +1,7 @@
 // Which archive to use: the SQLite file in the user's data folder, or a PostgreSQL server.
 #pragma once
 
+#include <QSettings>
 #include <QString>
 
 namespace kalvo::archive {
@@ -33,6 +34,9 @@ struct ArchiveSettings {
     bool enabled = true; // records read go into the archive
     QString url;         // empty: the SQLite file in the user's data folder
 };
+
+// The user settings (kalvo.ini) that kalvo and kalvo-cli share.
+QSettings UserSettings();
 
 ArchiveSettings ReadArchiveSettings();
 void WriteArchiveSettings(const ArchiveSettings &settings);

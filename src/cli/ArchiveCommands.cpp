@@ -1,4 +1,5 @@
 // kalvo-cli archive: the record archive from the command line (import, list, show, export, verify, due).
+#include "ArchivePaperCommands.h"
 #include "CliCommand.h"
 #include "CliContext.h"
 #include "CliWords.h"
@@ -25,8 +26,8 @@ const QString kIntervalSynopsis = QStringLiteral(
 const QString kUsage =
     QStringLiteral(
         "import FILE... | list [FILTER] [--json] | show N [--pdf OUT] | export OUT.csv [FILTER] | verify | "
-        "due [--before DATE] [--json] | %1")
-        .arg(kIntervalSynopsis);
+        "due [--before DATE] [--json] | %1 | %2")
+        .arg(kIntervalSynopsis, ArchivePaperSynopsis());
 const QStringList kFilterOptions = {QStringLiteral("--device"),     QStringLiteral("--type"),
                                     QStringLiteral("--customer"),   QStringLiteral("--text"),
                                     QStringLiteral("--regulation"), QStringLiteral("--since"),
@@ -276,6 +277,8 @@ int Archive(CliContext &context, const QStringList &words)
         return Interval(context,
                         SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--device")},
                                    {QStringLiteral("--json")}));
+    if (IsArchivePaperAction(action))
+        return RunArchivePaperAction(context, words, kFilterOptions, FilterFrom);
     throw Usage(UsageText::Expected, {kUsage});
 }
 
@@ -290,7 +293,8 @@ QList<CliCommand> ArchiveCommands()
              "--customer C --text T --regulation NAME --since DATE --until DATE --due-before DATE "
              "--failed --passed), a record's report with its SHA-256 (or as PDF), CSV export, "
              "check every record's bytes against its hash, the devices due for a test, re-test "
-             "intervals"),
+             "intervals, test labels with QR codes and signed reports (PDF/A) of what FILTER finds, "
+             "a label's device found by its QR text"),
          Archive},
     };
 }
