@@ -46,12 +46,11 @@ QImage LoadLogo(const QString &path, QString *problem)
     const QSize size = reader.size();
     QImage logo;
     if (size.isValid() && (size.width() > kLargestLogoSide || size.height() > kLargestLogoSide))
-        *problem = QStringLiteral(
-                       "Logo %1 nicht verwendet: größer als %2 x %2 Bildpunkte; der Bericht ist ohne Logo")
+        *problem = QStringLiteral("Logo %1 nicht verwendet: größer als %2 x %2 Bildpunkte")
                        .arg(QDir::toNativeSeparators(path))
                        .arg(kLargestLogoSide);
     else if (!reader.read(&logo))
-        *problem = QStringLiteral("Logo %1 nicht lesbar (%2); der Bericht ist ohne Logo")
+        *problem = QStringLiteral("Logo %1 nicht lesbar (%2)")
                        .arg(QDir::toNativeSeparators(path), reader.errorString());
     return problem->isEmpty() ? logo : QImage();
 }

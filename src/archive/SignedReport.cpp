@@ -83,7 +83,7 @@ QStringList ExportSignedReportPdf(Archive &archive, const QList<qint64> &ids, co
     QString problem;
     const QImage logo = LoadLogo(settings.logoFile, &problem);
     if (!problem.isEmpty())
-        notes << problem;
+        notes << problem + QStringLiteral("; der Bericht ist ohne Logo");
     records::SaveReportPdf(
         path, QFileInfo(path).completeBaseName(),
         [&](records::ReportPages &pages) {
