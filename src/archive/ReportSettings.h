@@ -17,8 +17,8 @@ struct ReportSettings {
 ReportSettings ReadReportSettings();
 void WriteReportSettings(const ReportSettings &settings);
 
-// The logo of `settings`, or a null picture when none is set or it cannot be read; `problem` then
-// says which file and why (empty when no logo is set).
+// The logo in the file `path`; a null picture when `path` is empty (`problem` empty) or the file
+// cannot be used (`problem` says which file and why).
 QImage LoadLogo(const QString &path, QString *problem);
 
 } // namespace kalvo::archive

@@ -7,6 +7,7 @@
 #include <QList>
 #include <QSizeF>
 #include <QString>
+#include <optional>
 
 namespace kalvo::archive {
 
