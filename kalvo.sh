@@ -13,7 +13,8 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 PACKAGES=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev qt6-translations-l10n libgtest-dev libgmock-dev
-          fonts-dejavu-core poppler-utils libqt6sql6-sqlite libqt6sql6-psql postgresql libpq-dev)
+          fonts-dejavu-core poppler-utils libqt6sql6-sqlite libqt6sql6-psql postgresql libpq-dev
+          libqrencode-dev zbar-tools)
 # Only the fuzz command needs clang and its libFuzzer runtime; the metapackage names follow the
 # distribution's default clang (Debian 12: clang-14 and libclang-rt-14-dev).
 FUZZ_PACKAGES=(clang libclang-rt-dev)

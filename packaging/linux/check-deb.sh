@@ -27,7 +27,7 @@ for f in usr/bin/kalvo usr/bin/kalvo-cli usr/bin/kalvo-sim usr/lib/kalvo/kalvo u
     [ -e "$root/$f" ] || fail "$f is missing from the package"
 done
 depends=$(dpkg-deb -f "$deb" Depends)
-for d in libqt6core6 libqt6serialport6 libqt6widgets6 libqt6sql6-sqlite libqt6sql6-psql fonts-dejavu-core; do
+for d in libqt6core6 libqt6serialport6 libqt6widgets6 libqt6sql6-sqlite libqt6sql6-psql fonts-dejavu-core libqrencode4; do
     [[ $depends == *"$d"* ]] || fail "Depends lacks $d: $depends"
 done
 command -v desktop-file-validate >/dev/null && desktop-file-validate "$root/usr/share/applications/kalvo.desktop"

@@ -47,7 +47,7 @@ _kalvo_cli()
     pfile) actions="build load --slot --out" ;;
     templates) actions="read" ;;
     specdb) actions="list defaults add store-set delete --regulation --class --type --parts --sfc --switch --limit --all --json" ;;
-    archive) actions="import list show export verify due interval --json --pdf --before --device --regulation" ;;
+    archive) actions="import list show export verify due interval labels signed find --json --pdf --before --device --regulation --sheet --first --inspector" ;;
     identify) actions="--update-dir" ;;
     report) actions="--record --pdf" ;;
     csv) actions="--header" ;;

@@ -131,6 +131,15 @@ qint64 WriteArchiveCsv(const QList<ArchivedRecord> &records, const QString &path
     });
 }
 
+StoredRecord RecordOrError(Archive &archive, qint64 id)
+{
+    std::optional<StoredRecord> stored = FetchRecord(archive, id);
+    if (!stored)
+        throw ArchiveError(
+            QStringLiteral("Archiv %1: kein Protokoll Nr. %2").arg(archive.target().Describe()).arg(id));
+    return std::move(*stored);
+}
+
 QString ReportWithHash(const QByteArray &raw, const QByteArray &sha256)
 {
     return records::BuildReport(records::DecodeRecord(raw)) + QStringLiteral("\r\nSHA-256: ") +
@@ -142,12 +151,8 @@ int ExportArchivePdf(Archive &archive, const QList<qint64> &ids, const QString &
     int count = 0;
     records::SaveReportPdf(path, QFileInfo(path).completeBaseName(), [&](records::ReportPages &pages) {
         for (const qint64 id : ids) {
-            const std::optional<StoredRecord> stored = FetchRecord(archive, id);
-            if (!stored)
-                throw ArchiveError(QStringLiteral("Archiv %1: kein Protokoll Nr. %2")
-                                       .arg(archive.target().Describe())
-                                       .arg(id));
-            pages.Add(ReportWithHash(stored->raw, stored->record.sha256));
+            const StoredRecord stored = RecordOrError(archive, id);
+            pages.Add(ReportWithHash(stored.raw, stored.record.sha256));
             ++count;
         }
     });

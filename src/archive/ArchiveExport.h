@@ -1,6 +1,7 @@
 // The archive's records out to files: a CSV table and PDF reports that carry each record's hash.
 #pragma once
 
+#include "ArchiveQueries.h"
 #include "ArchiveTypes.h"
 
 #include <QByteArray>
@@ -24,6 +25,9 @@ QStringList CsvCells(const ArchivedRecord &record);
 qint64 ExportArchiveCsv(Archive &archive, const ArchiveFilter &filter, const QString &path);
 // The same for records already found (a selection of a window).
 qint64 WriteArchiveCsv(const QList<ArchivedRecord> &records, const QString &path);
+
+// Record `id` with its bytes; a record that is not there is an ArchiveError naming it.
+StoredRecord RecordOrError(Archive &archive, qint64 id);
 
 // The record's report as the record window lays it out, with its SHA-256 under it, so that a
 // printed report can be matched to the stored bytes. Throws what the records decoder throws.

@@ -38,7 +38,8 @@ struct ArchiveSettings {
     QString url;         // empty: the SQLite file in the user's data folder
 };
 
-// The user settings (kalvo.ini), where the archive's address and switch are kept.
+// The user settings (kalvo.ini) that kalvo and kalvo-cli share: the archive's address and switch,
+// the report's settings, the last backups.
 QSettings UserSettings();
 ArchiveSettings ReadArchiveSettings();
 void WriteArchiveSettings(const ArchiveSettings &settings);

@@ -1,5 +1,6 @@
 // kalvo-cli archive: the record archive from the command line (import, list, show, export, verify, due).
 #include "ArchiveBackupCommands.h"
+#include "ArchivePaperCommands.h"
 #include "CliCommand.h"
 #include "CliContext.h"
 #include "CliWords.h"
@@ -26,8 +27,8 @@ const QString kIntervalSynopsis = QStringLiteral(
 const QString kUsage =
     QStringLiteral(
         "import FILE... | list [FILTER] [--json] | show N [--pdf OUT] | export OUT.csv [FILTER] | verify | "
-        "due [--before DATE] [--json] | %1 | %2")
-        .arg(kIntervalSynopsis, kBackupSynopsis);
+        "due [--before DATE] [--json] | %1 | %2 | %3")
+        .arg(kIntervalSynopsis, kBackupSynopsis, ArchivePaperSynopsis());
 const QStringList kFilterOptions = {QStringLiteral("--device"),     QStringLiteral("--type"),
                                     QStringLiteral("--customer"),   QStringLiteral("--text"),
                                     QStringLiteral("--regulation"), QStringLiteral("--since"),
@@ -281,6 +282,8 @@ int Archive(CliContext &context, const QStringList &words)
         return ArchiveBackup(context, words);
     if (action == QLatin1String("restore"))
         return ArchiveRestore(context, words);
+    if (IsArchivePaperAction(action))
+        return RunArchivePaperAction(context, words, kFilterOptions, FilterFrom);
     throw Usage(UsageText::Expected, {kUsage});
 }
 
@@ -296,7 +299,9 @@ QList<CliCommand> ArchiveCommands()
              "--failed --passed), a record's report with its SHA-256 (or as PDF), CSV export, "
              "check every record's bytes against its hash, the devices due for a test, re-test "
              "intervals, a backup of the archive while it is in use and its restoring into an empty "
-             "archive"),
+             "archive, "
+             "test labels with QR codes and signed reports (PDF/A) of what FILTER finds, "
+             "a label's device found by its QR text"),
          Archive},
     };
 }

@@ -118,7 +118,11 @@ int main(int argc, char *argv[])
     // Reports as PDF need the fonts of a GUI application (it never opens a window); everything
     // else runs without one, so that a machine without a display needs nothing more.
     const bool needsFonts =
-        std::any_of(argv, argv + argc, [](const char *a) { return std::strncmp(a, "--pdf", 5) == 0; });
+        std::any_of(argv, argv + argc, [](const char *a) { return std::strncmp(a, "--pdf", 5) == 0; }) ||
+        std::adjacent_find(argv, argv + argc, [](const char *a, const char *b) {
+            return std::strcmp(a, "archive") == 0 &&
+                   (std::strcmp(b, "labels") == 0 || std::strcmp(b, "signed") == 0);
+        }) != argv + argc;
     if (needsFonts && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") &&
         !platform::WindowlessPlatformPlugin().isEmpty())
         qputenv("QT_QPA_PLATFORM", platform::WindowlessPlatformPlugin());

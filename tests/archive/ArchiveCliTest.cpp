@@ -4,6 +4,7 @@
 #include "archive/ArchiveQueries.h"
 #include "archive/RecordImport.h"
 #include "records/RecordFiles.h"
+#include "support/PaperTools.h"
 #include "support/SimProcess.h"
 #include "support/TestFiles.h"
 
@@ -217,6 +218,58 @@ TEST_P(ArchiveCliTest, TwoProgramsImportingTheSameThousandRecordsStoreEachOnce)
     const RunResult exported = Cli({"archive", "export", File("alle.csv"), "--device", "DEV-7"});
     ASSERT_EQ(exported.exitCode, 0) << exported.err.toStdString();
     EXPECT_EQ(ReadFile(File("alle.csv")).count("\r\n"), 1 + 1000 / 60 + 1);
+}
+
+TEST_P(ArchiveCliTest, ALabelsQrCodeFindsItsDeviceAndTheSignedReportNamesTheInspector)
+{
+    // The customer has an umlaut and a backslash (code page 437 on the tester: 0x81 is "ü").
+    ImportRecords(
+        *m_place->Open(),
+        {MakeRecord({.device = "E-0815", .date = "12.01.09", .more = {{61, "M\x81ller \\ Partner"}}}),
+         MakeRecord(
+             {.device = "E-0815", .date = "14.01.10", .result = '7', .more = {{61, "M\x81ller \\ Partner"}}}),
+         MakeRecord({.device = "K-12", .date = "03.02.10"})},
+        {QStringLiteral("PRUEF-7"), QStringLiteral("123456"), {}, {}});
+
+    const RunResult labels =
+        Cli({"archive", "labels", File("etiketten.pdf"), "--device", "E-0815", "--sheet", "roll-62"});
+    ASSERT_EQ(labels.exitCode, 0) << labels.err.toStdString();
+    EXPECT_TRUE(labels.out.startsWith(QStringLiteral("1 Etiketten -> "))) << labels.out.toStdString();
+    for (const QStringList &wrong : {QStringList{"--sheet", "a5"}, QStringList{"--first", "25"}}) {
+        const RunResult refused = Cli(QStringList{"archive", "labels", File("falsch.pdf")} + wrong);
+        EXPECT_EQ(refused.exitCode, 2) << wrong.join(' ').toStdString();
+        EXPECT_FALSE(QFile::exists(File("falsch.pdf")));
+    }
+
+    const RunResult signedPdf = Cli(
+        {"archive", "signed", File("signiert.pdf"), "--device", "K-12", "--inspector", "Erika Mustermann"});
+    ASSERT_EQ(signedPdf.exitCode, 0) << signedPdf.err.toStdString();
+    const std::optional<QString> text = PdfText(File("signiert.pdf"));
+    if (text) {
+        EXPECT_TRUE(text->contains(QStringLiteral("Erika Mustermann"))) << text->toStdString();
+        EXPECT_TRUE(text->contains(QStringLiteral("PRUEF-7, Seriennummer 123456"))) << text->toStdString();
+    }
+
+    if (!HaveProgram("pdftoppm") || !HaveProgram("zbarimg"))
+        GTEST_SKIP() << "no pdftoppm or zbarimg on this system";
+    ASSERT_TRUE(RenderPdfPage(File("etiketten.pdf"), 1, 300, File("etikett.png")));
+    const QStringList codes = ReadQrCodes(File("etikett.png"));
+    ASSERT_EQ(codes.size(), 1) << codes.join('|').toStdString();
+    EXPECT_EQ(codes[0], QStringLiteral("KALVO1;Müller \\\\ Partner;E-0815;2011-01-14"));
+    const RunResult found = Cli({"archive", "find", codes[0]});
+    ASSERT_EQ(found.exitCode, 0) << found.err.toStdString();
+    for (const char *line : {"Kunde:           Müller \\ Partner", "ID-Nr:           E-0815",
+                             "Ergebnis:        nicht bestanden", "Nächste Prüfung: 14.01.2011"})
+        EXPECT_TRUE(found.out.contains(QString::fromUtf8(line))) << found.out.toStdString();
+    EXPECT_EQ(found.out.count(QStringLiteral("  Nr ")), 2) << found.out.toStdString(); // its history
+
+    const RunResult unknown = Cli({"archive", "find", "KALVO1;Andere GmbH;E-0815;2011-01-14"});
+    EXPECT_EQ(unknown.exitCode, 1);
+    EXPECT_TRUE(unknown.err.contains(QStringLiteral("kein Gerät \"E-0815\" beim Kunden \"Andere GmbH\"")))
+        << unknown.err.toStdString();
+    const RunResult junk = Cli({"archive", "find", "https://example.org"});
+    EXPECT_EQ(junk.exitCode, 1);
+    EXPECT_TRUE(junk.err.contains(QStringLiteral("QR-Text"))) << junk.err.toStdString();
 }
 
 INSTANTIATE_TEST_SUITE_P(Both, ArchiveCliTest, ::testing::Values(Backend::SQLite, Backend::PostgreSQL),

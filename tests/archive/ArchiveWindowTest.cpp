@@ -6,20 +6,27 @@
 #include "archive/ArchiveQueries.h"
 #include "archive/BackupReminder.h"
 #include "archive/RecordImport.h"
+#include "archive/ReportSettings.h"
+#include "archive/TestLabels.h"
 #include "archive/ui/ArchiveSettingsDialog.h"
 #include "archive/ui/ArchiveTableModel.h"
 #include "archive/ui/ArchiveWindow.h"
 #include "archive/ui/IntervalDialog.h"
+#include "archive/ui/LabelOptionsDialog.h"
+#include "archive/ui/ReportSettingsDialog.h"
 #include "records/print/ReportDocument.h"
 #include "support/TestFiles.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDateEdit>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFileDialog>
 #include <QFontMetricsF>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -484,3 +491,107 @@ TEST_F(ArchiveWindowTest, ABackupIsMadeAndRestoredHereAndTheWindowRemindsOfAnOld
     if (qEnvironmentVariableIsSet("KALVO_SCREENSHOTS"))
         old.grab().save(qEnvironmentVariable("KALVO_SCREENSHOTS") + QStringLiteral("/archiv-alt.png"));
 }
+
+namespace {
+
+// A picture of `widget` next to the test programs, for a person to look at.
+void Screenshot(QWidget &widget, const QString &name)
+{
+    QDir dir(QCoreApplication::applicationDirPath());
+    dir.mkpath(QStringLiteral("screenshots"));
+    widget.grab().save(dir.filePath(QStringLiteral("screenshots/%1.png").arg(name)));
+}
+
+// Answers the next application-modal dialog that `answer` takes, once it is shown.
+template <typename Dialog> void AnswerNext(const std::function<void(Dialog &)> &answer)
+{
+    QTimer::singleShot(50, [answer] {
+        if (auto *dialog = qobject_cast<Dialog *>(QApplication::activeModalWidget()))
+            answer(*dialog);
+        else
+            AnswerNext<Dialog>(answer);
+    });
+}
+
+TEST_F(ArchiveWindowTest, SignedReportsAndLabelsOfTheSelectionWithTheReportSettings)
+{
+    const ReportSettings saved = ReadReportSettings();
+    WriteReportSettings({});
+    Fill({MakeRecord({.device = "E-0815", .date = "12.01.09", .more = {{61, "Praxis Dr. M\x81ller"}}}),
+          MakeRecord({.device = "K-12", .date = "13.01.09", .result = '7'})});
+    auto &window = Open();
+
+    ui::ReportSettingsDialog *settings = nullptr;
+    QObject::connect(&window, &ui::ArchiveWindow::reportSettingsShown, &window, [&settings](QDialog *shown) {
+        settings = qobject_cast<ui::ReportSettingsDialog *>(shown);
+    });
+    Click("berichtEinstellungen");
+    ASSERT_TRUE(settings);
+    EXPECT_EQ(settings->windowModality(), Qt::WindowModal);
+    settings->company()->setText(QStringLiteral("Elektro Prüfdienst GmbH"));
+    settings->address()->setPlainText(QStringLiteral("Werkstraße 5\n12345 Neustadt"));
+    settings->logo()->setText(m_dir.filePath(QStringLiteral("fehlt.png")));
+    settings->accept();
+    EXPECT_TRUE(settings->isVisible());
+    EXPECT_TRUE(settings->problem()->text().contains(QStringLiteral("fehlt.png")));
+    Screenshot(*settings, QStringLiteral("archive-report-settings"));
+    EXPECT_TRUE(ReadReportSettings().company.isEmpty()); // nothing taken
+    settings->logo()->clear();
+    settings->accept();
+    EXPECT_EQ(ReadReportSettings().address, QStringLiteral("Werkstraße 5\n12345 Neustadt"));
+
+    // No inspector yet: the window asks for the name once and keeps it (the file dialog that
+    // follows is cancelled).
+    AnswerNext<QInputDialog>([](QInputDialog &ask) {
+        ask.setTextValue(QStringLiteral("Erika Mustermann"));
+        AnswerNext<QFileDialog>([](QFileDialog &file) { file.reject(); });
+        ask.accept();
+    });
+    Click("signiert");
+    EXPECT_EQ(ReadReportSettings().inspector, QStringLiteral("Erika Mustermann"));
+
+    Select({1});
+    const QString signedPdf = m_dir.filePath(QStringLiteral("signiert.pdf"));
+    ASSERT_TRUE(Export(&ui::ArchiveWindow::ExportSignedPdf, signedPdf));
+    EXPECT_TRUE(window.status()->text().startsWith(QStringLiteral("1 Prüfprotokoll -> ")))
+        << window.status()->text().toStdString();
+
+    ui::LabelOptionsDialog *options = nullptr;
+    QObject::connect(&window, &ui::ArchiveWindow::labelOptionsShown, &window,
+                     [&options](QDialog *shown) { options = qobject_cast<ui::LabelOptionsDialog *>(shown); });
+    Click("etiketten");
+    ASSERT_TRUE(options);
+    EXPECT_EQ(options->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(options->firstFree()->maximum(), 24);
+    options->sheet()->setCurrentIndex(1);
+    EXPECT_FALSE(options->firstFree()->isEnabled()); // a roll has no started sheet
+    Screenshot(*options, QStringLiteral("archive-label-options"));
+    options->reject();
+
+    window.table()->clearSelection();
+    const QString labels = m_dir.filePath(QStringLiteral("etiketten.pdf"));
+    std::optional<bool> ok;
+    QObject::connect(
+        &window, &ui::ArchiveWindow::exported, &window, [&ok](const QString &, bool done) { ok = done; },
+        Qt::SingleShotConnection);
+    window.ExportLabelsPdf(labels, LabelSheets().constFirst(), 3);
+    ASSERT_TRUE(Idle());
+    EXPECT_TRUE(ok.value_or(false));
+    EXPECT_TRUE(window.status()->text().startsWith(QStringLiteral("2 Etiketten -> ")))
+        << window.status()->text().toStdString();
+    Screenshot(window, QStringLiteral("archive-paper-buttons"));
+    WriteReportSettings(saved);
+
+    const std::optional<QString> signedText = PdfText(signedPdf);
+    const std::optional<QString> labelText = PdfText(labels);
+    if (!signedText || !labelText)
+        GTEST_SKIP() << "no pdftotext on this system";
+    EXPECT_TRUE(signedText->contains(QStringLiteral("Elektro Prüfdienst GmbH"))) << signedText->toStdString();
+    EXPECT_TRUE(signedText->contains(QStringLiteral("Erika Mustermann"))) << signedText->toStdString();
+    EXPECT_TRUE(signedText->contains(QStringLiteral("E-0815"))) << signedText->toStdString();
+    EXPECT_FALSE(signedText->contains(QStringLiteral("K-12"))) << signedText->toStdString();
+    EXPECT_TRUE(labelText->contains(QStringLiteral("Kunde: Praxis Dr. Müller"))) << labelText->toStdString();
+    EXPECT_TRUE(labelText->contains(QStringLiteral("ID-Nr: K-12"))) << labelText->toStdString();
+}
+
+} // namespace

@@ -168,6 +168,7 @@ void ArchiveWindow::BuildForm()
     BuildBackupParts(layout, buttons);
     layout->addWidget(split, 1);
     layout->addLayout(buttons);
+    layout->addWidget(PaperButtons());
     setCentralWidget(central);
     resize(900, 700);
 }
@@ -184,6 +185,9 @@ void ArchiveWindow::SetLanguage(const QString &language)
                         (caption == Caption::IntervalsTitle || caption == Caption::SettingsTitle
                              ? QStringLiteral(" ...")
                              : QString()));
+    for (const auto &[button, caption] : std::as_const(m_paperButtons))
+        button->setText(PaperCaptionText(caption, language) +
+                        (caption == PaperCaption::ReportSettings ? QStringLiteral(" ...") : QString()));
     m_verdict->setItemText(0, Text(Caption::All));
     m_verdict->setItemText(1, Text(Caption::Passed));
     m_verdict->setItemText(2, Text(Caption::Failed));
@@ -321,16 +325,23 @@ template <typename Job> void ArchiveWindow::Export(const QString &path, Caption 
 
 void ArchiveWindow::ExportPdf(const QString &path)
 {
+    Export(path, Caption::ReportsSaved, [chosen = ChosenIds(), path](Archive &archive) -> qint64 {
+        return ExportArchivePdf(archive, chosen(archive), path);
+    });
+}
+
+std::function<QList<qint64>(Archive &)> ArchiveWindow::ChosenIds() const
+{
     QList<qint64> ids;
     for (const ArchivedRecord &record : Selected())
         ids.append(record.id);
-    Export(path, Caption::ReportsSaved, [ids, filter = Filter(), path](Archive &archive) -> qint64 {
+    return [ids, filter = Filter()](Archive &archive) {
         QList<qint64> chosen = ids;
         if (chosen.isEmpty())
             ForEachRecord(archive, filter,
                           [&chosen](const ArchivedRecord &record) { chosen.append(record.id); });
-        return ExportArchivePdf(archive, chosen, path);
-    });
+        return chosen;
+    };
 }
 
 void ArchiveWindow::ExportCsv(const QString &path)
@@ -358,15 +369,6 @@ void ArchiveWindow::EditIntervals()
             emit intervalsShown(dialog);
         },
         [this](const QString &message) { Fail(message); });
-}
-
-template <typename Dialog, typename Accepted>
-void ArchiveWindow::OpenDialog(Dialog *dialog, Accepted accepted)
-{
-    // Opened, not executed: the archive's answers keep coming while it is open.
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    connect(dialog, &QDialog::accepted, this, accepted);
-    dialog->open();
 }
 
 void ArchiveWindow::EditSettings()

@@ -3,16 +3,18 @@
 #pragma once
 
 #include "ArchiveCaptions.h"
+#include "PaperCaptions.h"
 #include "archive/ArchiveLocation.h"
 #include "archive/ArchiveTypes.h"
 
+#include <QDialog>
 #include <QMainWindow>
 #include <atomic>
+#include <functional>
 #include <memory>
 
 class QAction;
 class QCheckBox;
-class QDialog;
 class QComboBox;
 class QDateEdit;
 class QLabel;
@@ -27,8 +29,10 @@ class QPlainTextEdit;
 class QTableView;
 
 namespace kalvo::archive {
+class Archive;
 class ArchiveSession;
-}
+struct LabelSheet;
+} // namespace kalvo::archive
 
 namespace kalvo::archive::ui {
 
@@ -61,6 +65,13 @@ public:
     // Whether records read go into the archive and which archive, in a dialog of this window;
     // a new address is opened here at once and searched.
     void EditSettings();
+    // Signed reports and test labels of the selection (everything the search finds when nothing is
+    // selected), like ExportPdf: the signed report with the report settings' header and inspector,
+    // the labels for the devices of the records on `sheet` from label `firstFree` on.
+    void ExportSignedPdf(const QString &path);
+    void ExportLabelsPdf(const QString &path, const LabelSheet &sheet, int firstFree);
+    // Company, address, logo and inspector of the signed reports, in a dialog of this window.
+    void EditReportSettings();
     // Queries asked for and not yet answered.
     bool busy() const;
 
@@ -85,6 +96,8 @@ signals:
     // answer it).
     void intervalsShown(QDialog *dialog);
     void settingsShown(QDialog *dialog);
+    void reportSettingsShown(QDialog *dialog);
+    void labelOptionsShown(QDialog *dialog);
 
 private:
     void BuildForm();
@@ -100,6 +113,15 @@ private:
     template <typename Job> void Export(const QString &path, Caption saved, Job job);
     void ApplyIntervals(const IntervalChanges &changes);
     void ShowStatus(const QString &text);
+    // The ids of the selected records, or of everything the search finds: asked on the archive's
+    // thread.
+    std::function<QList<qint64>(Archive &)> ChosenIds() const;
+    // The buttons of signed reports and labels, and what they open.
+    QWidget *PaperButtons();
+    void AskSignedPdf();
+    void AskLabelsPdf();
+    // Like Export, for jobs that return how many and what the user should know besides.
+    template <typename Job> void ExportPaper(const QString &path, PaperCaption saved, Job job);
 
     // Opens `dialog` window-modal; `accepted` runs when it is accepted.
     template <typename Dialog, typename Accepted> void OpenDialog(Dialog *dialog, Accepted accepted);
@@ -133,6 +155,16 @@ private:
     QString m_statusText; // what the status line says when the window does not wait
     QList<std::pair<QLabel *, Caption>> m_labels;
     QList<std::pair<QPushButton *, Caption>> m_buttons;
+    QList<std::pair<QPushButton *, PaperCaption>> m_paperButtons;
 };
+
+template <typename Dialog, typename Accepted>
+void ArchiveWindow::OpenDialog(Dialog *dialog, Accepted accepted)
+{
+    // Opened, not executed: the archive's answers keep coming while it is open.
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    connect(dialog, &QDialog::accepted, this, accepted);
+    dialog->open();
+}
 
 } // namespace kalvo::archive::ui

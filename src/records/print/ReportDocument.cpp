@@ -70,10 +70,30 @@ ReportPages::ReportPages(QPagedPaintDevice &device) : m_device(device)
     m_linesPerPage = std::max(1, static_cast<int>(page.height() / m_lineHeight));
 }
 
+void ReportPages::SetPageHeader(qreal heightMm, std::function<void(QPainter &, const QRectF &)> paint)
+{
+    if (!m_painter.isActive())
+        return;
+    m_header = std::move(paint);
+    m_top = heightMm * m_device.logicalDpiY() / 25.4;
+    const QRectF page = m_painter.viewport();
+    m_linesPerPage = std::max(1, static_cast<int>((page.height() - m_top) / m_lineHeight));
+}
+
+void ReportPages::PaintHeader()
+{
+    if (!m_header)
+        return;
+    m_painter.save();
+    m_header(m_painter, QRectF(0, 0, m_painter.viewport().width(), m_top));
+    m_painter.restore();
+}
+
 void ReportPages::NextPage()
 {
     m_device.newPage();
     m_line = 0;
+    PaintHeader();
 }
 
 void ReportPages::Line(const QString &text)
@@ -81,7 +101,7 @@ void ReportPages::Line(const QString &text)
     if (m_line == m_linesPerPage)
         NextPage();
     if (!text.isEmpty())
-        m_painter.drawText(QPointF(0, m_line * m_lineHeight + m_ascent), text);
+        m_painter.drawText(QPointF(0, m_top + m_line * m_lineHeight + m_ascent), text);
     ++m_line;
 }
 
@@ -91,6 +111,8 @@ void ReportPages::Add(const QString &report)
         return;
     if (!m_empty)
         NextPage();
+    else
+        PaintHeader();
     m_empty = false;
     qsizetype start = 0;
     while (start <= report.size()) {
@@ -126,7 +148,8 @@ void PaintReport(const QString &text, QPagedPaintDevice &device)
     PaintReport(QStringList{text}, device);
 }
 
-void SaveReportPdf(const QString &path, const QString &title, const std::function<void(ReportPages &)> &fill)
+void SavePdf(const QString &path, const QString &title, const QPageLayout &layout, PdfKind kind,
+             const std::function<bool(QPdfWriter &)> &paint)
 {
     QSaveFile file(path);
     const auto unwritable = [&file, &path] {
@@ -140,14 +163,25 @@ void SaveReportPdf(const QString &path, const QString &title, const std::functio
         QPdfWriter writer(&file);
         writer.setTitle(title);
         writer.setCreator(QStringLiteral("kalvo"));
-        writer.setPageLayout(QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, kReportMarginsMm,
-                                         QPageLayout::Millimeter));
-        ReportPages pages(writer);
-        fill(pages);
-        painted = pages.Finish();
+        if (kind == PdfKind::Archival)
+            writer.setPdfVersion(QPagedPaintDevice::PdfVersion_A1b);
+        writer.setPageLayout(layout);
+        painted = paint(writer);
     }
     if (!painted || !file.commit())
         throw unwritable();
+}
+
+void SaveReportPdf(const QString &path, const QString &title, const std::function<void(ReportPages &)> &fill,
+                   PdfKind kind)
+{
+    const QPageLayout a4(QPageSize(QPageSize::A4), QPageLayout::Portrait, kReportMarginsMm,
+                         QPageLayout::Millimeter);
+    SavePdf(path, title, a4, kind, [&fill](QPdfWriter &writer) {
+        ReportPages pages(writer);
+        fill(pages);
+        return pages.Finish();
+    });
 }
 
 void SaveReportPdf(const QStringList &reports, const QString &path, const QString &title)
