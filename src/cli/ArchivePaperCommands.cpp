@@ -56,7 +56,7 @@ int Labels(CliContext &context, const Words &w, const archive::ArchiveFilter &fi
     const QList<archive::LabelDevice> devices = archive::LabelDevices(archive, FoundIds(archive, filter));
     const QString out = w.positional[1];
     archive::WriteLabelsPdf(devices, *sheet, first, out);
-    context.out() << devices.size() << " Etiketten -> " << QDir::toNativeSeparators(out) << '\n';
+    context.out() << devices.size() << " labels -> " << QDir::toNativeSeparators(out) << '\n';
     return kExitDone;
 }
 
@@ -74,7 +74,7 @@ int Signed(CliContext &context, const Words &w, const archive::ArchiveFilter &fi
     const QString out = w.positional[1];
     for (const QString &note : archive::ExportSignedReportPdf(archive, ids, settings, out))
         context.prompter().message(note, link::Prompter::Icon::Warning);
-    context.out() << ids.size() << " Protokolle -> " << QDir::toNativeSeparators(out) << '\n';
+    context.out() << ids.size() << " records -> " << QDir::toNativeSeparators(out) << '\n';
     return kExitDone;
 }
 

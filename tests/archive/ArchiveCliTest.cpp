@@ -234,7 +234,7 @@ TEST_P(ArchiveCliTest, ALabelsQrCodeFindsItsDeviceAndTheSignedReportNamesTheInsp
     const RunResult labels =
         Cli({"archive", "labels", File("etiketten.pdf"), "--device", "E-0815", "--sheet", "roll-62"});
     ASSERT_EQ(labels.exitCode, 0) << labels.err.toStdString();
-    EXPECT_TRUE(labels.out.startsWith(QStringLiteral("1 Etiketten -> "))) << labels.out.toStdString();
+    EXPECT_TRUE(labels.out.startsWith(QStringLiteral("1 labels -> "))) << labels.out.toStdString();
     for (const QStringList &wrong : {QStringList{"--sheet", "a5"}, QStringList{"--first", "25"}}) {
         const RunResult refused = Cli(QStringList{"archive", "labels", File("falsch.pdf")} + wrong);
         EXPECT_EQ(refused.exitCode, 2) << wrong.join(' ').toStdString();
