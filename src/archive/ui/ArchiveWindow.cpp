@@ -9,6 +9,7 @@
 #include "archive/ArchiveExport.h"
 #include "archive/ArchiveQueries.h"
 #include "archive/ArchiveSession.h"
+#include "archive/DeviceData.h"
 #include "archive/RetestIntervals.h"
 #include "gui/GuiPrompter.h"
 #include "gui/ReportBox.h"
@@ -228,7 +229,7 @@ void ArchiveWindow::Search()
 
 void ArchiveWindow::ShowHistory()
 {
-    const QString device = CurrentDevice();
+    const QString device = CurrentDevice().deviceId;
     if (device.isEmpty())
         return;
     m_device->setText(device);
@@ -245,19 +246,31 @@ void ArchiveWindow::ShowDeviceStatus(const QString &deviceId)
 {
     const quint64 search = m_model->search();
     m_session->Ask(
-        this, [deviceId](Archive &archive) { return DeviceStatus(archive, deviceId); },
-        [this, search, deviceId](const std::optional<DueDevice> &device) {
+        this,
+        [deviceId](Archive &archive) {
+            QList<DueDevice> devices;
+            for (const DeviceData &device : FindDevices(archive, deviceId))
+                if (const std::optional<DueDevice> status = DeviceStatus(archive, device.key))
+                    devices.append(*status);
+            return devices;
+        },
+        [this, search, deviceId](const QList<DueDevice> &devices) {
             if (search != m_model->search())
                 return;
-            if (!device) {
+            if (devices.isEmpty()) {
                 ShowStatus(m_statusText + Text(Caption::NoDatedTest).arg(deviceId));
                 return;
             }
-            ShowStatus(m_statusText + Text(Caption::DeviceStatus)
-                                          .arg(deviceId,
-                                               device->lastTest.date().toString(QStringLiteral("dd.MM.yyyy")),
-                                               device->nextTest.toString(QStringLiteral("dd.MM.yyyy")))
-                                          .arg(device->intervalMonths));
+            // One ID-Nr may be a device at each of several customers, each with its own next test.
+            QStringList states;
+            for (const DueDevice &device : devices)
+                states.append((devices.size() > 1 ? device.customerName + QStringLiteral(": ") : QString()) +
+                              Text(Caption::DeviceStatus)
+                                  .arg(deviceId,
+                                       device.lastTest.date().toString(QStringLiteral("dd.MM.yyyy")),
+                                       device.nextTest.toString(QStringLiteral("dd.MM.yyyy")))
+                                  .arg(device.intervalMonths));
+            ShowStatus(m_statusText + states.join(QStringLiteral("; ")));
         },
         [this](const QString &message) { Fail(message); });
 }
@@ -296,10 +309,13 @@ QList<ArchivedRecord> ArchiveWindow::Selected() const
     return chosen;
 }
 
-QString ArchiveWindow::CurrentDevice() const
+DeviceKey ArchiveWindow::CurrentDevice() const
 {
     const QModelIndex current = m_table->currentIndex();
-    return current.isValid() ? m_model->record(current.row()).deviceId : QString();
+    if (!current.isValid())
+        return {};
+    const ArchivedRecord &record = m_model->record(current.row());
+    return {record.customerId, record.deviceId};
 }
 
 template <typename Job> void ArchiveWindow::Export(const QString &path, Caption saved, Job job)

@@ -76,7 +76,7 @@ private:
     void ShowSelectedReport();
     void ShowDeviceStatus(const QString &deviceId);
     QList<ArchivedRecord> Selected() const;
-    QString CurrentDevice() const;
+    DeviceKey CurrentDevice() const;
     void Fail(const QString &message);
     void AskAndExport(const QString &filter, void (ArchiveWindow::*exporter)(const QString &));
     // Runs `job(Archive &)` on the archive's thread: `done(path, count)` says what was saved.
