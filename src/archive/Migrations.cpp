@@ -181,27 +181,16 @@ void SortRecordsToCustomers(Archive &archive)
         keptNextTests.insert(old.value(0).toLongLong(), DateFrom(old.value(1)));
     const RetestIntervals intervals = LoadIntervals(archive);
 
-    // The newest dated record of each (customer, device): the last of its key in this order.
+    // The newest dated record of each (customer, device): the last of its key in this order. The
+    // rows are collected first (one a device): a server's answer cannot be read past another
+    // statement.
     QSqlQuery select = archive.Exec(QStringLiteral(
         "SELECT customer_id, device_id, device_type, regulation, tested_at, id FROM records"
         " WHERE device_id <> '' AND tested_at IS NOT NULL ORDER BY customer_id, device_id, tested_at, id"));
-    QSqlQuery insert = archive.Prepare(
-        QStringLiteral("INSERT INTO devices (customer_id, device_id, device_type, regulation, last_tested_at,"
-                       " last_record_id, next_test, interval_months) VALUES (?, ?, ?, ?, ?, ?, ?, ?)"));
-    QVariantList pending;
-    const auto flush = [&] {
-        if (pending.isEmpty())
-            return;
-        for (qsizetype i = 0; i < pending.size(); ++i)
-            insert.bindValue(static_cast<int>(i), pending[i]);
-        archive.Run(insert);
-        pending.clear();
-    };
+    QList<QVariantList> devices;
     while (archive.Next(select)) {
         const qint64 customer = select.value(0).toLongLong();
         const QString device = select.value(1).toString();
-        if (!pending.isEmpty() && (pending[0].toLongLong() != customer || pending[1].toString() != device))
-            flush();
         const QString regulation = select.value(3).toString();
         const QDateTime tested = TimestampFrom(select.value(4));
         const qint64 id = select.value(5).toLongLong();
@@ -211,16 +200,30 @@ void SortRecordsToCustomers(Archive &archive)
                 ? keptNextTests.value(id)
                 : NextTestDate(tested.date(),
                                months != ownMonths.cend() ? *months : intervals.MonthsFor({}, regulation));
-        pending = {customer,
-                   device,
-                   select.value(2).toString(),
-                   regulation,
-                   TimestampValue(tested),
-                   id,
-                   DateValue(next),
-                   months != ownMonths.cend() ? QVariant(*months) : QVariant(QMetaType(QMetaType::Int))};
+        QVariantList row = {customer,
+                            device,
+                            select.value(2).toString(),
+                            regulation,
+                            TimestampValue(tested),
+                            id,
+                            DateValue(next),
+                            months != ownMonths.cend() ? QVariant(*months)
+                                                       : QVariant(QMetaType(QMetaType::Int))};
+        if (!devices.isEmpty() && devices.last()[0].toLongLong() == customer &&
+            devices.last()[1].toString() == device)
+            devices.last() = std::move(row);
+        else
+            devices.append(std::move(row));
     }
-    flush();
+    select.finish();
+    QSqlQuery insert = archive.Prepare(
+        QStringLiteral("INSERT INTO devices (customer_id, device_id, device_type, regulation, last_tested_at,"
+                       " last_record_id, next_test, interval_months) VALUES (?, ?, ?, ?, ?, ?, ?, ?)"));
+    for (const QVariantList &row : std::as_const(devices)) {
+        for (qsizetype i = 0; i < row.size(); ++i)
+            insert.bindValue(static_cast<int>(i), row[i]);
+        archive.Run(insert);
+    }
 }
 
 } // namespace

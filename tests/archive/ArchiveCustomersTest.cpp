@@ -10,7 +10,9 @@
 #include "archive/RetestIntervals.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QSysInfo>
 
 using namespace kalvo;
@@ -144,20 +146,81 @@ TEST_P(ArchiveCustomersTest, DeviceDataAndMovesLeaveChangeRowsAndEveryRecordAsIt
     EXPECT_TRUE(VerifyArchive(archive()).changed.isEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, ArchiveCustomersTest, ::testing::Values(Backend::SQLite, Backend::PostgreSQL),
-                         BackendName);
-
-// The archive of schema 1 in data/ (made by the kalvo of that schema) opened by today's: every
-// record with its bytes and hash, every next test and interval.
-TEST(ArchiveMigration, AnArchiveOfSchema1KeepsEveryRecordAndNextTest)
+// The archive of schema 1 that kalvo of that schema wrote (data/), on the test's backend: the file
+// itself, or on PostgreSQL its tables as the file defines them, with the column types schema 1 gives
+// them there, and every row.
+void PutSchema1Archive(Backend backend, const QString &url)
 {
-    QTemporaryDir dir;
-    const QString path = dir.filePath(QStringLiteral("archive.sqlite"));
-    ASSERT_TRUE(QFile::copy(QStringLiteral(KALVO_ARCHIVE_DATA "/archive-schema1.sqlite"), path));
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
-    Archive archive(ParseArchiveUrl(path));
-    EXPECT_EQ(archive.schemaVersion(), 2);
+    const QString fixture = QStringLiteral(KALVO_ARCHIVE_DATA "/archive-schema1.sqlite");
+    if (backend == Backend::SQLite) {
+        ASSERT_TRUE(QFile::copy(fixture, url));
+        QFile::setPermissions(url, QFile::ReadOwner | QFile::WriteOwner);
+        return;
+    }
+    {
+        QSqlDatabase file = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("fixture"));
+        file.setDatabaseName(fixture);
+        file.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        const ArchiveTarget target = ParseArchiveUrl(url);
+        QSqlDatabase server = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("schema1"));
+        server.setHostName(target.host);
+        server.setPort(target.port);
+        server.setDatabaseName(target.database);
+        server.setUserName(target.user);
+        server.setPassword(target.password);
+        ASSERT_TRUE(file.open() && server.open()) << server.lastError().text().toStdString();
+        {
+            QSqlQuery schema(
+                QStringLiteral("SELECT type, name, sql FROM sqlite_master WHERE sql IS NOT NULL AND"
+                               " name <> 'sqlite_sequence' ORDER BY type DESC"),
+                file);
+            QSqlQuery run(server);
+            QStringList tables;
+            while (schema.next()) {
+                QString sql = schema.value(2).toString();
+                sql.replace(QStringLiteral("INTEGER PRIMARY KEY AUTOINCREMENT"),
+                            QStringLiteral("BIGSERIAL PRIMARY KEY"));
+                sql.replace(QStringLiteral(" BLOB"), QStringLiteral(" BYTEA"));
+                sql.replace(QRegularExpression(QStringLiteral("(tested_at|imported_at|applied_at) TEXT")),
+                            QStringLiteral("\\1 TIMESTAMP"));
+                sql.replace(QStringLiteral("next_test TEXT"), QStringLiteral("next_test DATE"));
+                ASSERT_TRUE(run.exec(sql)) << sql.toStdString() << run.lastError().text().toStdString();
+                if (schema.value(0).toString() == QLatin1String("table"))
+                    tables << schema.value(1).toString();
+            }
+            for (const QString &table : tables) {
+                QSqlQuery rows(QStringLiteral("SELECT * FROM ") + table, file);
+                while (rows.next()) {
+                    const QSqlRecord row = rows.record();
+                    QStringList marks;
+                    for (int i = 0; i < row.count(); ++i)
+                        marks << QStringLiteral("?");
+                    run.prepare(QStringLiteral("INSERT INTO %1 VALUES (%2)")
+                                    .arg(table, marks.join(QLatin1Char(','))));
+                    for (int i = 0; i < row.count(); ++i)
+                        run.addBindValue(row.value(i));
+                    ASSERT_TRUE(run.exec()) << table.toStdString() << run.lastError().text().toStdString();
+                }
+            }
+            ASSERT_TRUE(run.exec(QStringLiteral(
+                "SELECT setval(pg_get_serial_sequence('records', 'id'), (SELECT max(id) FROM records))")));
+        }
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("fixture"));
+    QSqlDatabase::removeDatabase(QStringLiteral("schema1"));
+}
 
+// Opened by today's kalvo, it keeps every record with its bytes and hash, every next test and
+// interval.
+TEST_P(ArchiveCustomersTest, AnArchiveOfSchema1KeepsEveryRecordAndNextTest)
+{
+    m_archive.reset();
+    ArchivePlace place(GetParam()); // a fresh one: the fixture's SetUp created the archive
+    ASSERT_TRUE(place.error().isEmpty());
+    ASSERT_NO_FATAL_FAILURE(PutSchema1Archive(GetParam(), place.url()));
+    std::unique_ptr<Archive> opened = place.Open();
+    Archive &archive = *opened;
+    EXPECT_EQ(archive.schemaVersion(), 2);
     const QMap<qint64, QByteArray> raw = RawRecords(archive);
     ASSERT_EQ(raw.size(), 8);
     QSqlQuery hashes = archive.Exec(QStringLiteral("SELECT id, sha256 FROM records"));
@@ -192,5 +255,8 @@ TEST(ArchiveMigration, AnArchiveOfSchema1KeepsEveryRecordAndNextTest)
         LoadDeviceData(archive, {FindCustomer(archive, kNoCustomer)->id, QStringLiteral("D-9")}).nextTest,
         QDate(2027, 4, 20));
 }
+
+INSTANTIATE_TEST_SUITE_P(Both, ArchiveCustomersTest, ::testing::Values(Backend::SQLite, Backend::PostgreSQL),
+                         BackendName);
 
 } // namespace
