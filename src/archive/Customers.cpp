@@ -48,6 +48,15 @@ qint64 CustomerIdFor(Archive &archive, const Customer &customer)
     return FindCustomer(archive, name).value().id;
 }
 
+QHash<QString, qint64> CustomerIds(Archive &archive)
+{
+    QSqlQuery query = archive.Exec(QStringLiteral("SELECT name, id FROM customers"));
+    QHash<QString, qint64> ids;
+    while (archive.Next(query))
+        ids.insert(query.value(0).toString(), query.value(1).toLongLong());
+    return ids;
+}
+
 QList<Customer> ListCustomers(Archive &archive)
 {
     QSqlQuery query = archive.Exec(QLatin1String(kSelect) + QStringLiteral(" ORDER BY name"));

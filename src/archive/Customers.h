@@ -1,6 +1,7 @@
 // The archive's customers: every device belongs to one, records without one to kNoCustomer.
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <optional>
@@ -26,6 +27,8 @@ std::optional<Customer> FindCustomer(Archive &archive, const QString &name);
 // The id of the customer `customer.name`, added with its address when new (inside the caller's
 // transaction; two programs adding the same customer at once get the same id).
 qint64 CustomerIdFor(Archive &archive, const Customer &customer);
+// The id of every customer by its name.
+QHash<QString, qint64> CustomerIds(Archive &archive);
 // Every customer, by name.
 QList<Customer> ListCustomers(Archive &archive);
 
