@@ -149,13 +149,15 @@ DueDevice DeviceFromRow(const QSqlQuery &q, const RetestIntervals &intervals)
     device.nextTest = DateFrom(q.value(5));
     device.customerId = q.value(6).toLongLong();
     device.customerName = q.value(7).toString();
-    device.intervalMonths = intervals.MonthsFor({device.customerId, device.deviceId}, device.regulation);
+    device.intervalMonths =
+        q.value(8).isNull() ? intervals.MonthsFor({}, device.regulation) : q.value(8).toInt();
     return device;
 }
 
-const char kDeviceColumns[] = "d.device_id, d.device_type, d.regulation, d.last_tested_at, d.last_record_id,"
-                              " d.next_test, d.customer_id, c.name FROM devices d JOIN customers c ON"
-                              " c.id = d.customer_id";
+const char kDeviceColumns[] =
+    "d.device_id, d.device_type, d.regulation, d.last_tested_at, d.last_record_id,"
+    " d.next_test, d.customer_id, c.name, d.interval_months FROM devices d JOIN customers c ON"
+    " c.id = d.customer_id";
 
 } // namespace
 
@@ -204,7 +206,7 @@ std::optional<StoredRecord> FetchRecord(Archive &archive, qint64 id)
 
 QList<DueDevice> DueDevices(Archive &archive, const QDate &before, int limit, const QString &customer)
 {
-    const RetestIntervals intervals = LoadIntervals(archive);
+    const RetestIntervals intervals = LoadRegulationIntervals(archive);
     QString sql = QStringLiteral("SELECT %1 WHERE d.next_test < ? AND d.retired = 0 AND d.out_of_service = 0")
                       .arg(QLatin1String(kDeviceColumns));
     if (!customer.isEmpty())
@@ -227,7 +229,7 @@ std::optional<DueDevice> DeviceStatus(Archive &archive, const DeviceKey &device)
                                    {device.customerId, device.deviceId});
     if (!archive.Next(query))
         return std::nullopt;
-    return DeviceFromRow(query, LoadIntervals(archive));
+    return DeviceFromRow(query, LoadRegulationIntervals(archive));
 }
 
 VerifyResult VerifyArchive(Archive &archive)

@@ -69,13 +69,19 @@ int RetestIntervals::MonthsFor(const DeviceKey &device, const QString &regulatio
     return byRegulation.value(regulation, kAppliancesIntervalMonths);
 }
 
-RetestIntervals LoadIntervals(Archive &archive)
+RetestIntervals LoadRegulationIntervals(Archive &archive)
 {
     RetestIntervals intervals;
     QSqlQuery regulations =
         archive.Exec(QStringLiteral("SELECT regulation, months FROM regulation_intervals"));
     while (archive.Next(regulations))
         intervals.byRegulation.insert(regulations.value(0).toString(), regulations.value(1).toInt());
+    return intervals;
+}
+
+RetestIntervals LoadIntervals(Archive &archive)
+{
+    RetestIntervals intervals = LoadRegulationIntervals(archive);
     QSqlQuery devices = archive.Exec(QStringLiteral(
         "SELECT customer_id, device_id, interval_months FROM devices WHERE interval_months IS NOT NULL"));
     while (archive.Next(devices))

@@ -29,6 +29,8 @@ struct RetestIntervals {
 };
 
 RetestIntervals LoadIntervals(Archive &archive);
+// Only the regulations' intervals (a device's own one is in its row).
+RetestIntervals LoadRegulationIntervals(Archive &archive);
 
 // The day a device tested on `lastTest` must be tested again.
 QDate NextTestDate(const QDate &lastTest, int months);
