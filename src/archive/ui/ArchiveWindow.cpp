@@ -9,6 +9,7 @@
 #include "archive/ArchiveExport.h"
 #include "archive/ArchiveQueries.h"
 #include "archive/ArchiveSession.h"
+#include "archive/Customers.h"
 #include "archive/DeviceData.h"
 #include "archive/RetestIntervals.h"
 #include "gui/GuiPrompter.h"
@@ -86,6 +87,8 @@ void ArchiveWindow::BuildForm()
     m_device = Named(new QLineEdit, "idNr");
     m_type = Named(new QLineEdit, "typ");
     m_customer = Named(new QLineEdit, "kunde");
+    m_archiveCustomer = Named(new QComboBox, "kundenwahl");
+    m_archiveCustomer->addItem(QString()); // every customer
     m_text = Named(new QLineEdit, "text");
     m_verdict = Named(new QComboBox, "ergebnis");
     m_verdict->addItems({QString(), QString(), QString()}); // all, passed, failed
@@ -100,9 +103,13 @@ void ArchiveWindow::BuildForm()
     m_from = DateField("von", today.addYears(-1));
     m_to = DateField("bis", today);
     m_due = DateField("faellig", today.addMonths(1));
-    const std::pair<Caption, QWidget *> fields[] = {
-        {Caption::DeviceId, m_device}, {Caption::Type, m_type},       {Caption::Customer, m_customer},
-        {Caption::Text, m_text},       {Caption::Verdict, m_verdict}, {Caption::Regulation, m_regulation}};
+    const std::pair<Caption, QWidget *> fields[] = {{Caption::DeviceId, m_device},
+                                                    {Caption::Type, m_type},
+                                                    {Caption::Customer, m_archiveCustomer},
+                                                    {Caption::RecordCustomer, m_customer},
+                                                    {Caption::Text, m_text},
+                                                    {Caption::Verdict, m_verdict},
+                                                    {Caption::Regulation, m_regulation}};
     int row = 0;
     for (const auto &[caption, field] : fields) {
         auto *label = new QLabel;
@@ -121,7 +128,7 @@ void ArchiveWindow::BuildForm()
     search->setDefault(true);
     dates->addStretch();
     dates->addWidget(search);
-    form->addLayout(dates, 3, 0, 1, 4);
+    form->addLayout(dates, 4, 0, 1, 4);
     for (QLineEdit *edit : {m_device, m_type, m_customer, m_text})
         connect(edit, &QLineEdit::returnPressed, this, &ArchiveWindow::Search);
     connect(search, &QPushButton::clicked, this, &ArchiveWindow::Search);
@@ -187,6 +194,7 @@ void ArchiveWindow::SetLanguage(const QString &language)
     m_verdict->setItemText(1, Text(Caption::Passed));
     m_verdict->setItemText(2, Text(Caption::Failed));
     m_regulation->setItemText(0, Text(Caption::All));
+    m_archiveCustomer->setItemText(0, Text(Caption::All));
     m_useFrom->setText(Text(Caption::From));
     m_useTo->setText(Text(Caption::To));
     m_useDue->setText(Text(Caption::DueBefore));
@@ -204,6 +212,8 @@ ArchiveFilter ArchiveWindow::Filter() const
     filter.deviceId = m_device->text().trimmed();
     filter.type = m_type->text().trimmed();
     filter.customer = m_customer->text().trimmed();
+    if (m_archiveCustomer->currentIndex() > 0)
+        filter.customerName = m_archiveCustomer->currentText();
     filter.text = m_text->text().trimmed();
     if (m_verdict->currentIndex() > 0)
         filter.failed = m_verdict->currentIndex() == 2;
@@ -218,8 +228,32 @@ ArchiveFilter ArchiveWindow::Filter() const
     return filter;
 }
 
+// The customers to choose from, read again with every search (an import may have added one); the
+// choice stays.
+void ArchiveWindow::LoadCustomers()
+{
+    m_session->Ask(
+        this,
+        [](Archive &archive) {
+            QStringList names;
+            for (const Customer &customer : ListCustomers(archive))
+                names.append(customer.name);
+            return names;
+        },
+        [this](const QStringList &names) {
+            const QString chosen =
+                m_archiveCustomer->currentIndex() > 0 ? m_archiveCustomer->currentText() : QString();
+            while (m_archiveCustomer->count() > 1)
+                m_archiveCustomer->removeItem(1);
+            m_archiveCustomer->addItems(names);
+            m_archiveCustomer->setCurrentIndex(std::max(0, m_archiveCustomer->findText(chosen)));
+        },
+        [this](const QString &message) { Fail(message); });
+}
+
 void ArchiveWindow::Search()
 {
+    LoadCustomers();
     m_report->clear();
     const ArchiveFilter filter = Filter();
     m_model->Show(filter);

@@ -93,6 +93,8 @@ private:
     QPlainTextEdit *m_report;
     QLabel *m_status;
     QLineEdit *m_device, *m_type, *m_customer, *m_text;
+    QComboBox *m_archiveCustomer; // item 0: every customer
+    void LoadCustomers();
     QComboBox *m_verdict, *m_regulation;
     QCheckBox *m_useFrom, *m_useTo, *m_useDue;
     QDateEdit *m_from, *m_to, *m_due;
