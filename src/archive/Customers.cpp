@@ -3,6 +3,7 @@
 
 #include "Archive.h"
 #include "ArchiveTypes.h"
+#include "RecordImport.h"
 
 #include <QDateTime>
 #include <QSqlQuery>
@@ -55,6 +56,19 @@ QHash<QString, qint64> CustomerIds(Archive &archive)
     while (archive.Next(query))
         ids.insert(query.value(0).toString(), query.value(1).toLongLong());
     return ids;
+}
+
+bool AnyWithoutCustomer(const QList<QByteArray> &records)
+{
+    for (const QByteArray &raw : records) {
+        try {
+            if (DescribeRecord(raw).customer.isEmpty())
+                return true;
+        } catch (const link::KalvoError &) {
+            // refused by the import anyway
+        }
+    }
+    return false;
 }
 
 QList<Customer> ListCustomers(Archive &archive)

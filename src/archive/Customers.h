@@ -1,6 +1,7 @@
 // The archive's customers: every device belongs to one, records without one to kNoCustomer.
 #pragma once
 
+#include <QByteArray>
 #include <QHash>
 #include <QList>
 #include <QString>
@@ -29,6 +30,9 @@ std::optional<Customer> FindCustomer(Archive &archive, const QString &name);
 qint64 CustomerIdFor(Archive &archive, const Customer &customer);
 // The id of every customer by its name.
 QHash<QString, qint64> CustomerIds(Archive &archive);
+// Whether a record among `records` names no customer (the accessory's fields 61..64 empty); one the
+// archive would refuse does not count.
+bool AnyWithoutCustomer(const QList<QByteArray> &records);
 // Every customer, by name.
 QList<Customer> ListCustomers(Archive &archive);
 

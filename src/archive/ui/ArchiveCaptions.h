@@ -39,6 +39,7 @@ enum class Caption {
     Address,
     AddressHint,
     RecordCustomer, // part of the customer field a record carries (Customer: the archive's)
+    CustomerOfRead, // the question after a read
 };
 
 // `caption` in `language` (the language table's names); German for a name it does not know.
