@@ -127,8 +127,11 @@ const QStringList kStep2 = {
 const QStringList kStep2After = {
     QStringLiteral("DROP TABLE devices_v1"),
     QStringLiteral("DROP TABLE device_intervals"),
-    QStringLiteral("CREATE INDEX devices_next_test ON devices (next_test)"),
-    QStringLiteral("CREATE INDEX devices_customer_next ON devices (customer_id, next_test)"),
+    // Due lists and their counts: only devices in use are due, and the index holds only those.
+    QStringLiteral(
+        "CREATE INDEX devices_next_test ON devices (next_test) WHERE retired = 0 AND out_of_service = 0"),
+    QStringLiteral("CREATE INDEX devices_customer_next ON devices (customer_id, next_test)"
+                   " WHERE retired = 0 AND out_of_service = 0"),
     // The few devices with an interval of their own, read at every import.
     QStringLiteral(
         "CREATE INDEX devices_own_interval ON devices (interval_months) WHERE interval_months IS NOT NULL"),
