@@ -3,6 +3,7 @@
 
 #include "Archive.h"
 #include "Customers.h"
+#include "DeviceData.h"
 #include "RecordImport.h"
 #include "RetestIntervals.h"
 
@@ -138,26 +139,14 @@ ArchivedRecord RecordFromRow(const QSqlQuery &q)
     return r;
 }
 
-DueDevice DeviceFromRow(const QSqlQuery &q, const RetestIntervals &intervals)
+DueDevice DueFrom(const DeviceData &d, const RetestIntervals &intervals)
 {
-    DueDevice device;
-    device.deviceId = q.value(0).toString();
-    device.deviceType = q.value(1).toString();
-    device.regulation = q.value(2).toString();
-    device.lastTest = TimestampFrom(q.value(3));
-    device.lastRecordId = q.value(4).toLongLong();
-    device.nextTest = DateFrom(q.value(5));
-    device.customerId = q.value(6).toLongLong();
-    device.customerName = q.value(7).toString();
-    device.intervalMonths =
-        q.value(8).isNull() ? intervals.MonthsFor({}, device.regulation) : q.value(8).toInt();
-    return device;
+    return {d.key.customerId, d.customerName,
+            d.key.deviceId,   d.recordType,
+            d.regulation,     d.lastTest,
+            d.nextTest,       d.intervalMonths.value_or(intervals.MonthsFor({}, d.regulation)),
+            d.lastRecordId};
 }
-
-const char kDeviceColumns[] =
-    "d.device_id, d.device_type, d.regulation, d.last_tested_at, d.last_record_id,"
-    " d.next_test, d.customer_id, c.name, d.interval_months FROM devices d JOIN customers c ON"
-    " c.id = d.customer_id";
 
 } // namespace
 
@@ -207,29 +196,29 @@ std::optional<StoredRecord> FetchRecord(Archive &archive, qint64 id)
 QList<DueDevice> DueDevices(Archive &archive, const QDate &before, int limit, const QString &customer)
 {
     const RetestIntervals intervals = LoadRegulationIntervals(archive);
-    QString sql = QStringLiteral("SELECT %1 WHERE d.next_test < ? AND d.retired = 0 AND d.out_of_service = 0")
-                      .arg(QLatin1String(kDeviceColumns));
+    QString where = QStringLiteral("WHERE d.next_test < ? AND d.retired = 0 AND d.out_of_service = 0");
     if (!customer.isEmpty())
-        sql += QStringLiteral(" AND d.customer_id = (SELECT id FROM customers WHERE name = ?)");
-    sql += QStringLiteral(" ORDER BY d.next_test, d.device_id, c.name");
+        where += QStringLiteral(" AND d.customer_id = (SELECT id FROM customers WHERE name = ?)");
+    where += QStringLiteral(" ORDER BY d.next_test, d.device_id, c.name");
     if (limit > 0)
-        sql += QStringLiteral(" LIMIT %1").arg(limit);
-    QSqlQuery query = customer.isEmpty() ? archive.Exec(sql, {DateValue(before)})
-                                         : archive.Exec(sql, {DateValue(before), CustomerName(customer)});
+        where += QStringLiteral(" LIMIT %1").arg(limit);
+    const QList<DeviceData> found =
+        customer.isEmpty() ? SelectDevices(archive, where, {DateValue(before)})
+                           : SelectDevices(archive, where, {DateValue(before), CustomerName(customer)});
     QList<DueDevice> devices;
-    while (archive.Next(query))
-        devices.append(DeviceFromRow(query, intervals));
+    for (const DeviceData &d : found)
+        devices.append(DueFrom(d, intervals));
     return devices;
 }
 
 std::optional<DueDevice> DeviceStatus(Archive &archive, const DeviceKey &device)
 {
-    QSqlQuery query = archive.Exec(QStringLiteral("SELECT %1 WHERE d.customer_id = ? AND d.device_id = ?")
-                                       .arg(QLatin1String(kDeviceColumns)),
-                                   {device.customerId, device.deviceId});
-    if (!archive.Next(query))
+    const QList<DeviceData> found =
+        SelectDevices(archive, QStringLiteral("WHERE d.customer_id = ? AND d.device_id = ?"),
+                      {device.customerId, device.deviceId});
+    if (found.isEmpty())
         return std::nullopt;
-    return DeviceFromRow(query, LoadRegulationIntervals(archive));
+    return DueFrom(found.first(), LoadRegulationIntervals(archive));
 }
 
 VerifyResult VerifyArchive(Archive &archive)

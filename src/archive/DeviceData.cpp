@@ -67,27 +67,33 @@ void ChangeFlag(Archive &archive, const DeviceKey &device, const char *column, b
 
 } // namespace
 
-DeviceData LoadDeviceData(Archive &archive, const DeviceKey &device)
+QList<DeviceData> SelectDevices(Archive &archive, const QString &conditions,
+                                std::initializer_list<QVariant> values)
 {
-    QSqlQuery query =
-        archive.Exec(QLatin1String(kSelect) + QStringLiteral(" WHERE d.customer_id = ? AND d.device_id = ?"),
-                     {device.customerId, device.deviceId});
-    if (!archive.Next(query))
-        throw ArchiveError(
-            QStringLiteral("Gerät \"%1\": im Archiv ist kein datierter Test davon").arg(device.deviceId));
-    return DeviceFromRow(query);
-}
-
-QList<DeviceData> FindDevices(Archive &archive, const QString &deviceId, const QString &customer)
-{
-    QString sql = QLatin1String(kSelect) + QStringLiteral(" WHERE d.device_id = ?");
-    QSqlQuery query = customer.isEmpty() ? archive.Exec(sql + QStringLiteral(" ORDER BY c.name"), {deviceId})
-                                         : archive.Exec(sql + QStringLiteral(" AND c.name = ?"),
-                                                        {deviceId, CustomerName(customer)});
+    QSqlQuery query = archive.Exec(QLatin1String(kSelect) + QLatin1Char(' ') + conditions, values);
     QList<DeviceData> devices;
     while (archive.Next(query))
         devices.append(DeviceFromRow(query));
     return devices;
+}
+
+DeviceData LoadDeviceData(Archive &archive, const DeviceKey &device)
+{
+    const QList<DeviceData> found =
+        SelectDevices(archive, QStringLiteral("WHERE d.customer_id = ? AND d.device_id = ?"),
+                      {device.customerId, device.deviceId});
+    if (found.isEmpty())
+        throw ArchiveError(
+            QStringLiteral("Gerät \"%1\": im Archiv ist kein datierter Test davon").arg(device.deviceId));
+    return found.first();
+}
+
+QList<DeviceData> FindDevices(Archive &archive, const QString &deviceId, const QString &customer)
+{
+    if (customer.isEmpty())
+        return SelectDevices(archive, QStringLiteral("WHERE d.device_id = ? ORDER BY c.name"), {deviceId});
+    return SelectDevices(archive, QStringLiteral("WHERE d.device_id = ? AND c.name = ?"),
+                         {deviceId, CustomerName(customer)});
 }
 
 void ChangeDeviceData(Archive &archive, const DeviceKey &device, const DeviceEdit &edit)

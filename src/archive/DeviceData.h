@@ -8,6 +8,8 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QVariant>
+#include <initializer_list>
 #include <optional>
 
 namespace kalvo::archive {
@@ -56,6 +58,9 @@ struct DeviceChange {
 
 // The device; throws ArchiveError when the archive has no dated test of it.
 DeviceData LoadDeviceData(Archive &archive, const DeviceKey &device);
+// The devices `conditions` select ("WHERE ...", "ORDER BY ..."; `d` the device, `c` its customer).
+QList<DeviceData> SelectDevices(Archive &archive, const QString &conditions,
+                                std::initializer_list<QVariant> values = {});
 // The devices with this ID-Nr, at every customer or at the customer named.
 QList<DeviceData> FindDevices(Archive &archive, const QString &deviceId, const QString &customer = {});
 

@@ -37,15 +37,8 @@ QMap<qint64, QByteArray> RawRecords(Archive &archive)
     return raw;
 }
 
-class ArchiveCustomersTest : public OnBothBackends {
+class ArchiveCustomersTest : public OnBothBackendsOpen {
 protected:
-    void SetUp() override
-    {
-        OnBothBackends::SetUp();
-        if (!HasFatalFailure() && !IsSkipped())
-            m_archive = m_place->Open();
-    }
-    Archive &archive() { return *m_archive; }
     DeviceKey Key(const char *device, const QString &customer)
     {
         return {FindCustomer(archive(), customer).value().id, QString::fromLatin1(device)};
@@ -58,7 +51,6 @@ protected:
                        d.nextTest.toString(Qt::ISODate);
         return due;
     }
-    std::unique_ptr<Archive> m_archive;
 };
 
 TEST_P(ArchiveCustomersTest, OneIdNrAtTwoCustomersIsTwoDevicesWithTheirOwnNextTests)

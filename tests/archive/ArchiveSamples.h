@@ -105,6 +105,19 @@ protected:
     std::unique_ptr<ArchivePlace> m_place;
 };
 
+// The same with the archive opened.
+class OnBothBackendsOpen : public OnBothBackends {
+protected:
+    void SetUp() override
+    {
+        OnBothBackends::SetUp();
+        if (!HasFatalFailure() && !IsSkipped())
+            m_archive = m_place->Open();
+    }
+    archive::Archive &archive() { return *m_archive; }
+    std::unique_ptr<archive::Archive> m_archive;
+};
+
 // Another program on the same SQLite file, holding its lock as long as it lives.
 class OtherProgram {
 public:

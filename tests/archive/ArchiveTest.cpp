@@ -15,15 +15,8 @@ using namespace kalvo::testing;
 
 namespace {
 
-class ArchiveTest : public OnBothBackends {
+class ArchiveTest : public OnBothBackendsOpen {
 protected:
-    void SetUp() override
-    {
-        OnBothBackends::SetUp();
-        if (!HasFatalFailure() && !IsSkipped())
-            m_archive = m_place->Open();
-    }
-    Archive &archive() { return *m_archive; }
     // A device of records that name no customer.
     DeviceKey Key(const QString &device)
     {
@@ -37,8 +30,6 @@ protected:
             devices << r.deviceId;
         return devices;
     }
-
-    std::unique_ptr<Archive> m_archive;
 };
 
 TEST_P(ArchiveTest, KeepsTheBytesAsReadWithTheFieldsPeopleSearchBy)
