@@ -149,10 +149,14 @@ void PutSchema1Archive(Backend backend, const QString &url)
         QFile::setPermissions(url, QFile::ReadOwner | QFile::WriteOwner);
         return;
     }
+    // Read from a copy: SQLite leaves its shared-memory file beside a database it opens.
+    QTemporaryDir copy;
+    const QString copied = copy.filePath(QStringLiteral("schema1.sqlite"));
+    ASSERT_TRUE(QFile::copy(fixture, copied));
+    QFile::setPermissions(copied, QFile::ReadOwner | QFile::WriteOwner);
     {
         QSqlDatabase file = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("fixture"));
-        file.setDatabaseName(fixture);
-        file.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        file.setDatabaseName(copied);
         const ArchiveTarget target = ParseArchiveUrl(url);
         QSqlDatabase server = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), QStringLiteral("schema1"));
         server.setHostName(target.host);
