@@ -30,7 +30,7 @@ const QString kUsage =
     QStringLiteral(
         "import [--customer NAME] FILE... | list [FILTER] [--json] | show N [--pdf OUT] | "
         "export OUT.csv [FILTER] | verify | due [--before DATE] [--customer NAME] [--json] | %1 | %2")
-        .arg(kIntervalSynopsis, kDeviceSynopsis);
+        .arg(kIntervalSynopsis, DeviceSynopsis());
 const QStringList kFilterOptions = {
     QStringLiteral("--device"), QStringLiteral("--type"),       QStringLiteral("--customer"),
     QStringLiteral("--text"),   QStringLiteral("--regulation"), QStringLiteral("--since"),

@@ -13,10 +13,13 @@
 
 namespace kalvo::cli {
 
-const QString kDeviceSynopsis =
-    QStringLiteral("device show|history ID [--customer NAME] | device set ID [--customer NAME] [--type T] "
-                   "[--manufacturer M] [--location L] [--remarks R] [--out-of-service yes|no] | "
-                   "device move ID [--customer NAME] --to NAME | device retire ID [--customer NAME]");
+QString DeviceSynopsis()
+{
+    return QStringLiteral(
+        "device show|history ID [--customer NAME] | device set ID [--customer NAME] [--type T] "
+        "[--manufacturer M] [--location L] [--remarks R] [--out-of-service yes|no] | "
+        "device move ID [--customer NAME] --to NAME | device retire ID [--customer NAME]");
+}
 
 namespace {
 
@@ -96,7 +99,7 @@ int ArchiveDevice(CliContext &context, const QStringList &words)
                                        QStringLiteral("--to")});
     const QString action = w.positional.value(1);
     if (w.positional.size() != 3)
-        throw Usage(UsageText::Expected, {kDeviceSynopsis});
+        throw Usage(UsageText::Expected, {DeviceSynopsis()});
     const bool reads = action == QLatin1String("show") || action == QLatin1String("history");
     archive::Archive &archive =
         context.archive(reads ? archive::ArchiveAccess::Read : archive::ArchiveAccess::Write);
@@ -125,7 +128,7 @@ int ArchiveDevice(CliContext &context, const QStringList &words)
         archive::MoveDevice(archive, device.key, w.options.value(QStringLiteral("--to")));
         return kExitDone;
     }
-    throw Usage(UsageText::Expected, {kDeviceSynopsis});
+    throw Usage(UsageText::Expected, {DeviceSynopsis()});
 }
 
 } // namespace kalvo::cli

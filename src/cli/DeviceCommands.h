@@ -14,7 +14,8 @@ namespace kalvo::cli {
 
 class CliContext;
 
-extern const QString kDeviceSynopsis;
+// The command's synopsis (a function: other files' constants are built from it at start-up).
+QString DeviceSynopsis();
 
 // The device of that ID-Nr, at the customer named when one is; a usage error when there is none,
 // or when several customers have one of that ID-Nr and none is named.
