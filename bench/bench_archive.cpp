@@ -26,11 +26,16 @@ constexpr int kLargeCount = 1'000'000;
 constexpr int kBatch = 20'000; // records a transaction, as a large record file would bring them
 constexpr int kDevices = 100'000;
 constexpr int kQueries = 200;
+constexpr int kCustomers = 10'000;
 
-// Record `i` of a service company's archive: device i % kDevices, tested on a day of 2015..2024.
-QByteArray Record(int i)
+// Record `i` of a service company's archive: device i % kDevices, tested on a day of 2015..2024;
+// with `customers`, the accessory named one of kCustomers customers (field 61) for the device.
+QByteArray Record(int i, bool customers = false)
 {
-    static const QByteArray empty = QByteArray(68, ';');
+    const QByteArray empty = customers
+                                 ? QByteArray(54, ';') + "Kunde " +
+                                       QByteArray::number(i % kDevices % kCustomers) + QByteArray(14, ';')
+                                 : QByteArray(68, ';');
     const QDate day = QDate(2015, 1, 1).addDays((i * 7919) % 3650);
     QByteArray code(32, '0');
     code[6] = i % 13 == 0 ? '8' : '0';
@@ -41,21 +46,21 @@ QByteArray Record(int i)
            ";10:" + QByteArray::number(10 + i % 50) + ';' + QByteArray::number(i) + empty + "$FF\r\n";
 }
 
-QList<QByteArray> Records(int from, int count)
+QList<QByteArray> Records(int from, int count, bool customers = false)
 {
     QList<QByteArray> records;
     records.reserve(count);
     for (int i = from; i < from + count; ++i)
-        records.append(Record(i));
+        records.append(Record(i, customers));
     return records;
 }
 
 // Imports records 0..count-1 in batches; returns records per second (generating them not counted).
-double ImportRate(archive::Archive &archive, int count, bool progress)
+double ImportRate(archive::Archive &archive, int count, bool progress, bool customers = false)
 {
     Seconds spent{};
     for (int from = 0; from < count; from += kBatch) {
-        const QList<QByteArray> batch = Records(from, std::min(kBatch, count - from));
+        const QList<QByteArray> batch = Records(from, std::min(kBatch, count - from), customers);
         const auto start = Clock::now();
         archive::ImportRecords(archive, batch, {QStringLiteral("bench"), {}, {}, {}});
         spent += Clock::now() - start;
@@ -104,8 +109,9 @@ void ImportInto(const char *name, const QString &url, int count)
 void SearchMillion(const QString &path)
 {
     archive::Archive archive(archive::ParseArchiveUrl(path));
-    std::printf("filling an archive of %d records (%d devices) ...\n", kLargeCount, kDevices);
-    const double rate = ImportRate(archive, kLargeCount, true);
+    std::printf("filling an archive of %d records (%d devices of %d customers) ...\n", kLargeCount, kDevices,
+                kCustomers);
+    const double rate = ImportRate(archive, kLargeCount, true, true);
     std::printf("import %d records into SQLite     %8.0f records/s\n", kLargeCount, rate);
 
     std::mt19937 random(42);
@@ -132,6 +138,15 @@ void SearchMillion(const QString &path)
         [&](int i) { due += archive::DueDevices(archive, QDate(2025, 1, 1).addDays(i * 5), 200).size(); });
     std::printf("due devices, first 200:            %6.2f ms mean, %6.2f ms worst   (goal: under 50)\n",
                 devicesMean, devicesWorst);
+    std::uniform_int_distribution<int> customer(0, kCustomers - 1);
+    qint64 ofCustomer = 0;
+    const auto [customerMean, customerWorst] = Millis([&](int) {
+        ofCustomer += archive::DueDevices(archive, QDate(2030, 1, 1), 0,
+                                          QStringLiteral("Kunde %1").arg(customer(random)))
+                          .size();
+    });
+    std::printf("a customer's due list (%.1f devices): %6.2f ms mean, %6.2f ms worst   (goal: under 50)\n",
+                double(ofCustomer) / kQueries, customerMean, customerWorst);
     // The window counts what a search finds before it shows the first page.
     qint64 count = 0;
     const auto [countMean, countWorst] = Millis([&](int i) {

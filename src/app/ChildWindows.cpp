@@ -4,8 +4,10 @@
 
 #include "archive/ArchiveLocation.h"
 #include "archive/ArchiveSession.h"
+#include "archive/Customers.h"
 #include "archive/RecordKeeping.h"
 #include "archive/ui/ArchiveWindow.h"
+#include "archive/ui/CustomerQuestion.h"
 #include "config/ui/LimitFrame.h"
 #include "config/ui/LimitMenu.h"
 #include "config/ui/ServiceConfigPanel.h"
@@ -176,6 +178,20 @@ void ChildWindows::KeepInArchive(const QList<QByteArray> &records, const QString
     const archive::RecordSource source{fromTester ? m_tester : QString(),
                                        fromTester ? m_testerSerial : QString(),
                                        fromAccessory ? QStringLiteral("KYM") : QString(), file};
+    // Once a read: the customer of the records that name none.
+    if (archive::KeepingRecords() && archive::AnyWithoutCustomer(records)) {
+        archive::ui::AskCustomerOfRead(m_main, m_language, [this, records, source](const QString &customer) {
+            archive::RecordSource chosen = source;
+            chosen.customer = customer;
+            Keep(records, chosen);
+        });
+        return;
+    }
+    Keep(records, source);
+}
+
+void ChildWindows::Keep(const QList<QByteArray> &records, const archive::RecordSource &source)
+{
     if (!m_keeper)
         m_keeper = new archive::ArchiveSession(this);
     const auto tell = [this](const QStringList &messages) {
@@ -211,6 +227,7 @@ void ChildWindows::AddHelpKey(QWidget *window, const char *chapter)
 
 void ChildWindows::ApplyTexts(const link::LanguageTable &texts)
 {
+    m_language = texts.language();
     if (m_service) {
         m_service->ApplyTexts(texts);
         m_servicePanel->ApplyTexts(texts);

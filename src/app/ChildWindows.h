@@ -27,7 +27,8 @@ class RecordWindow;
 }
 namespace kalvo::archive {
 class ArchiveSession;
-}
+struct RecordSource;
+} // namespace kalvo::archive
 namespace kalvo::archive::ui {
 class ArchiveWindow;
 }
@@ -85,11 +86,13 @@ private:
     // Records a window read go into the archive too, on the archive's thread; the user is told
     // what could not be kept.
     void KeepInArchive(const QList<QByteArray> &records, const QString &file, bool fromAccessory);
+    void Keep(const QList<QByteArray> &records, const archive::RecordSource &source);
 
     gui::DeviceThread &m_device;
     QWidget *m_main;
     QString m_programDir;
     QString m_tester, m_testerSerial;
+    QString m_language; // of the texts applied last
     archive::ArchiveSession *m_keeper = nullptr;
     QPointer<shell::ui::ServiceWindow> m_service;
     QPointer<config::ui::ServiceConfigPanel> m_servicePanel;

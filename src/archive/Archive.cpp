@@ -415,6 +415,11 @@ QVariant DateValue(const QDate &date)
     return date.isValid() ? QVariant(IsoText(date, {}, false)) : QVariant(QMetaType::fromType<QString>());
 }
 
+QString TextValue(const QString &text)
+{
+    return text.isNull() ? QStringLiteral("") : text;
+}
+
 QDateTime TimestampFrom(const QVariant &value)
 {
     if (value.isNull())

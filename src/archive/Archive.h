@@ -88,5 +88,7 @@ QVariant TimestampValue(const QDateTime &time);
 QVariant DateValue(const QDate &date);
 QDateTime TimestampFrom(const QVariant &value);
 QDate DateFrom(const QVariant &value);
+// Text columns hold "" rather than NULL for what is not known.
+QString TextValue(const QString &text);
 
 } // namespace kalvo::archive

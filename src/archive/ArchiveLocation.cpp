@@ -107,6 +107,16 @@ void WriteArchiveSettings(const ArchiveSettings &settings)
     user.setValue(kUrlKey, settings.url);
 }
 
+QString ReadLastCustomer()
+{
+    return UserSettings().value(QStringLiteral("archive/customer")).toString();
+}
+
+void WriteLastCustomer(const QString &customer)
+{
+    UserSettings().setValue(QStringLiteral("archive/customer"), customer);
+}
+
 QString DefaultArchivePath()
 {
     // The generic folder, not the program's own: kalvo and kalvo-cli share one archive.

@@ -44,6 +44,10 @@ QSettings UserSettings();
 ArchiveSettings ReadArchiveSettings();
 void WriteArchiveSettings(const ArchiveSettings &settings);
 
+// The customer last chosen for records read that name none (empty: none chosen yet).
+QString ReadLastCustomer();
+void WriteLastCustomer(const QString &customer);
+
 // The SQLite file used when nothing else is chosen; the same for kalvo and kalvo-cli.
 QString DefaultArchivePath();
 

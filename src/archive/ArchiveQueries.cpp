@@ -2,6 +2,8 @@
 #include "ArchiveQueries.h"
 
 #include "Archive.h"
+#include "Customers.h"
+#include "DeviceData.h"
 #include "RecordImport.h"
 #include "RetestIntervals.h"
 
@@ -16,7 +18,7 @@ const char kColumns[] =
     "r.id, r.sha256, r.tester_name, r.device_id, r.device_type, r.tested_at, r.regulation, r.failed,"
     " r.protection_class, r.applied_part, r.accessory_kind, r.accessory_type, r.maker, r.accessory_device_id,"
     " r.customer, r.street, r.post_code, r.town, r.source_tester, r.source_serial, r.source_accessory,"
-    " r.source_file, r.imported_at, d.next_test";
+    " r.source_file, r.imported_at, d.next_test, r.customer_id, c.name";
 
 constexpr int kVerifyBatch = 500;
 
@@ -55,6 +57,10 @@ Where WhereFor(const ArchiveFilter &filter)
         add("r.type_key LIKE ? ESCAPE '\\'", Containing(filter.type));
     if (!filter.customer.isEmpty())
         add("r.customer_key LIKE ? ESCAPE '\\'", Containing(filter.customer));
+    if (!filter.customerName.isEmpty())
+        add(filter.dueBefore.isValid() ? "d.customer_id = (SELECT id FROM customers WHERE name = ?)"
+                                       : "r.customer_id = (SELECT id FROM customers WHERE name = ?)",
+            CustomerName(filter.customerName));
     if (!filter.text.isEmpty())
         add("r.search_key LIKE ? ESCAPE '\\'", Containing(filter.text));
     if (filter.failed)
@@ -65,8 +71,10 @@ Where WhereFor(const ArchiveFilter &filter)
         add("r.tested_at >= ?", TimestampValue(filter.from.startOfDay(Qt::UTC)));
     if (filter.to.isValid())
         add("r.tested_at < ?", TimestampValue(filter.to.addDays(1).startOfDay(Qt::UTC)));
-    if (filter.dueBefore.isValid())
+    if (filter.dueBefore.isValid()) {
         add("d.next_test < ?", DateValue(filter.dueBefore));
+        where.conditions << QStringLiteral("d.retired = 0 AND d.out_of_service = 0");
+    }
     return where;
 }
 
@@ -75,8 +83,10 @@ Where WhereFor(const ArchiveFilter &filter)
 QString FromSql(const ArchiveFilter &filter)
 {
     return filter.dueBefore.isValid()
-               ? QStringLiteral(" FROM devices d JOIN records r ON r.id = d.last_record_id")
-               : QStringLiteral(" FROM records r LEFT JOIN devices d ON d.device_id = r.device_id");
+               ? QStringLiteral(" FROM devices d JOIN records r ON r.id = d.last_record_id"
+                                " JOIN customers c ON c.id = r.customer_id")
+               : QStringLiteral(" FROM records r LEFT JOIN devices d ON d.customer_id = r.customer_id AND"
+                                " d.device_id = r.device_id JOIN customers c ON c.id = r.customer_id");
 }
 
 QString SelectSql(const ArchiveFilter &filter, const Where &where, int limit, qint64 offset)
@@ -124,23 +134,19 @@ ArchivedRecord RecordFromRow(const QSqlQuery &q)
                 q.value(21).toString()};
     r.importedAt = TimestampFrom(q.value(22));
     r.nextTest = DateFrom(q.value(23));
+    r.customerId = q.value(24).toLongLong();
+    r.customerName = q.value(25).toString();
     return r;
 }
 
-DueDevice DeviceFromRow(const QSqlQuery &q, const RetestIntervals &intervals)
+DueDevice DueFrom(const DeviceData &d, const RetestIntervals &intervals)
 {
-    DueDevice device;
-    device.deviceId = q.value(0).toString();
-    device.deviceType = q.value(1).toString();
-    device.regulation = q.value(2).toString();
-    device.lastTest = TimestampFrom(q.value(3));
-    device.lastRecordId = q.value(4).toLongLong();
-    device.nextTest = DateFrom(q.value(5));
-    device.intervalMonths = intervals.MonthsFor(device.deviceId, device.regulation);
-    return device;
+    return {d.key.customerId, d.customerName,
+            d.key.deviceId,   d.recordType,
+            d.regulation,     d.lastTest,
+            d.nextTest,       d.intervalMonths.value_or(intervals.MonthsFor({}, d.regulation)),
+            d.lastRecordId};
 }
-
-const char kDeviceColumns[] = "device_id, device_type, regulation, last_tested_at, last_record_id, next_test";
 
 } // namespace
 
@@ -170,7 +176,7 @@ qint64 CountRecords(Archive &archive, const ArchiveFilter &filter)
 {
     const Where where = WhereFor(filter);
     // Counting due devices needs no record: each device has exactly one latest. Counting records
-    // needs no device: a record has at most one (device ids are unique there).
+    // needs no device: a record has at most one (a device is one ID-Nr at one customer).
     const QString from = !filter.dueBefore.isValid() ? QStringLiteral(" FROM records r")
                          : where.onRecords           ? FromSql(filter)
                                                      : QStringLiteral(" FROM devices d");
@@ -181,37 +187,38 @@ qint64 CountRecords(Archive &archive, const ArchiveFilter &filter)
 std::optional<StoredRecord> FetchRecord(Archive &archive, qint64 id)
 {
     QSqlQuery query = archive.Exec(
-        QStringLiteral(
-            "SELECT %1, r.raw FROM records r LEFT JOIN devices d ON d.device_id = r.device_id WHERE r.id = ?")
-            .arg(QLatin1String(kColumns)),
-        {id});
+        QStringLiteral("SELECT %1, r.raw%2 WHERE r.id = ?").arg(QLatin1String(kColumns), FromSql({})), {id});
     if (!archive.Next(query))
         return std::nullopt;
-    return StoredRecord{RecordFromRow(query), query.value(24).toByteArray()};
+    return StoredRecord{RecordFromRow(query), query.value(26).toByteArray()};
 }
 
-QList<DueDevice> DueDevices(Archive &archive, const QDate &before, int limit)
+QList<DueDevice> DueDevices(Archive &archive, const QDate &before, int limit, const QString &customer)
 {
-    const RetestIntervals intervals = LoadIntervals(archive);
-    QString sql = QStringLiteral("SELECT %1 FROM devices WHERE next_test < ? ORDER BY next_test, device_id")
-                      .arg(QLatin1String(kDeviceColumns));
+    const RetestIntervals intervals = LoadRegulationIntervals(archive);
+    QString where = QStringLiteral("WHERE d.next_test < ? AND d.retired = 0 AND d.out_of_service = 0");
+    if (!customer.isEmpty())
+        where += QStringLiteral(" AND d.customer_id = (SELECT id FROM customers WHERE name = ?)");
+    where += QStringLiteral(" ORDER BY d.next_test, d.device_id, c.name");
     if (limit > 0)
-        sql += QStringLiteral(" LIMIT %1").arg(limit);
-    QSqlQuery query = archive.Exec(sql, {DateValue(before)});
+        where += QStringLiteral(" LIMIT %1").arg(limit);
+    const QList<DeviceData> found =
+        customer.isEmpty() ? SelectDevices(archive, where, {DateValue(before)})
+                           : SelectDevices(archive, where, {DateValue(before), CustomerName(customer)});
     QList<DueDevice> devices;
-    while (archive.Next(query))
-        devices.append(DeviceFromRow(query, intervals));
+    for (const DeviceData &d : found)
+        devices.append(DueFrom(d, intervals));
     return devices;
 }
 
-std::optional<DueDevice> DeviceStatus(Archive &archive, const QString &deviceId)
+std::optional<DueDevice> DeviceStatus(Archive &archive, const DeviceKey &device)
 {
-    QSqlQuery query = archive.Exec(
-        QStringLiteral("SELECT %1 FROM devices WHERE device_id = ?").arg(QLatin1String(kDeviceColumns)),
-        {deviceId});
-    if (!archive.Next(query))
+    const QList<DeviceData> found =
+        SelectDevices(archive, QStringLiteral("WHERE d.customer_id = ? AND d.device_id = ?"),
+                      {device.customerId, device.deviceId});
+    if (found.isEmpty())
         return std::nullopt;
-    return DeviceFromRow(query, LoadIntervals(archive));
+    return DueFrom(found.first(), LoadRegulationIntervals(archive));
 }
 
 VerifyResult VerifyArchive(Archive &archive)

@@ -27,10 +27,12 @@ struct StoredRecord {
 };
 std::optional<StoredRecord> FetchRecord(Archive &archive, qint64 id);
 
-// Devices whose next test falls before `before`, soonest first; `limit` 0 means all.
-QList<DueDevice> DueDevices(Archive &archive, const QDate &before, int limit = 0);
+// Devices whose next test falls before `before`, soonest first; `limit` 0 means all; only those of
+// the customer named exactly, when one is. Retired devices and those out of service are not due.
+QList<DueDevice> DueDevices(Archive &archive, const QDate &before, int limit = 0,
+                            const QString &customer = {});
 // One device's latest test and next test date; nullopt when no dated test of it is archived.
-std::optional<DueDevice> DeviceStatus(Archive &archive, const QString &deviceId);
+std::optional<DueDevice> DeviceStatus(Archive &archive, const DeviceKey &device);
 
 // A record whose bytes no longer match the SHA-256 they were stored with.
 struct ChangedRecord {

@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QDate>
 #include <QDateTime>
+#include <QHashFunctions>
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -31,7 +32,13 @@ struct RecordSource {
     QString testerSerial; // its serial number, when it was identified
     QString accessory;    // "KYM" when the record came through the accessory
     QString file;         // the record file it was read from or written to
+    // The customer of the records that do not name one (the accessory's fields 61..64); empty:
+    // kNoCustomer.
+    QString customer;
 };
+
+// The customer of records that name none and were read without one being chosen.
+inline const QString kNoCustomer = QStringLiteral("ohne Kunde");
 
 // One archived record: the searchable fields decoded from its bytes, where it came from, and the
 // next test of its device (when the device has a dated test).
@@ -59,14 +66,29 @@ struct ArchivedRecord {
     RecordSource source;
     QDateTime importedAt;
     QDate nextTest; // of the device; invalid when unknown
+    // The archive's customer the record belongs to: the one it names, or the one of its import.
+    qint64 customerId = 0;
+    QString customerName;
 };
+
+// A device: one ID-Nr at one customer of the archive.
+struct DeviceKey {
+    qint64 customerId = 0;
+    QString deviceId;
+    friend bool operator==(const DeviceKey &, const DeviceKey &) = default;
+};
+inline size_t qHash(const DeviceKey &key, size_t seed = 0)
+{
+    return qHashMulti(seed, key.customerId, key.deviceId);
+}
 
 // A search; every field that is set narrows it.
 struct ArchiveFilter {
-    QString deviceId; // exactly this device
-    QString type;     // part of the device type, any case
-    QString customer; // part of the customer's name, any case
-    QString text;     // part of any searchable field, any case
+    QString deviceId;     // exactly this device
+    QString type;         // part of the device type, any case
+    QString customer;     // part of the customer's name the record carries, any case
+    QString customerName; // exactly this customer of the archive
+    QString text;         // part of any searchable field, any case
     std::optional<bool> failed;
     QString regulation; // exactly this regulation name
     QDate from;         // tested on or after
@@ -77,6 +99,8 @@ struct ArchiveFilter {
 
 // The latest test of a device and when it must be tested again.
 struct DueDevice {
+    qint64 customerId = 0;
+    QString customerName;
     QString deviceId;
     QString deviceType;
     QString regulation;

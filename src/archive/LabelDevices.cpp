@@ -1,11 +1,13 @@
 // The devices that labels are printed for, and the device a label's code names.
 //
-// A device is its ID-Nr here, its customer the one of its latest record.
+// A device is an ID-Nr at one customer of the archive (the customer a record names, or the one
+// chosen for its import); the label shows that customer.
 #include "LabelDevices.h"
 
 #include "Archive.h"
 #include "ArchiveExport.h"
 #include "ArchiveQueries.h"
+#include "Customers.h"
 
 #include <QSet>
 
@@ -13,17 +15,17 @@ namespace kalvo::archive {
 
 namespace {
 
-std::optional<LabelDevice> LatestTest(Archive &archive, const QString &deviceId)
+std::optional<LabelDevice> LatestTest(Archive &archive, const DeviceKey &key)
 {
-    const std::optional<DueDevice> status = DeviceStatus(archive, deviceId);
+    const std::optional<DueDevice> status = DeviceStatus(archive, key);
     if (!status)
         return std::nullopt;
     const std::optional<StoredRecord> latest = FetchRecord(archive, status->lastRecordId);
     if (!latest)
         return std::nullopt;
-    const ArchivedRecord &r = latest->record;
-    return LabelDevice{r.customer,       deviceId, r.deviceType,        status->lastTest,
-                       status->nextTest, r.failed, status->lastRecordId};
+    return LabelDevice{status->customerName, key.deviceId,     latest->record.deviceType,
+                       status->lastTest,     status->nextTest, latest->record.failed,
+                       status->lastRecordId};
 }
 
 } // namespace
@@ -31,26 +33,27 @@ std::optional<LabelDevice> LatestTest(Archive &archive, const QString &deviceId)
 QList<LabelDevice> LabelDevices(Archive &archive, const QList<qint64> &recordIds)
 {
     QList<LabelDevice> devices;
-    QSet<QString> seen;
+    QSet<DeviceKey> seen;
     for (const qint64 id : recordIds) {
         const ArchivedRecord r = RecordOrError(archive, id).record;
-        if (r.deviceId.isEmpty() || seen.contains(r.deviceId))
+        const DeviceKey key{r.customerId, r.deviceId};
+        if (r.deviceId.isEmpty() || seen.contains(key))
             continue;
-        seen.insert(r.deviceId);
+        seen.insert(key);
         // An undated device has no latest test: its label shows the record it was chosen by.
-        devices << LatestTest(archive, r.deviceId)
-                       .value_or(
-                           LabelDevice{r.customer, r.deviceId, r.deviceType, r.testedAt, {}, r.failed, r.id});
+        devices << LatestTest(archive, key)
+                       .value_or(LabelDevice{
+                           r.customerName, r.deviceId, r.deviceType, r.testedAt, {}, r.failed, r.id});
     }
     return devices;
 }
 
 std::optional<LabelDevice> FindLabelDevice(Archive &archive, const LabelCode &code)
 {
-    std::optional<LabelDevice> device = LatestTest(archive, code.deviceId);
-    if (!device || device->customer != code.customer)
+    const std::optional<Customer> customer = FindCustomer(archive, CustomerName(code.customer));
+    if (!customer)
         return std::nullopt;
-    return device;
+    return LatestTest(archive, {customer->id, code.deviceId});
 }
 
 } // namespace kalvo::archive

@@ -2,7 +2,9 @@
 #include "RecordImport.h"
 
 #include "Archive.h"
+#include "Customers.h"
 #include "RetestIntervals.h"
+#include "WhoAndWhere.h"
 
 #include "link/Errors.h"
 #include "link/TextRules.h"
@@ -15,6 +17,7 @@
 #include <QThreadPool>
 #include <QtConcurrent/QtConcurrentMap>
 
+#include <functional>
 #include <map>
 
 namespace kalvo::archive {
@@ -64,21 +67,22 @@ const char kInsertRecord[] =
     "INSERT%2 INTO records (sha256, raw, tester_name, device_id, device_type, tested_at, regulation, failed,"
     " protection_class, applied_part, accessory_kind, accessory_type, maker, accessory_device_id, customer,"
     " street, post_code, town, source_tester, source_serial, source_accessory, source_file, imported_at,"
-    " type_key, customer_key, search_key) VALUES %1"
+    " type_key, customer_key, search_key, customer_id, import_id) VALUES %1"
     " ON CONFLICT (sha256) DO NOTHING RETURNING id, sha256";
-const int kRecordColumns = 26;
+const int kRecordColumns = 28;
 
-// The device's row follows its newest test; an older record read later leaves it alone.
+// The device's row follows its newest test; an older record read later leaves it alone, and what a
+// person entered about the device stays.
 const char kUpsertDevice[] =
-    "INSERT INTO devices (device_id, device_type, regulation, last_tested_at, last_record_id, next_test)"
-    " VALUES %1"
-    " ON CONFLICT (device_id) DO UPDATE SET device_type = excluded.device_type,"
+    "INSERT INTO devices (customer_id, device_id, device_type, regulation, last_tested_at, last_record_id,"
+    " next_test) VALUES %1"
+    " ON CONFLICT (customer_id, device_id) DO UPDATE SET device_type = excluded.device_type,"
     " regulation = excluded.regulation, last_tested_at = excluded.last_tested_at,"
     " last_record_id = excluded.last_record_id, next_test = excluded.next_test"
     " WHERE excluded.last_tested_at > devices.last_tested_at"
     " OR (excluded.last_tested_at = devices.last_tested_at AND excluded.last_record_id > "
     "devices.last_record_id)";
-const int kDeviceColumns = 6;
+const int kDeviceColumns = 7;
 
 // Placeholder names ":p0", ":p1", ..., made once. Qt formats such a name afresh for every value
 // bound by position, which took a fifth of an import's time.
@@ -131,12 +135,6 @@ private:
     std::map<int, QSqlQuery> m_prepared;
 };
 
-// Text columns hold "" rather than NULL for what a record does not say.
-QString Text(const QString &text)
-{
-    return text.isNull() ? QStringLiteral("") : text;
-}
-
 QString SearchKey(const ArchivedRecord &r)
 {
     return QStringList{r.deviceId,      r.deviceType,    r.testerName, r.regulation,
@@ -185,6 +183,47 @@ QDateTime TestTimestamp(const QByteArray &date, const QByteArray &time)
         clock = QTime(t[0], t[1], t.value(2));
     return QDateTime(day, clock.isValid() ? clock : QTime(0, 0), Qt::UTC);
 }
+
+namespace {
+
+// The customer of each record: the one it names, or the one chosen for the import. The customers
+// known are read at once (a lookup a customer took a third of a large import's time); a new one is
+// added when first met.
+void FindCustomers(Archive &archive, qsizetype count,
+                   const std::function<const ArchivedRecord &(qsizetype)> &described, qint64 chosen,
+                   QList<qint64> &ids)
+{
+    QHash<QString, qint64> known = CustomerIds(archive);
+    for (qsizetype k = 0; k < count; ++k) {
+        const ArchivedRecord &r = described(k);
+        if (r.customer.isEmpty()) {
+            ids[k] = chosen;
+            continue;
+        }
+        auto it = known.constFind(r.customer);
+        if (it == known.cend())
+            it = known.insert(r.customer,
+                              CustomerIdFor(archive, {0, r.customer, r.street, r.postCode, r.town}));
+        ids[k] = *it;
+    }
+}
+
+// The import's own row: when, from where, by whom; its counts are written at its end.
+qint64 AddImport(Archive &archive, const RecordSource &source, const QDateTime &now, qint64 customer)
+{
+    const WhoAndWhere who = CurrentWhoAndWhere();
+    QSqlQuery insert = archive.Exec(
+        QStringLiteral(
+            "INSERT INTO imports (imported_at, source_tester, source_serial, source_file, system_user,"
+            " host, kalvo_version, customer_id, added, known, refused)"
+            " VALUES (?, ?, ?, ?, ?, ?, ?, ?, 0, 0, 0) RETURNING id"),
+        {TimestampValue(now), TextValue(source.tester), TextValue(source.testerSerial),
+         TextValue(source.file), TextValue(who.user), TextValue(who.host), TextValue(who.version), customer});
+    archive.Next(insert);
+    return insert.value(0).toLongLong();
+}
+
+} // namespace
 
 ArchivedRecord DescribeRecord(const QByteArray &raw)
 {
@@ -238,35 +277,40 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
         }
     }
     const auto described = [&](qsizetype k) -> const ArchivedRecord & { return decoded[accepted[k]].record; };
-    const QVariant importedAt = TimestampValue(QDateTime::currentDateTimeUtc());
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    const QVariant importedAt = TimestampValue(now);
+    QList<qint64> customerIds(accepted.size()); // by the place in `accepted`, found in the transaction
+    qint64 importId = 0;
     const auto recordValues = [&](qsizetype k) {
         const ArchivedRecord &r = described(k);
         return QVariantList{QString::fromLatin1(r.sha256),
                             records[accepted[k]],
-                            Text(r.testerName),
-                            Text(r.deviceId),
-                            Text(r.deviceType),
+                            TextValue(r.testerName),
+                            TextValue(r.deviceId),
+                            TextValue(r.deviceType),
                             TimestampValue(r.testedAt),
-                            Text(r.regulation),
+                            TextValue(r.regulation),
                             r.failed ? 1 : 0,
-                            Text(r.protectionClass),
-                            Text(r.appliedPart),
-                            Text(r.accessoryKind),
-                            Text(r.accessoryType),
-                            Text(r.maker),
-                            Text(r.accessoryDeviceId),
-                            Text(r.customer),
-                            Text(r.street),
-                            Text(r.postCode),
-                            Text(r.town),
-                            Text(source.tester),
-                            Text(source.testerSerial),
-                            Text(source.accessory),
-                            Text(source.file),
+                            TextValue(r.protectionClass),
+                            TextValue(r.appliedPart),
+                            TextValue(r.accessoryKind),
+                            TextValue(r.accessoryType),
+                            TextValue(r.maker),
+                            TextValue(r.accessoryDeviceId),
+                            TextValue(r.customer),
+                            TextValue(r.street),
+                            TextValue(r.postCode),
+                            TextValue(r.town),
+                            TextValue(source.tester),
+                            TextValue(source.testerSerial),
+                            TextValue(source.accessory),
+                            TextValue(source.file),
                             importedAt,
-                            Text(r.deviceType.toLower()),
-                            Text(r.customer.toLower()),
-                            SearchKey(r)};
+                            TextValue(r.deviceType.toLower()),
+                            TextValue(r.customer.toLower()),
+                            SearchKey(r),
+                            customerIds[k],
+                            importId};
     };
     // Prepared outside the transaction, so that they outlive its rollback (PostgreSQL cannot free a
     // statement inside a failed transaction).
@@ -276,6 +320,9 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
     Statements devices(archive, QString::fromLatin1(kUpsertDevice), kDeviceColumns);
     archive.InBulkTransaction([&] {
         result.added = result.known = 0; // a retried transaction counts afresh
+        const qint64 chosenCustomer = CustomerIdFor(archive, {0, source.customer, {}, {}, {}});
+        FindCustomers(archive, accepted.size(), described, chosenCustomer, customerIds);
+        importId = AddImport(archive, source, now, chosenCustomer);
         const RetestIntervals intervals = LoadIntervals(archive);
         for (qsizetype first = 0; first < accepted.size(); first += kRowsPerStatement) {
             const int rows =
@@ -292,7 +339,7 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
                 newIds.insert(insert.value(1).toString().toLatin1(), insert.value(0).toLongLong());
             insert.finish();
             // Each device once a statement, with its newest test of these rows.
-            QMap<QString, std::pair<qsizetype, qint64>> newest;
+            QMap<std::pair<qint64, QString>, std::pair<qsizetype, qint64>> newest;
             for (qsizetype k = first; k < first + rows; ++k) {
                 const ArchivedRecord &r = described(k);
                 const qint64 id = newIds.take(r.sha256);
@@ -303,24 +350,27 @@ ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, c
                 ++result.added;
                 if (r.deviceId.isEmpty() || !r.testedAt.isValid())
                     continue; // no device to follow, or no date to count from
-                const auto it = newest.constFind(r.deviceId);
+                const std::pair<qint64, QString> key{customerIds[k], r.deviceId};
+                const auto it = newest.constFind(key);
                 if (it == newest.cend() || described(it->first).testedAt <= r.testedAt)
-                    newest.insert(r.deviceId, {k, id});
+                    newest.insert(key, {k, id});
             }
             if (newest.isEmpty())
                 continue;
             QSqlQuery &device = devices.ForRows(static_cast<int>(newest.size()));
             for (const auto &[k, id] : std::as_const(newest)) {
                 const ArchivedRecord &r = described(k);
-                const int months = intervals.MonthsFor(r.deviceId, r.regulation);
+                const int months = intervals.MonthsFor({customerIds[k], r.deviceId}, r.regulation);
                 for (const QVariant &value :
-                     {QVariant(r.deviceId), QVariant(r.deviceType), QVariant(r.regulation),
-                      TimestampValue(r.testedAt), QVariant(id),
+                     {QVariant(customerIds[k]), QVariant(r.deviceId), QVariant(r.deviceType),
+                      QVariant(r.regulation), TimestampValue(r.testedAt), QVariant(id),
                       DateValue(NextTestDate(r.testedAt.date(), months))})
                     devices.Bind(value);
             }
             archive.Run(device);
         }
+        archive.Exec(QStringLiteral("UPDATE imports SET added = ?, known = ?, refused = ? WHERE id = ?"),
+                     {result.added, result.known, static_cast<int>(result.refused.size()), importId});
     });
     return result;
 }

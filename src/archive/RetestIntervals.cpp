@@ -3,6 +3,7 @@
 
 #include "Archive.h"
 #include "ArchiveTypes.h"
+#include "DeviceData.h"
 
 #include "records/RecordDecoding.h"
 
@@ -25,22 +26,29 @@ void CheckMonths(int months)
                                .arg(kLongestIntervalMonths));
 }
 
-// Moves the next test of the devices `where` selects (one bound value) to their current interval.
-void RecomputeNextTests(Archive &archive, const QString &where, const QVariant &value)
+// Moves the next test of the devices `where` selects to their current interval.
+void RecomputeNextTests(Archive &archive, const QString &where, std::initializer_list<QVariant> values)
 {
     const RetestIntervals intervals = LoadIntervals(archive);
     QSqlQuery select = archive.Exec(
-        QStringLiteral("SELECT device_id, regulation, last_tested_at FROM devices WHERE ") + where, {value});
-    QList<std::pair<QString, QDate>> changes;
+        QStringLiteral("SELECT customer_id, device_id, regulation, last_tested_at FROM devices WHERE ") +
+            where,
+        values);
+    QList<std::pair<DeviceKey, QDate>> changes;
     while (archive.Next(select)) {
-        const QString device = select.value(0).toString();
-        const int months = intervals.MonthsFor(device, select.value(1).toString());
-        changes.append({device, NextTestDate(TimestampFrom(select.value(2)).date(), months)});
+        const DeviceKey device{select.value(0).toLongLong(), select.value(1).toString()};
+        const int months = intervals.MonthsFor(device, select.value(2).toString());
+        changes.append({device, NextTestDate(TimestampFrom(select.value(3)).date(), months)});
     }
-    QSqlQuery update =
-        archive.Prepare(QStringLiteral("UPDATE devices SET next_test = ? WHERE device_id = ?"));
+    QSqlQuery update = archive.Prepare(
+        QStringLiteral("UPDATE devices SET next_test = ? WHERE customer_id = ? AND device_id = ?"));
     for (const auto &[device, next] : changes)
-        archive.Run(update, {DateValue(next), device});
+        archive.Run(update, {DateValue(next), device.customerId, device.deviceId});
+}
+
+QString MonthsText(std::optional<int> months)
+{
+    return months ? QString::number(*months) : QString();
 }
 
 } // namespace
@@ -54,23 +62,31 @@ QList<std::pair<QString, int>> DefaultRegulationIntervals()
     return intervals;
 }
 
-int RetestIntervals::MonthsFor(const QString &deviceId, const QString &regulation) const
+int RetestIntervals::MonthsFor(const DeviceKey &device, const QString &regulation) const
 {
-    if (const auto own = byDevice.constFind(deviceId); own != byDevice.cend())
+    if (const auto own = byDevice.constFind(device); own != byDevice.cend())
         return *own;
     return byRegulation.value(regulation, kAppliancesIntervalMonths);
 }
 
-RetestIntervals LoadIntervals(Archive &archive)
+RetestIntervals LoadRegulationIntervals(Archive &archive)
 {
     RetestIntervals intervals;
     QSqlQuery regulations =
         archive.Exec(QStringLiteral("SELECT regulation, months FROM regulation_intervals"));
     while (archive.Next(regulations))
         intervals.byRegulation.insert(regulations.value(0).toString(), regulations.value(1).toInt());
-    QSqlQuery devices = archive.Exec(QStringLiteral("SELECT device_id, months FROM device_intervals"));
+    return intervals;
+}
+
+RetestIntervals LoadIntervals(Archive &archive)
+{
+    RetestIntervals intervals = LoadRegulationIntervals(archive);
+    QSqlQuery devices = archive.Exec(QStringLiteral(
+        "SELECT customer_id, device_id, interval_months FROM devices WHERE interval_months IS NOT NULL"));
     while (archive.Next(devices))
-        intervals.byDevice.insert(devices.value(0).toString(), devices.value(1).toInt());
+        intervals.byDevice.insert({devices.value(0).toLongLong(), devices.value(1).toString()},
+                                  devices.value(2).toInt());
     return intervals;
 }
 
@@ -83,27 +99,43 @@ void SetRegulationInterval(Archive &archive, const QString &regulation, int mont
 {
     CheckMonths(months);
     archive.InTransaction([&] {
+        QSqlQuery old = archive.Exec(
+            QStringLiteral("SELECT months FROM regulation_intervals WHERE regulation = ?"), {regulation});
+        const std::optional<int> before =
+            archive.Next(old) ? std::optional<int>(old.value(0).toInt()) : std::nullopt;
+        old.finish();
         archive.Exec(QStringLiteral("DELETE FROM regulation_intervals WHERE regulation = ?"), {regulation});
         archive.Exec(QStringLiteral("INSERT INTO regulation_intervals (regulation, months) VALUES (?, ?)"),
                      {regulation, months});
-        RecomputeNextTests(archive,
-                           QStringLiteral("regulation = ? AND device_id NOT IN (SELECT device_id FROM "
-                                          "device_intervals)"),
-                           regulation);
+        if (before != months)
+            WriteDeviceChange(archive, {}, QStringLiteral("regulation_interval:") + regulation,
+                              MonthsText(before), MonthsText(months));
+        RecomputeNextTests(archive, QStringLiteral("regulation = ? AND interval_months IS NULL"),
+                           {regulation});
     });
 }
 
-void SetDeviceInterval(Archive &archive, const QString &deviceId, std::optional<int> months)
+void SetDeviceIntervalIn(Archive &archive, const DeviceKey &device, std::optional<int> months)
 {
     if (months)
         CheckMonths(*months);
-    archive.InTransaction([&] {
-        archive.Exec(QStringLiteral("DELETE FROM device_intervals WHERE device_id = ?"), {deviceId});
-        if (months)
-            archive.Exec(QStringLiteral("INSERT INTO device_intervals (device_id, months) VALUES (?, ?)"),
-                         {deviceId, *months});
-        RecomputeNextTests(archive, QStringLiteral("device_id = ?"), deviceId);
-    });
+    const std::optional<int> before = LoadDeviceData(archive, device).intervalMonths;
+    if (before == months)
+        return;
+    archive.Exec(
+        QStringLiteral("UPDATE devices SET interval_months = ? WHERE customer_id = ? AND device_id = ?"),
+        {months ? QVariant(*months) : QVariant(QMetaType(QMetaType::Int)), device.customerId,
+         device.deviceId});
+    WriteDeviceChange(archive, device, QStringLiteral("interval"), MonthsText(before), MonthsText(months));
+    RecomputeNextTests(archive, QStringLiteral("customer_id = ? AND device_id = ?"),
+                       {device.customerId, device.deviceId});
+}
+
+void SetDeviceInterval(Archive &archive, const DeviceKey &device, std::optional<int> months)
+{
+    if (months)
+        CheckMonths(*months);
+    archive.InTransaction([&] { SetDeviceIntervalIn(archive, device, months); });
 }
 
 } // namespace kalvo::archive

@@ -4,10 +4,13 @@
 #include "CliCommand.h"
 #include "CliContext.h"
 #include "CliWords.h"
+#include "DeviceCommands.h"
 
 #include "archive/Archive.h"
 #include "archive/ArchiveExport.h"
 #include "archive/ArchiveQueries.h"
+#include "archive/Customers.h"
+#include "archive/DeviceData.h"
 #include "archive/RecordImport.h"
 #include "archive/RetestIntervals.h"
 #include "records/RecordFiles.h"
@@ -22,17 +25,18 @@ namespace kalvo::cli {
 
 namespace {
 
-const QString kIntervalSynopsis = QStringLiteral(
-    "interval [--json] | interval --regulation NAME MONTHS | interval --device ID MONTHS|default");
+const QString kIntervalSynopsis =
+    QStringLiteral("interval [--json] | interval --regulation NAME MONTHS | interval --device ID "
+                   "[--customer NAME] MONTHS|default");
 const QString kUsage =
-    QStringLiteral(
-        "import FILE... | list [FILTER] [--json] | show N [--pdf OUT] | export OUT.csv [FILTER] | verify | "
-        "due [--before DATE] [--json] | %1 | %2 | %3")
-        .arg(kIntervalSynopsis, kBackupSynopsis, ArchivePaperSynopsis());
-const QStringList kFilterOptions = {QStringLiteral("--device"),     QStringLiteral("--type"),
-                                    QStringLiteral("--customer"),   QStringLiteral("--text"),
-                                    QStringLiteral("--regulation"), QStringLiteral("--since"),
-                                    QStringLiteral("--until"),      QStringLiteral("--due-before")};
+    QStringLiteral("import [--customer NAME] FILE... | list [FILTER] [--json] | show N [--pdf OUT] | "
+                   "export OUT.csv [FILTER] | verify | due [--before DATE] [--customer NAME] [--json] | %1 | "
+                   "%2 | %3 | %4")
+        .arg(kIntervalSynopsis, DeviceSynopsis(), kBackupSynopsis, ArchivePaperSynopsis());
+const QStringList kFilterOptions = {
+    QStringLiteral("--device"), QStringLiteral("--type"),       QStringLiteral("--customer"),
+    QStringLiteral("--text"),   QStringLiteral("--regulation"), QStringLiteral("--since"),
+    QStringLiteral("--until"),  QStringLiteral("--due-before"), QStringLiteral("--customer-name")};
 
 // "2024-03-01" or "01.03.2024".
 QDate DateArgument(const QString &word, const QString &what)
@@ -56,6 +60,7 @@ archive::ArchiveFilter FilterFrom(const Words &w)
     filter.deviceId = text("--device");
     filter.type = text("--type");
     filter.customer = text("--customer");
+    filter.customerName = text("--customer-name");
     filter.text = text("--text");
     filter.regulation = text("--regulation");
     filter.from = date("--since");
@@ -92,17 +97,19 @@ QJsonObject Json(const archive::ArchivedRecord &record)
 // Lists, reports and checks only read: they create no archive and need no write lock.
 constexpr auto kRead = archive::ArchiveAccess::Read;
 
-int Import(CliContext &context, const QStringList &files)
+int Import(CliContext &context, const Words &w)
 {
+    const QStringList files = w.positional.mid(1);
     if (files.isEmpty())
-        throw Usage(UsageText::Expected, {QStringLiteral("import FILE...")});
+        throw Usage(UsageText::Expected, {QStringLiteral("import [--customer NAME] FILE...")});
     QTextStream &out = context.out();
     int exitCode = kExitDone;
     for (const QString &file : files) {
         try {
             const QString path = QFileInfo(file).absoluteFilePath();
             const archive::ImportResult result =
-                archive::ImportRecords(context.archive(), records::LoadRecordFile(file), {{}, {}, {}, path});
+                archive::ImportRecords(context.archive(), records::LoadRecordFile(file),
+                                       {{}, {}, {}, path, w.options.value(QStringLiteral("--customer"))});
             out << QDir::toNativeSeparators(file) << ": " << result.added << " neu, " << result.known
                 << " schon im Archiv, " << result.refused.size() << " abgelehnt\n";
             for (const QString &refused : result.refused)
@@ -189,18 +196,20 @@ int Verify(CliContext &context, const Words &w)
 int Due(CliContext &context, const Words &w)
 {
     if (w.positional.size() != 1)
-        throw Usage(UsageText::Expected, {QStringLiteral("due [--before DATE] [--json]")});
+        throw Usage(UsageText::Expected, {QStringLiteral("due [--before DATE] [--customer NAME] [--json]")});
     // Without a date: what is due today or overdue.
     const QDate before =
         w.options.contains(QStringLiteral("--before"))
             ? DateArgument(w.options.value(QStringLiteral("--before")), QStringLiteral("--before"))
             : QDate::currentDate().addDays(1);
     QTextStream &out = context.out();
-    const QList<archive::DueDevice> due = archive::DueDevices(context.archive(kRead), before);
+    const QList<archive::DueDevice> due =
+        archive::DueDevices(context.archive(kRead), before, 0, w.options.value(QStringLiteral("--customer")));
     if (w.flags.contains(QStringLiteral("--json"))) {
         QJsonArray list;
         for (const archive::DueDevice &d : due)
             list.append(QJsonObject{{QStringLiteral("nextTest"), Day(d.nextTest)},
+                                    {QStringLiteral("customer"), d.customerName},
                                     {QStringLiteral("deviceId"), d.deviceId},
                                     {QStringLiteral("deviceType"), d.deviceType},
                                     {QStringLiteral("regulation"), d.regulation},
@@ -211,9 +220,9 @@ int Due(CliContext &context, const Words &w)
         return kExitDone;
     }
     for (const archive::DueDevice &d : due)
-        out << Day(d.nextTest) << '\t' << d.deviceId << '\t' << d.deviceType << '\t' << d.regulation << '\t'
-            << QStringLiteral("zuletzt ") << Moment(d.lastTest) << '\t' << d.intervalMonths << " Monate\t Nr "
-            << d.lastRecordId << '\n';
+        out << Day(d.nextTest) << '\t' << d.customerName << '\t' << d.deviceId << '\t' << d.deviceType << '\t'
+            << d.regulation << '\t' << QStringLiteral("zuletzt ") << Moment(d.lastTest) << '\t'
+            << d.intervalMonths << " Monate\t Nr " << d.lastRecordId << '\n';
     return kExitDone;
 }
 
@@ -224,6 +233,9 @@ int Interval(CliContext &context, const Words &w)
     const QString device = w.options.value(QStringLiteral("--device"));
     if (w.positional.size() == 1 && w.options.isEmpty()) {
         const archive::RetestIntervals intervals = archive::LoadIntervals(archive);
+        QHash<qint64, QString> customers;
+        for (const archive::Customer &customer : archive::ListCustomers(archive))
+            customers.insert(customer.id, customer.name);
         if (w.flags.contains(QStringLiteral("--json"))) {
             QJsonArray list;
             for (const auto &[name, months] : archive::DefaultRegulationIntervals())
@@ -232,24 +244,28 @@ int Interval(CliContext &context, const Words &w)
                                 {QStringLiteral("regulation"), name}});
             for (auto it = intervals.byDevice.cbegin(); it != intervals.byDevice.cend(); ++it)
                 list.append(QJsonObject{{QStringLiteral("months"), it.value()},
-                                        {QStringLiteral("device"), it.key()}});
+                                        {QStringLiteral("customer"), customers.value(it.key().customerId)},
+                                        {QStringLiteral("device"), it.key().deviceId}});
             context.PrintJson(list);
             return kExitDone;
         }
         for (const auto &[name, months] : archive::DefaultRegulationIntervals())
             context.out() << intervals.byRegulation.value(name, months) << " Monate\t" << name << '\n';
         for (auto it = intervals.byDevice.cbegin(); it != intervals.byDevice.cend(); ++it)
-            context.out() << it.value() << " Monate\tGerät " << it.key() << '\n';
+            context.out() << it.value() << " Monate\tGerät " << it.key().deviceId << '\t'
+                          << customers.value(it.key().customerId) << '\n';
         return kExitDone;
     }
     if (w.positional.size() != 2 || regulation.isEmpty() == device.isEmpty() || !w.flags.isEmpty())
         throw Usage(UsageText::Expected, {kIntervalSynopsis});
     const QString value = w.positional[1];
     if (!device.isEmpty()) {
-        archive::SetDeviceInterval(archive, device,
-                                   value == QLatin1String("default")
-                                       ? std::nullopt
-                                       : std::optional<int>(NumberArgument(value, QStringLiteral("MONTHS"))));
+        const std::optional<int> months =
+            value == QLatin1String("default")
+                ? std::nullopt
+                : std::optional<int>(NumberArgument(value, QStringLiteral("MONTHS")));
+        archive::SetDeviceInterval(
+            archive, OneDevice(archive, device, w.options.value(QStringLiteral("--customer"))).key, months);
         return kExitDone;
     }
     archive::SetRegulationInterval(archive, regulation, NumberArgument(value, QStringLiteral("MONTHS")));
@@ -260,7 +276,7 @@ int Archive(CliContext &context, const QStringList &words)
 {
     const QString action = words.value(0);
     if (action == QLatin1String("import"))
-        return Import(context, words.mid(1));
+        return Import(context, SplitWords(words, {QStringLiteral("--customer")}));
     if (action == QLatin1String("list"))
         return List(context, SplitWords(words, kFilterOptions,
                                         {QStringLiteral("--failed"), QStringLiteral("--passed"),
@@ -273,11 +289,16 @@ int Archive(CliContext &context, const QStringList &words)
     if (action == QLatin1String("verify"))
         return Verify(context, SplitWords(words, {}));
     if (action == QLatin1String("due"))
-        return Due(context, SplitWords(words, {QStringLiteral("--before")}, {QStringLiteral("--json")}));
+        return Due(context, SplitWords(words, {QStringLiteral("--before"), QStringLiteral("--customer")},
+                                       {QStringLiteral("--json")}));
     if (action == QLatin1String("interval"))
-        return Interval(context,
-                        SplitWords(words, {QStringLiteral("--regulation"), QStringLiteral("--device")},
-                                   {QStringLiteral("--json")}));
+        return Interval(context, SplitWords(words,
+                                            {QStringLiteral("--regulation"), QStringLiteral("--device"),
+                                             QStringLiteral("--customer")},
+                                            {QStringLiteral("--json")}));
+    // archive device ...
+    if (action == QLatin1String("device"))
+        return ArchiveDevice(context, words);
     if (action == QLatin1String("backup"))
         return ArchiveBackup(context, words);
     if (action == QLatin1String("restore"))
@@ -295,12 +316,13 @@ QList<CliCommand> ArchiveCommands()
         {QStringLiteral("archive"), kUsage,
          QStringLiteral(
              "the record archive: import record files, list and search (FILTER: --device ID --type T "
-             "--customer C --text T --regulation NAME --since DATE --until DATE --due-before DATE "
+             "--customer C (part of the record's customer) --customer-name NAME (exactly this customer "
+             "of the archive) --text T --regulation NAME --since DATE --until DATE --due-before DATE "
              "--failed --passed), a record's report with its SHA-256 (or as PDF), CSV export, "
              "check every record's bytes against its hash, the devices due for a test, re-test "
-             "intervals, a backup of the archive while it is in use and its restoring into an empty "
-             "archive, "
-             "test labels with QR codes and signed reports (PDF/A) of what FILTER finds, "
+             "intervals, a device's own data (records without a customer go to \"ohne Kunde\" or to "
+             "the customer given), a backup of the archive while it is in use and its restoring into "
+             "an empty archive, test labels with QR codes and signed reports (PDF/A) of what FILTER finds, "
              "a label's device found by its QR text"),
          Archive},
     };

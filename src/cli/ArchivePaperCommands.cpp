@@ -100,6 +100,7 @@ int Find(CliContext &context, const Words &w)
     out << "Verlauf:\n";
     archive::ArchiveFilter history;
     history.deviceId = device->deviceId;
+    history.customerName = device->customer;
     archive::ForEachRecord(archive, history, [&out](const archive::ArchivedRecord &r) {
         out << "  Nr " << r.id << '\t'
             << (r.testedAt.isValid() ? r.testedAt.toString(QStringLiteral("dd.MM.yyyy HH:mm"))

@@ -126,8 +126,11 @@ archive::Archive &CliContext::archive(archive::ArchiveAccess access)
 
 bool CliContext::KeepInArchive(const QList<QByteArray> &records, const archive::RecordSource &source)
 {
+    archive::RecordSource withCustomer = source;
+    if (withCustomer.customer.isEmpty())
+        withCustomer.customer = m_options.customer;
     const archive::KeepOutcome outcome =
-        archive::KeepReadRecords(records, source, m_options.archiveUrl, m_options.noArchive);
+        archive::KeepReadRecords(records, withCustomer, m_options.archiveUrl, m_options.noArchive);
     for (const QString &message : outcome.messages)
         m_prompter.message(message,
                            outcome.failed ? link::Prompter::Icon::Critical : link::Prompter::Icon::Warning);

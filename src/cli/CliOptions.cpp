@@ -26,6 +26,7 @@ constexpr GlobalOption kGlobalOptions[] = {
      "nederlandske, spain"},
     {"archive", "URL", "the record archive (default: as the user settings say)"},
     {"no-archive", nullptr, "keep the records read out of the archive"},
+    {"customer", "NAME", "the archive's customer of records read that name none (default: \"ohne Kunde\")"},
 };
 
 } // namespace
@@ -51,6 +52,7 @@ CliOptions ParseCliOptions(const QStringList &arguments)
     options.language = parser.value(QStringLiteral("lang"));
     options.archiveUrl = parser.value(QStringLiteral("archive"));
     options.noArchive = parser.isSet(QStringLiteral("no-archive"));
+    options.customer = parser.value(QStringLiteral("customer"));
     options.help = parser.isSet(help);
     options.version = parser.isSet(QStringLiteral("version"));
     options.words = parser.positionalArguments();

@@ -18,6 +18,7 @@ struct CliOptions {
     QString language;       // the program's language, by its language name
     QString archiveUrl;     // the record archive; empty: as the user settings say
     bool noArchive = false; // records read are not put into the archive
+    QString customer;       // the archive's customer of records read that name none
     bool help = false;      // -h, --help: the list of commands
     bool version = false;   // --version
     QStringList words;      // the command, its action and its arguments

@@ -80,7 +80,7 @@ void ExpectDevicesMatchTheirRecords(Archive &archive)
     EXPECT_GT(devices, 0);
 }
 
-class ArchiveBackupTest : public WithArchiveOnBothBackends {
+class ArchiveBackupTest : public OnBothBackendsOpen {
 protected:
     QString BackupPath() const { return m_dir.filePath(QStringLiteral("sicherung.sqlite")); }
 
@@ -160,6 +160,29 @@ TEST_P(ArchiveBackupTest, ABackupTakenDuringAnImportIsConsistentAndRestoresOnEit
         EXPECT_EQ(CountRecords(*target, {}), copied + kBatch);
     }
     EXPECT_EQ(Content(copy), content); // the backup itself is only read
+}
+
+// A backup that kalvo of the first schema made (data/) restores into today's archive: brought up to
+// date in a copy, its records keep their bytes, and the two customers' E-0815 stay two devices.
+TEST_P(ArchiveBackupTest, ABackupOfTheFirstSchemaRestoresIntoTodaysArchive)
+{
+    const QString fixture = QStringLiteral(KALVO_ARCHIVE_DATA "/archive-schema1.sqlite");
+    ASSERT_TRUE(QFile::copy(fixture, BackupPath()));
+    QFile::setPermissions(BackupPath(), QFile::ReadOwner);
+    const QByteArray before = [&] {
+        QFile file(BackupPath());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }();
+    EXPECT_EQ(RestoreArchive(archive(), BackupPath()).records, 8);
+    EXPECT_TRUE(VerifyArchive(archive()).changed.isEmpty());
+    QStringList e0815;
+    for (const DueDevice &d : DueDevices(archive(), QDate(2030, 1, 1)))
+        if (d.deviceId == QLatin1String("E-0815"))
+            e0815 << d.customerName + QLatin1Char(' ') + d.nextTest.toString(Qt::ISODate);
+    EXPECT_EQ(e0815, (QStringList{"Mueller GmbH 2024-07-12", "Schmidt KG 2024-12-03"}));
+    QFile after(BackupPath());
+    ASSERT_TRUE(after.open(QIODevice::ReadOnly));
+    EXPECT_EQ(after.readAll(), before); // the backup itself is only read
 }
 
 TEST_P(ArchiveBackupTest, RestoreIntoAnArchiveThatHoldsRecordsIsRefusedAndChangesNothing)

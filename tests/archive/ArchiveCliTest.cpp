@@ -37,7 +37,9 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
     SimProcess sim;
     ASSERT_TRUE(sim.started());
     const QStringList archive = {QStringLiteral("--archive"), m_place->url()};
-    RunResult read = RunCli(sim, archive + QStringList{"records", "read-all", File("alle.txt")});
+    // Records that name no customer go to the one given.
+    RunResult read = RunCli(
+        sim, archive + QStringList{"--customer", "Werkstatt", "records", "read-all", File("alle.txt")});
     ASSERT_EQ(read.exitCode, 0) << read.err.toStdString();
     const QList<QByteArray> file = records::LoadRecordFile(File("alle.txt"));
     ASSERT_GT(file.size(), 5);
@@ -58,7 +60,7 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
     QByteArray older = file[0];
     older.replace("12.01.09", "11.01.08");
     ASSERT_TRUE(WriteFile(File("alt.txt"), older));
-    const RunResult imported = Cli({"archive", "import", File("alt.txt")});
+    const RunResult imported = Cli({"archive", "import", "--customer", "Werkstatt", File("alt.txt")});
     EXPECT_EQ(imported.exitCode, 0) << imported.err.toStdString();
     EXPECT_TRUE(imported.out.contains(QStringLiteral(": 1 neu, 0 schon im Archiv, 0 abgelehnt")));
 
@@ -79,15 +81,16 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
                   QStringLiteral("nicht bestanden"));
 
     const RunResult due = Cli({"archive", "due", "--before", "2010-01-13"});
-    EXPECT_TRUE(due.out.contains(QStringLiteral("2010-01-12\tE-0815\t"))) << due.out.toStdString();
+    EXPECT_TRUE(due.out.contains(QStringLiteral("2010-01-12\tWerkstatt\tE-0815\t"))) << due.out.toStdString();
     // The same devices as one JSON document.
     const RunResult dueJson = Cli({"archive", "due", "--before=2010-01-13", "--json"});
     ASSERT_EQ(dueJson.exitCode, 0) << dueJson.err.toStdString();
     QStringList dueLines;
     for (const QJsonValue &value : QJsonDocument::fromJson(dueJson.out.toUtf8()).array()) {
         const QJsonObject d = value.toObject();
-        dueLines << QStringLiteral("%1\t%2\t%3\t%4\tzuletzt %5\t%6 Monate\t Nr %7")
+        dueLines << QStringLiteral("%1\t%2\t%3\t%4\t%5\tzuletzt %6\t%7 Monate\t Nr %8")
                         .arg(d[QStringLiteral("nextTest")].toString(),
+                             d[QStringLiteral("customer")].toString(),
                              d[QStringLiteral("deviceId")].toString(),
                              d[QStringLiteral("deviceType")].toString(),
                              d[QStringLiteral("regulation")].toString(),
@@ -103,7 +106,7 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
     EXPECT_TRUE(Cli({"archive", "list", "--device", "E-0815"})
                     .out.contains(QStringLiteral("nächste Prüfung 2009-07-12")));
     const RunResult intervals = Cli({"archive", "interval"});
-    EXPECT_TRUE(intervals.out.contains(QStringLiteral("6 Monate\tGerät E-0815")));
+    EXPECT_TRUE(intervals.out.contains(QStringLiteral("6 Monate\tGerät E-0815\tWerkstatt")));
     QStringList intervalLines;
     for (const QJsonValue &value :
          QJsonDocument::fromJson(Cli({"archive", "interval", "--json"}).out.toUtf8()).array()) {
@@ -111,7 +114,8 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
         intervalLines << QStringLiteral("%1 Monate\t%2")
                              .arg(i[QStringLiteral("months")].toInt())
                              .arg(i.contains(QStringLiteral("device"))
-                                      ? QStringLiteral("Gerät ") + i[QStringLiteral("device")].toString()
+                                      ? QStringLiteral("Gerät ") + i[QStringLiteral("device")].toString() +
+                                            QLatin1Char('\t') + i[QStringLiteral("customer")].toString()
                                       : i[QStringLiteral("regulation")].toString());
     }
     EXPECT_EQ(intervalLines, intervals.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts));
@@ -119,6 +123,27 @@ TEST_P(ArchiveCliTest, RecordsReadFromTheTesterFillTheArchiveOnceWithHistoryAndN
     EXPECT_TRUE(Cli({"archive", "due", "--before", "2010-01-13"}).out.contains(QStringLiteral("E-0815")));
     EXPECT_EQ(Cli({"archive", "interval", "--regulation", "DIN VDE 0702", "0"}).exitCode, 1);
     EXPECT_EQ(Cli({"archive", "list", "--since", "gestern"}).exitCode, 2);
+
+    // The same ID-Nr read for another customer is another device with its own next test.
+    ASSERT_TRUE(WriteFile(File("kunde.txt"), MakeRecord({.device = "E-0815", .date = "01.06.09"})));
+    EXPECT_EQ(Cli({"archive", "import", "--customer", "Schmidt KG", File("kunde.txt")}).exitCode, 0);
+    const RunResult both = Cli({"archive", "due", "--before", "2011-01-01"});
+    EXPECT_TRUE(both.out.contains(QStringLiteral("2010-01-12\tWerkstatt\tE-0815\t")))
+        << both.out.toStdString();
+    EXPECT_TRUE(both.out.contains(QStringLiteral("2010-06-01\tSchmidt KG\tE-0815\t")))
+        << both.out.toStdString();
+    const RunResult schmidt = Cli({"archive", "due", "--before", "2011-01-01", "--customer", "Schmidt KG"});
+    EXPECT_EQ(schmidt.out.count(QLatin1Char('\n')), 1) << schmidt.out.toStdString();
+    // Device data by the CLI: a name is needed where one ID-Nr is at two customers.
+    EXPECT_EQ(Cli({"archive", "device", "set", "E-0815", "--location", "Lager"}).exitCode, 1);
+    EXPECT_EQ(Cli({"archive", "device", "set", "E-0815", "--customer", "Schmidt KG", "--location", "Lager"})
+                  .exitCode,
+              0);
+    EXPECT_EQ(Cli({"archive", "device", "retire", "E-0815", "--customer", "Schmidt KG"}).exitCode, 0);
+    EXPECT_TRUE(Cli({"archive", "device", "history", "E-0815", "--customer", "Schmidt KG"})
+                    .out.contains(QStringLiteral("location\t -> Lager")));
+    EXPECT_FALSE(
+        Cli({"archive", "due", "--before", "2011-01-01"}).out.contains(QStringLiteral("Schmidt KG")));
 }
 
 TEST_P(ArchiveCliTest, NoArchiveLeavesItAlone)

@@ -105,8 +105,8 @@ protected:
     std::unique_ptr<ArchivePlace> m_place;
 };
 
-// A test on each backend with the archive of its fresh place open.
-class WithArchiveOnBothBackends : public OnBothBackends {
+// The same with the archive opened.
+class OnBothBackendsOpen : public OnBothBackends {
 protected:
     void SetUp() override
     {
@@ -115,7 +115,6 @@ protected:
             m_archive = m_place->Open();
     }
     archive::Archive &archive() { return *m_archive; }
-
     std::unique_ptr<archive::Archive> m_archive;
 };
 

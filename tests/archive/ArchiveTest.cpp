@@ -2,6 +2,7 @@
 #include "ArchiveSamples.h"
 
 #include "archive/ArchiveQueries.h"
+#include "archive/Customers.h"
 #include "archive/RecordImport.h"
 #include "archive/RetestIntervals.h"
 
@@ -14,8 +15,14 @@ using namespace kalvo::testing;
 
 namespace {
 
-class ArchiveTest : public WithArchiveOnBothBackends {
+class ArchiveTest : public OnBothBackendsOpen {
 protected:
+    // A device of records that name no customer.
+    DeviceKey Key(const QString &device)
+    {
+        const std::optional<Customer> none = FindCustomer(archive(), kNoCustomer);
+        return {none ? none->id : 0, device};
+    }
     QStringList Devices(const ArchiveFilter &filter)
     {
         QStringList devices;
@@ -111,7 +118,7 @@ TEST_P(ArchiveTest, AnImportThatFailsHalfWayKeepsNothingOfItselfAndAllBefore)
     EXPECT_THROW(ImportRecords(archive(), batch, {}), ArchiveError);
 
     EXPECT_EQ(Devices({}), QStringList{QStringLiteral("KEEP")});
-    EXPECT_FALSE(DeviceStatus(archive(), QStringLiteral("NEW-1")));
+    EXPECT_FALSE(DeviceStatus(archive(), Key(QStringLiteral("NEW-1"))));
     // The archive stays usable.
     archive().Exec(postgres ? QStringLiteral("DROP INDEX one_per_type")
                             : QStringLiteral("DROP TRIGGER refuse"));
@@ -139,7 +146,7 @@ TEST_P(ArchiveTest, ADeviceHistoryIsNewestFirstAndItsNextTestFollowsTheNewestTes
     }
     EXPECT_EQ(days, (QList<QDate>{{2022, 3, 5}, {2021, 3, 5}, {2021, 3, 5}, {2020, 1, 1}}));
     EXPECT_EQ(times[1], QTime(11, 0));
-    const std::optional<DueDevice> status = DeviceStatus(archive(), QStringLiteral("H"));
+    const std::optional<DueDevice> status = DeviceStatus(archive(), Key(QStringLiteral("H")));
     ASSERT_TRUE(status);
     EXPECT_EQ(status->lastTest.date(), QDate(2022, 3, 5));
     EXPECT_EQ(status->nextTest, QDate(2023, 3, 5));
@@ -157,12 +164,12 @@ TEST_P(ArchiveTest, IntervalsPerRegulationAndPerDeviceMoveTheNextTest)
                    MakeRecord({.device = "M1", .date = "10.02.24", .regulation = '6'})},
                   {});
     const auto next = [&](const char *device) {
-        return DeviceStatus(archive(), QString::fromLatin1(device))->nextTest;
+        return DeviceStatus(archive(), Key(QString::fromLatin1(device)))->nextTest;
     };
     EXPECT_EQ(next("P1"), QDate(2025, 2, 10));
     EXPECT_EQ(next("M1"), QDate(2026, 2, 10));
 
-    SetDeviceInterval(archive(), QStringLiteral("P2"), 3);
+    SetDeviceInterval(archive(), Key(QStringLiteral("P2")), 3);
     SetRegulationInterval(archive(), QStringLiteral("DIN VDE 0702"), 6);
     EXPECT_EQ(next("P1"), QDate(2024, 8, 10));
     EXPECT_EQ(next("P2"), QDate(2024, 5, 10)); // its own interval wins
@@ -171,7 +178,7 @@ TEST_P(ArchiveTest, IntervalsPerRegulationAndPerDeviceMoveTheNextTest)
     ImportRecords(archive(), {MakeRecord({.device = "P3", .date = "31.08.24"})}, {});
     EXPECT_EQ(next("P3"), QDate(2025, 2, 28));
 
-    SetDeviceInterval(archive(), QStringLiteral("P2"), std::nullopt);
+    SetDeviceInterval(archive(), Key(QStringLiteral("P2")), std::nullopt);
     EXPECT_EQ(next("P2"), QDate(2024, 8, 10));
     EXPECT_THROW(SetRegulationInterval(archive(), QStringLiteral("DIN VDE 0702"), 0), ArchiveError);
     EXPECT_EQ(next("P1"), QDate(2024, 8, 10));

@@ -175,6 +175,18 @@ TEST_F(ArchiveWindowTest, TheFieldsAndFiltersNarrowTheList)
     Child<QLineEdit>("kunde")->setText(QStringLiteral("klinik"));
     EXPECT_EQ(search(), QStringList{"C"});
     Child<QLineEdit>("kunde")->clear();
+    // The archive's customers to choose from: the one a record names, and "ohne Kunde".
+    auto *customers = Child<QComboBox>("kundenwahl");
+    ASSERT_EQ(customers->count(), 3);
+    customers->setCurrentText(QStringLiteral("ohne Kunde"));
+    EXPECT_EQ(search(), (QStringList{"B", "A"}));
+    EXPECT_EQ(customers->currentText(), QStringLiteral("ohne Kunde")); // the choice stays
+    EXPECT_EQ(m_window->model()->index(0, 6).data().toString(), QStringLiteral("ohne Kunde"));
+    // For a person to look at: build/bin/screenshots/archiv-kunden.png.
+    QDir(QCoreApplication::applicationDirPath()).mkpath(QStringLiteral("screenshots"));
+    m_window->grab().save(QCoreApplication::applicationDirPath() +
+                          QStringLiteral("/screenshots/archiv-kunden.png"));
+    customers->setCurrentIndex(0);
     Child<QCheckBox>("mitFaellig")->setChecked(true);
     Child<QDateEdit>("faellig")->setDate(QDate(2023, 6, 2));
     EXPECT_EQ(search(), (QStringList{"A", "B"}));

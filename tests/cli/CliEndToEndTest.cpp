@@ -164,13 +164,15 @@ const CommandHelp kCommandHelp[] = {
     {"templates", {}},
     {"specdb",
      {"--json", "--regulation", "--class", "--type", "--parts", "--sfc", "--switch", "--limit", "--all"}},
-    {"archive", {"--json", "--pdf", "--before", "--regulation", "--device", "--failed", "--passed"}},
+    {"archive",
+     {"--json", "--pdf", "--before", "--regulation", "--device", "--failed", "--passed", "--customer",
+      "--customer-name", "--location", "--to"}},
 };
 
 TEST(CliEndToEnd, HelpOnTheProgramAndOnEveryCommandGoesToStdoutAndExitsZero)
 {
-    const QStringList globals{"--port", "--simulate", "--timeout",    "--yes",  "--trace",
-                              "--lang", "--archive",  "--no-archive", "--help", "--version"};
+    const QStringList globals{"--port",    "--simulate",   "--timeout", "--yes",     "--trace",   "--lang",
+                              "--archive", "--no-archive", "--help",    "--version", "--customer"};
     for (const QStringList &args : {QStringList{"-h"}, QStringList{"--help"}, QStringList{"help"}}) {
         const RunResult run = RunProgram(QStringLiteral("kalvo-cli"), args);
         EXPECT_EQ(run.exitCode, 0) << args.join(' ').toStdString() << ": " << run.err.toStdString();

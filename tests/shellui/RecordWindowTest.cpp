@@ -170,12 +170,18 @@ TEST_F(RecordWindowTest, RecordsReadInTheWindowGoIntoTheArchiveOnceAndShowInTheW
 {
     archive::WriteArchiveSettings({true, Path("archiv.sqlite")});
     OpenRecords();
+    // After each read the main window asks once for the customer of the records that name none.
+    m_dialogs.inputs.push_back(QStringLiteral("Werkstatt"));
     m_dialogs.files.push_back(Path("alle.txt"));
     Trigger("storeall");
     ASSERT_TRUE(WaitUntil([&] { return List()->count() == 14; }));
     // The same records once more, from the file just written: the archive keeps each once.
+    m_dialogs.inputs.push_back(std::nullopt);
     m_dialogs.files.push_back(Path("alle.txt"));
     Trigger("ausDatei");
+    ASSERT_TRUE(WaitUntil([&] { return m_dialogs.proposals.size() == 2; }));
+    EXPECT_EQ(m_dialogs.proposals, (QStringList{"ohne Kunde", "Werkstatt"})); // the last choice
+    EXPECT_TRUE(m_dialogs.prompts[0].startsWith(QStringLiteral("Kunde der gelesenen Protokolle")));
 
     m_window->findChild<QAction *>(QStringLiteral("archiv"))->trigger();
     archive::ui::ArchiveWindow *window = nullptr;
@@ -192,6 +198,7 @@ TEST_F(RecordWindowTest, RecordsReadInTheWindowGoIntoTheArchiveOnceAndShowInTheW
     EXPECT_EQ(source.tester, QString::fromLatin1(m_window->identity().shortDesignation).trimmed());
     EXPECT_FALSE(source.tester.isEmpty());
     EXPECT_EQ(source.testerSerial, QStringLiteral("0471 1203 5567"));
+    EXPECT_EQ(window->model()->record(13).customerName, QStringLiteral("Werkstatt"));
     EXPECT_TRUE(m_dialogs.messages.isEmpty()) << m_dialogs.messages.join('|').toStdString();
     window->table()->selectRow(2);
     ASSERT_TRUE(WaitUntil([&] { return !window->busy(); }));

@@ -38,6 +38,8 @@ enum class Caption {
     KeepRead,
     Address,
     AddressHint,
+    RecordCustomer, // part of the customer field a record carries (Customer: the archive's)
+    CustomerOfRead, // the question after a read
 };
 
 // `caption` in `language` (the language table's names); German for a name it does not know.

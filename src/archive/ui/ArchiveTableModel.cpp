@@ -96,7 +96,7 @@ QVariant ArchiveTableModel::data(const QModelIndex &index, int role) const
     case kType: return r.deviceType;
     case kRegulation: return r.regulation;
     case kVerdict: return r.verdict;
-    case kCustomer: return r.customer;
+    case kCustomer: return r.customerName;
     case kNextTest: return r.nextTest.isValid() ? r.nextTest.toString(Qt::ISODate) : QString();
     default: return {};
     }

@@ -9,6 +9,8 @@
 #include "archive/ArchiveExport.h"
 #include "archive/ArchiveQueries.h"
 #include "archive/ArchiveSession.h"
+#include "archive/Customers.h"
+#include "archive/DeviceData.h"
 #include "archive/RetestIntervals.h"
 #include "gui/GuiPrompter.h"
 #include "gui/ReportBox.h"
@@ -86,6 +88,8 @@ void ArchiveWindow::BuildForm()
     m_device = Named(new QLineEdit, "idNr");
     m_type = Named(new QLineEdit, "typ");
     m_customer = Named(new QLineEdit, "kunde");
+    m_archiveCustomer = Named(new QComboBox, "kundenwahl");
+    m_archiveCustomer->addItem(QString()); // every customer
     m_text = Named(new QLineEdit, "text");
     m_verdict = Named(new QComboBox, "ergebnis");
     m_verdict->addItems({QString(), QString(), QString()}); // all, passed, failed
@@ -100,9 +104,13 @@ void ArchiveWindow::BuildForm()
     m_from = DateField("von", today.addYears(-1));
     m_to = DateField("bis", today);
     m_due = DateField("faellig", today.addMonths(1));
-    const std::pair<Caption, QWidget *> fields[] = {
-        {Caption::DeviceId, m_device}, {Caption::Type, m_type},       {Caption::Customer, m_customer},
-        {Caption::Text, m_text},       {Caption::Verdict, m_verdict}, {Caption::Regulation, m_regulation}};
+    const std::pair<Caption, QWidget *> fields[] = {{Caption::DeviceId, m_device},
+                                                    {Caption::Type, m_type},
+                                                    {Caption::Customer, m_archiveCustomer},
+                                                    {Caption::RecordCustomer, m_customer},
+                                                    {Caption::Text, m_text},
+                                                    {Caption::Verdict, m_verdict},
+                                                    {Caption::Regulation, m_regulation}};
     int row = 0;
     for (const auto &[caption, field] : fields) {
         auto *label = new QLabel;
@@ -121,7 +129,7 @@ void ArchiveWindow::BuildForm()
     search->setDefault(true);
     dates->addStretch();
     dates->addWidget(search);
-    form->addLayout(dates, 3, 0, 1, 4);
+    form->addLayout(dates, 4, 0, 1, 4);
     for (QLineEdit *edit : {m_device, m_type, m_customer, m_text})
         connect(edit, &QLineEdit::returnPressed, this, &ArchiveWindow::Search);
     connect(search, &QPushButton::clicked, this, &ArchiveWindow::Search);
@@ -192,6 +200,7 @@ void ArchiveWindow::SetLanguage(const QString &language)
     m_verdict->setItemText(1, Text(Caption::Passed));
     m_verdict->setItemText(2, Text(Caption::Failed));
     m_regulation->setItemText(0, Text(Caption::All));
+    m_archiveCustomer->setItemText(0, Text(Caption::All));
     m_useFrom->setText(Text(Caption::From));
     m_useTo->setText(Text(Caption::To));
     m_useDue->setText(Text(Caption::DueBefore));
@@ -210,6 +219,8 @@ ArchiveFilter ArchiveWindow::Filter() const
     filter.deviceId = m_device->text().trimmed();
     filter.type = m_type->text().trimmed();
     filter.customer = m_customer->text().trimmed();
+    if (m_archiveCustomer->currentIndex() > 0)
+        filter.customerName = m_archiveCustomer->currentText();
     filter.text = m_text->text().trimmed();
     if (m_verdict->currentIndex() > 0)
         filter.failed = m_verdict->currentIndex() == 2;
@@ -224,8 +235,32 @@ ArchiveFilter ArchiveWindow::Filter() const
     return filter;
 }
 
+// The customers to choose from, read again with every search (an import may have added one); the
+// choice stays.
+void ArchiveWindow::LoadCustomers()
+{
+    m_session->Ask(
+        this,
+        [](Archive &archive) {
+            QStringList names;
+            for (const Customer &customer : ListCustomers(archive))
+                names.append(customer.name);
+            return names;
+        },
+        [this](const QStringList &names) {
+            const QString chosen =
+                m_archiveCustomer->currentIndex() > 0 ? m_archiveCustomer->currentText() : QString();
+            while (m_archiveCustomer->count() > 1)
+                m_archiveCustomer->removeItem(1);
+            m_archiveCustomer->addItems(names);
+            m_archiveCustomer->setCurrentIndex(std::max(0, m_archiveCustomer->findText(chosen)));
+        },
+        [this](const QString &message) { Fail(message); });
+}
+
 void ArchiveWindow::Search()
 {
+    LoadCustomers();
     m_report->clear();
     const ArchiveFilter filter = Filter();
     m_model->Show(filter);
@@ -235,7 +270,7 @@ void ArchiveWindow::Search()
 
 void ArchiveWindow::ShowHistory()
 {
-    const QString device = CurrentDevice();
+    const QString device = CurrentDevice().deviceId;
     if (device.isEmpty())
         return;
     m_device->setText(device);
@@ -252,19 +287,31 @@ void ArchiveWindow::ShowDeviceStatus(const QString &deviceId)
 {
     const quint64 search = m_model->search();
     m_session->Ask(
-        this, [deviceId](Archive &archive) { return DeviceStatus(archive, deviceId); },
-        [this, search, deviceId](const std::optional<DueDevice> &device) {
+        this,
+        [deviceId](Archive &archive) {
+            QList<DueDevice> devices;
+            for (const DeviceData &device : FindDevices(archive, deviceId))
+                if (const std::optional<DueDevice> status = DeviceStatus(archive, device.key))
+                    devices.append(*status);
+            return devices;
+        },
+        [this, search, deviceId](const QList<DueDevice> &devices) {
             if (search != m_model->search())
                 return;
-            if (!device) {
+            if (devices.isEmpty()) {
                 ShowStatus(m_statusText + Text(Caption::NoDatedTest).arg(deviceId));
                 return;
             }
-            ShowStatus(m_statusText + Text(Caption::DeviceStatus)
-                                          .arg(deviceId,
-                                               device->lastTest.date().toString(QStringLiteral("dd.MM.yyyy")),
-                                               device->nextTest.toString(QStringLiteral("dd.MM.yyyy")))
-                                          .arg(device->intervalMonths));
+            // One ID-Nr may be a device at each of several customers, each with its own next test.
+            QStringList states;
+            for (const DueDevice &device : devices)
+                states.append((devices.size() > 1 ? device.customerName + QStringLiteral(": ") : QString()) +
+                              Text(Caption::DeviceStatus)
+                                  .arg(deviceId,
+                                       device.lastTest.date().toString(QStringLiteral("dd.MM.yyyy")),
+                                       device.nextTest.toString(QStringLiteral("dd.MM.yyyy")))
+                                  .arg(device.intervalMonths));
+            ShowStatus(m_statusText + states.join(QStringLiteral("; ")));
         },
         [this](const QString &message) { Fail(message); });
 }
@@ -303,10 +350,13 @@ QList<ArchivedRecord> ArchiveWindow::Selected() const
     return chosen;
 }
 
-QString ArchiveWindow::CurrentDevice() const
+DeviceKey ArchiveWindow::CurrentDevice() const
 {
     const QModelIndex current = m_table->currentIndex();
-    return current.isValid() ? m_model->record(current.row()).deviceId : QString();
+    if (!current.isValid())
+        return {};
+    const ArchivedRecord &record = m_model->record(current.row());
+    return {record.customerId, record.deviceId};
 }
 
 template <typename Job> void ArchiveWindow::Export(const QString &path, Caption saved, Job job)

@@ -106,7 +106,7 @@ private:
     void ShowSelectedReport();
     void ShowDeviceStatus(const QString &deviceId);
     QList<ArchivedRecord> Selected() const;
-    QString CurrentDevice() const;
+    DeviceKey CurrentDevice() const;
     void Fail(const QString &message);
     void AskAndExport(const QString &filter, void (ArchiveWindow::*exporter)(const QString &));
     // Runs `job(Archive &)` on the archive's thread: `done(path, count)` says what was saved.
@@ -148,6 +148,8 @@ private:
     QPlainTextEdit *m_report;
     QLabel *m_status;
     QLineEdit *m_device, *m_type, *m_customer, *m_text;
+    QComboBox *m_archiveCustomer; // item 0: every customer
+    void LoadCustomers();
     QComboBox *m_verdict, *m_regulation;
     QCheckBox *m_useFrom, *m_useTo, *m_useDue;
     QDateEdit *m_from, *m_to, *m_due;

@@ -26,8 +26,8 @@ QSpinBox *MonthsBox(int months, const QString &suffix)
 
 } // namespace
 
-IntervalDialog::IntervalDialog(const RetestIntervals &current, const QString &device, const QString &language,
-                               QWidget *parent)
+IntervalDialog::IntervalDialog(const RetestIntervals &current, const DeviceKey &device,
+                               const QString &language, QWidget *parent)
     : QDialog(parent), m_table(new QTableWidget(this)), m_device(device)
 {
     setObjectName(QStringLiteral("intervalle"));
@@ -49,13 +49,13 @@ IntervalDialog::IntervalDialog(const RetestIntervals &current, const QString &de
     }
 
     if (const auto own = current.byDevice.constFind(device);
-        !device.isEmpty() && own != current.byDevice.cend())
+        !device.deviceId.isEmpty() && own != current.byDevice.cend())
         m_deviceBefore = *own;
-    m_own = new QCheckBox(
-        CaptionText(Caption::OwnInterval, language).arg(device.isEmpty() ? QStringLiteral("-") : device));
+    m_own = new QCheckBox(CaptionText(Caption::OwnInterval, language)
+                              .arg(device.deviceId.isEmpty() ? QStringLiteral("-") : device.deviceId));
     m_own->setObjectName(QStringLiteral("eigenesIntervall"));
     m_own->setChecked(m_deviceBefore.has_value());
-    m_own->setEnabled(!device.isEmpty());
+    m_own->setEnabled(!device.deviceId.isEmpty());
     m_deviceMonths = MonthsBox(m_deviceBefore.value_or(kAppliancesIntervalMonths), months);
     m_deviceMonths->setObjectName(QStringLiteral("geraetMonate"));
     m_deviceMonths->setEnabled(m_own->isChecked());
@@ -82,7 +82,7 @@ IntervalChanges IntervalDialog::Changes() const
         if (months != m_before[row].second)
             changes.regulations.append({m_before[row].first, months});
     }
-    if (!m_device.isEmpty()) {
+    if (!m_device.deviceId.isEmpty()) {
         const std::optional<int> after =
             m_own->isChecked() ? std::optional(m_deviceMonths->value()) : std::nullopt;
         changes.device = m_device;

@@ -17,7 +17,7 @@ namespace kalvo::archive::ui {
 // What the user changed in the dialog.
 struct IntervalChanges {
     QList<std::pair<QString, int>> regulations; // regulation, months
-    QString device;
+    DeviceKey device;
     bool deviceChanged = false;
     std::optional<int> deviceMonths; // nullopt: the device follows its regulation again
     bool IsEmpty() const { return regulations.isEmpty() && !deviceChanged; }
@@ -28,7 +28,7 @@ class IntervalDialog : public QDialog {
 public:
     // Shows `current` (the regulations' defaults where it holds none); `device` is the selected
     // record's device (empty: none, its line is disabled).
-    IntervalDialog(const RetestIntervals &current, const QString &device, const QString &language,
+    IntervalDialog(const RetestIntervals &current, const DeviceKey &device, const QString &language,
                    QWidget *parent);
 
     IntervalChanges Changes() const;
@@ -40,7 +40,7 @@ public:
 private:
     QList<std::pair<QString, int>> m_before;
     QTableWidget *m_table;
-    QString m_device;
+    DeviceKey m_device;
     std::optional<int> m_deviceBefore;
     QCheckBox *m_own;
     QSpinBox *m_deviceMonths;
