@@ -16,6 +16,7 @@
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
+#include <QThread>
 
 namespace kalvo::archive {
 
@@ -164,13 +165,17 @@ BackupResult BackupArchive(Archive &archive, const QString &file, const BackupPr
             QStringLiteral("den Ordner %1 gibt es nicht").arg(QDir::toNativeSeparators(info.absolutePath())));
 
     // A name of its own beside the file, so that the last step is a rename on the same volume.
-    QTemporaryFile reserved(info.dir().filePath(QStringLiteral(".%1-XXXXXX.part").arg(info.fileName())));
-    if (!reserved.open())
-        throw BackupFailure(
-            file, QStringLiteral("im Ordner lässt sich keine Datei anlegen: %1").arg(reserved.errorString()));
-    reserved.setAutoRemove(false); // removed below with the files SQLite puts beside it
-    const QString part = reserved.fileName();
-    reserved.close();
+    // The reserving object is gone before SQLite writes the file: Windows renames no file that
+    // something still holds.
+    const QString part = [&] {
+        QTemporaryFile reserved(info.dir().filePath(QStringLiteral(".%1-XXXXXX.part").arg(info.fileName())));
+        if (!reserved.open())
+            throw BackupFailure(
+                file,
+                QStringLiteral("im Ordner lässt sich keine Datei anlegen: %1").arg(reserved.errorString()));
+        reserved.setAutoRemove(false); // removed below with the files SQLite puts beside it
+        return reserved.fileName();
+    }();
     auto cleanUp = qScopeGuard([&part] { RemoveWithSideFiles(part); });
 
     if (progress)
@@ -197,8 +202,13 @@ BackupResult BackupArchive(Archive &archive, const QString &file, const BackupPr
                                     QFileDevice::ReadOther);
     if (replace && info.exists() && !QFile::remove(info.absoluteFilePath()))
         throw BackupFailure(file, QStringLiteral("die alte Datei lässt sich nicht ersetzen"));
-    if (QFile renamed(part); !renamed.rename(info.absoluteFilePath()))
-        throw BackupFailure(file, QStringLiteral("nicht geschrieben: %1").arg(renamed.errorString()));
+    // A virus scanner or an indexer may hold a new file on Windows for a moment: a few tries.
+    QFile renamed(part);
+    for (int tries = 1; !renamed.rename(info.absoluteFilePath()); ++tries) {
+        if (tries == 20 || !QFile::exists(part) || QFile::exists(info.absoluteFilePath()))
+            throw BackupFailure(file, QStringLiteral("nicht geschrieben: %1").arg(renamed.errorString()));
+        QThread::msleep(100);
+    }
     cleanUp.dismiss();
     result.bytes = QFileInfo(info.absoluteFilePath()).size();
     RememberBackup(archive.target(), QDateTime::currentDateTimeUtc());
