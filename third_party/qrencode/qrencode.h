@@ -358,7 +358,7 @@ extern int QRinput_setFNC1Second(QRinput *input, unsigned char appid);
  * Symbol data is represented as an array contains width*width uchars.
  * Each uchar represents a module (dot). If the less significant bit of
  * the uchar is 1, the corresponding module is black. The other bits are
- * meaningless for usual applications, but here its specification is described.
+ * meaningless for usual applications, but here it is described.
  *
  * @verbatim
    MSB 76543210 LSB

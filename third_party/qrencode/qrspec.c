@@ -1,14 +1,14 @@
 /*
  * qrencode - QR Code encoder
  *
- * QR Code specification in convenient format.
+ * QR Code standard tables in convenient format.
  * Copyright (C) 2006-2017 Kentaro Fukuchi <kentaro@fukuchi.org>
  *
- * The following data / specifications are taken from
- * "Two dimensional symbol -- QR-code -- Basic Specification" (JIS X0510:2004)
+ * The following data are taken from the standards
+ * JIS X0510:2004 (two dimensional symbol, QR-code, basic standard)
  *  or
  * "Automatic identification and data capture techniques --
- *  QR Code 2005 bar code symbology specification" (ISO/IEC 18004:2006)
+ *  QR Code 2005 bar code symbology" (ISO/IEC 18004:2006)
  *
  * This library is free software; you can redistribute it and/or
  * modify it under the terms of the GNU Lesser General Public

@@ -1,7 +1,7 @@
 /*
  * qrencode - QR Code encoder
  *
- * QR Code specification in convenient format.
+ * QR Code standard tables in convenient format.
  * Copyright (C) 2006-2017 Kentaro Fukuchi <kentaro@fukuchi.org>
  *
  * This library is free software; you can redistribute it and/or
@@ -96,10 +96,10 @@ extern int QRspec_maximumWords(QRencodeMode mode, int version);
  *****************************************************************************/
 
 /**
- * Return an array of ECC specification.
+ * Return an array of ECC parameters.
  * @param version version of the symbol
  * @param level error correction level
- * @param spec an array of ECC specification contains as following:
+ * @param spec an array of ECC parameters contains as following:
  * {# of type1 blocks, # of data code, # of ecc code,
  *  # of type2 blocks, # of data code}
  */
