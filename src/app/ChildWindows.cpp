@@ -69,7 +69,10 @@ shell::ui::ServiceWindow *ChildWindows::OpenService(const link::LanguageTable &t
         m_service->AddConfigPanel(m_servicePanel, m_servicePanel->actions());
         auto *reader = new records::ui::RecordReadAction(
             m_device, m_service, [service](const QString &text) { service->ShowInTerminal(text, false); });
-        connect(reader, &records::ui::RecordReadAction::recordsRead, this, &ChildWindows::KeepInArchive);
+        connect(reader, &records::ui::RecordReadAction::recordsRead, this,
+                [this](const QList<QByteArray> &records, const QString &file, bool fromAccessory) {
+                    KeepInArchive(m_service, records, file, fromAccessory);
+                });
         m_service->AddRecordReader(reader);
         m_servicePanel->ApplyTexts(texts);
         m_service->ApplyTexts(texts);
@@ -89,7 +92,10 @@ records::ui::RecordWindow *ChildWindows::OpenRecords(const link::LanguageTable &
         m_records = new records::ui::RecordWindow(m_device, m_programDir);
         m_records->setAttribute(Qt::WA_DeleteOnClose);
         gui::CloseOnEscape(m_records);
-        connect(m_records, &records::ui::RecordWindow::recordsRead, this, &ChildWindows::KeepInArchive);
+        connect(m_records, &records::ui::RecordWindow::recordsRead, this,
+                [this](const QList<QByteArray> &records, const QString &file, bool fromAccessory) {
+                    KeepInArchive(m_records, records, file, fromAccessory);
+                });
         m_templates = new update::ui::TemplateTools(m_device, m_records->reportBox(), m_records);
         m_records->AddTemplateTools(m_templates->menu(), m_templates->fileLabel(),
                                     m_templates->numberEntry());
@@ -126,13 +132,17 @@ specdb::ui::DatabaseWindow *ChildWindows::OpenDatabase(const link::LanguageTable
         m_database = new specdb::ui::DatabaseWindow(
             m_device, texts, specdb::RegulationRules{specdb::ApplyDefaults, specdb::LooserLimits});
         m_database->setAttribute(Qt::WA_DeleteOnClose);
-        // Test records about to be deleted from the tester go into the archive first.
+        // Test records about to be deleted from the tester go into the archive first; the database
+        // window asks for the customer of those that name none, as a read does.
         m_database->SetRecordKeeping([this]() -> specdb::RecordKeeper {
             if (!archive::KeepingRecords())
                 return {};
-            return [source = archive::RecordSource{m_tester, m_testerSerial, QString(), QString()}](
-                       const QList<QByteArray> &records) {
-                return archive::KeepBeforeDeleting(records, source);
+            return [source = archive::RecordSource{m_tester, m_testerSerial, QString(), QString()},
+                    language = m_language](const QList<QByteArray> &records, link::Prompter &prompter) {
+                archive::RecordSource chosen = source;
+                if (archive::AnyWithoutCustomer(records))
+                    chosen.customer = archive::ui::AskCustomerOfRecords(prompter, language);
+                return archive::KeepBeforeDeleting(records, chosen);
             };
         });
         gui::CloseOnEscape(m_database);
@@ -171,7 +181,8 @@ void ChildWindows::SetTester(const QString &name, const QString &serialNumber)
     m_testerSerial = serialNumber;
 }
 
-void ChildWindows::KeepInArchive(const QList<QByteArray> &records, const QString &file, bool fromAccessory)
+void ChildWindows::KeepInArchive(QWidget *reader, const QList<QByteArray> &records, const QString &file,
+                                 bool fromAccessory)
 {
     // Records loaded from a file name the file; records read now name the tester they came from.
     const bool fromTester = file.isEmpty();
@@ -180,23 +191,28 @@ void ChildWindows::KeepInArchive(const QList<QByteArray> &records, const QString
                                        fromAccessory ? QStringLiteral("KYM") : QString(), file};
     // Once a read: the customer of the records that name none.
     if (archive::KeepingRecords() && archive::AnyWithoutCustomer(records)) {
-        archive::ui::AskCustomerOfRead(m_main, m_language, [this, records, source](const QString &customer) {
-            archive::RecordSource chosen = source;
-            chosen.customer = customer;
-            Keep(records, chosen);
-        });
+        archive::ui::AskCustomerOfRead(reader ? reader : m_main, m_language,
+                                       [self = QPointer(this), reader = QPointer<QWidget>(reader), records,
+                                        source](const QString &customer) {
+                                           archive::RecordSource chosen = source;
+                                           chosen.customer = customer;
+                                           if (self)
+                                               self->Keep(reader, records, chosen);
+                                       });
         return;
     }
-    Keep(records, source);
+    Keep(reader, records, source);
 }
 
-void ChildWindows::Keep(const QList<QByteArray> &records, const archive::RecordSource &source)
+void ChildWindows::Keep(const QPointer<QWidget> &reader, const QList<QByteArray> &records,
+                        const archive::RecordSource &source)
 {
     if (!m_keeper)
         m_keeper = new archive::ArchiveSession(this);
-    const auto tell = [this](const QStringList &messages) {
+    const auto tell = [this, reader](const QStringList &messages) {
         if (!messages.isEmpty())
-            QMessageBox::warning(m_main, QStringLiteral("Archiv"), messages.join(QLatin1Char('\n')));
+            QMessageBox::warning(reader ? reader.data() : m_main, QStringLiteral("Archiv"),
+                                 messages.join(QLatin1Char('\n')));
     };
     m_keeper->Run(
         this, [records, source] { return archive::KeepReadRecords(records, source); },

@@ -83,10 +83,13 @@ private:
     void Present(QWidget *window);
     void AddHelpKey(QWidget *window, const char *chapter);
     void ApplyRecordTexts(const link::LanguageTable &texts);
-    // Records a window read go into the archive too, on the archive's thread; the user is told
-    // what could not be kept.
-    void KeepInArchive(const QList<QByteArray> &records, const QString &file, bool fromAccessory);
-    void Keep(const QList<QByteArray> &records, const archive::RecordSource &source);
+    // Records the window `reader` read go into the archive too, on the archive's thread; `reader`
+    // asks for their customer and tells the user what could not be kept (the main window when it
+    // is gone).
+    void KeepInArchive(QWidget *reader, const QList<QByteArray> &records, const QString &file,
+                       bool fromAccessory);
+    void Keep(const QPointer<QWidget> &reader, const QList<QByteArray> &records,
+              const archive::RecordSource &source);
 
     gui::DeviceThread &m_device;
     QWidget *m_main;

@@ -131,7 +131,7 @@ ArchivedRecord RecordFromRow(const QSqlQuery &q)
     r.postCode = q.value(16).toString();
     r.town = q.value(17).toString();
     r.source = {q.value(18).toString(), q.value(19).toString(), q.value(20).toString(),
-                q.value(21).toString()};
+                q.value(21).toString(), QString()};
     r.importedAt = TimestampFrom(q.value(22));
     r.nextTest = DateFrom(q.value(23));
     r.customerId = q.value(24).toLongLong();

@@ -34,7 +34,7 @@ struct RecordSource {
     QString file;         // the record file it was read from or written to
     // The customer of the records that do not name one (the accessory's fields 61..64); empty:
     // kNoCustomer.
-    QString customer;
+    QString customer = QString();
 };
 
 // The customer of records that name none and were read without one being chosen.

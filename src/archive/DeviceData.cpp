@@ -6,6 +6,7 @@
 #include "WhoAndWhere.h"
 
 #include <QSqlQuery>
+#include <algorithm>
 
 namespace kalvo::archive {
 
@@ -182,6 +183,19 @@ QList<ImportEntry> DeviceImports(Archive &archive, const DeviceKey &device)
                         query.value(6).toString(), query.value(7).toString(), query.value(8).toString(),
                         query.value(9).toInt(), query.value(10).toInt(), query.value(11).toInt()});
     return imports;
+}
+
+QList<DeviceEvent> DeviceHistory(Archive &archive, const DeviceKey &device)
+{
+    QList<DeviceEvent> events;
+    for (const ImportEntry &entry : DeviceImports(archive, device))
+        events.append({entry.importedAt, entry, std::nullopt});
+    for (const DeviceChange &change : DeviceChanges(archive, device))
+        events.append({change.changedAt, std::nullopt, change});
+    // Both lists are in order already; the stable sort keeps that order within one moment.
+    std::stable_sort(events.begin(), events.end(),
+                     [](const DeviceEvent &a, const DeviceEvent &b) { return a.at < b.at; });
+    return events;
 }
 
 } // namespace kalvo::archive

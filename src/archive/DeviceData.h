@@ -36,12 +36,12 @@ struct DeviceData {
 
 // The fields a change sets; those left nullopt stay as they are.
 struct DeviceEdit {
-    std::optional<QString> type;
-    std::optional<QString> manufacturer;
-    std::optional<QString> location;
-    std::optional<QString> remarks;
-    std::optional<bool> outOfService;
-    std::optional<bool> retired;
+    std::optional<QString> type = std::nullopt;
+    std::optional<QString> manufacturer = std::nullopt;
+    std::optional<QString> location = std::nullopt;
+    std::optional<QString> remarks = std::nullopt;
+    std::optional<bool> outOfService = std::nullopt;
+    std::optional<bool> retired = std::nullopt;
 };
 
 // One change of a device's data or of an interval (a regulation's: no customer, no device).
@@ -93,5 +93,14 @@ struct ImportEntry {
 };
 // The imports that brought records of the device, oldest first.
 QList<ImportEntry> DeviceImports(Archive &archive, const DeviceKey &device);
+
+// One line of a device's history of who did what: an import that brought its records, or a change.
+struct DeviceEvent {
+    QDateTime at; // UTC
+    std::optional<ImportEntry> import;
+    std::optional<DeviceChange> change;
+};
+// The device's imports and changes in the order they happened; of one moment, the import first.
+QList<DeviceEvent> DeviceHistory(Archive &archive, const DeviceKey &device);
 
 } // namespace kalvo::archive

@@ -1,6 +1,8 @@
 // Who changes the archive, on which PC, with which kalvo.
 #include "WhoAndWhere.h"
 
+#include "platform/Users.h"
+
 #include <QCoreApplication>
 #include <QSysInfo>
 #include <QtGlobal>
@@ -9,10 +11,7 @@ namespace kalvo::archive {
 
 WhoAndWhere CurrentWhoAndWhere()
 {
-    QString user = qEnvironmentVariable("USER");
-    if (user.isEmpty())
-        user = qEnvironmentVariable("USERNAME");
-    return {user, QSysInfo::machineHostName(), QCoreApplication::applicationVersion()};
+    return {platform::CurrentUserName(), QSysInfo::machineHostName(), QCoreApplication::applicationVersion()};
 }
 
 } // namespace kalvo::archive

@@ -102,7 +102,8 @@ void CliContext::OpenPortForRecords()
 
 archive::RecordSource CliContext::TesterSource(const QString &accessory, const QString &file) const
 {
-    return {m_testerName.isEmpty() ? portName() : m_testerName, m_testerSerial, accessory, file};
+    return {m_testerName.isEmpty() ? portName() : m_testerName, m_testerSerial, accessory, file,
+            m_options.customer};
 }
 
 QString CliContext::portName() const

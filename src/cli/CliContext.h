@@ -45,7 +45,8 @@ public:
     // identified first, as the window does on connecting, so that they carry its name and serial
     // number.
     void OpenPortForRecords();
-    // Where records read now come from: the identified tester, else the port.
+    // Where records read now come from: the identified tester, else the port; with the customer of
+    // --customer for records that name none.
     archive::RecordSource TesterSource(const QString &accessory = QString(),
                                        const QString &file = QString()) const;
     // The port to use: --port, else line 0 of Q417.ini, else "COM 1"; the simulator with --simulate.
@@ -57,6 +58,7 @@ public:
     // Puts records just read into the archive as well, unless --no-archive or the settings switched
     // that off. Records the archive cannot decode are named on stderr; false (said on stderr too)
     // when the archive failed, so that the command can exit 1: the records were not archived.
+    // Records that name no customer go to the one of --customer when `source` names none.
     bool KeepInArchive(const QList<QByteArray> &records, const archive::RecordSource &source);
 
 private:

@@ -60,13 +60,14 @@ void Show(QTextStream &out, const archive::DeviceData &d)
 
 void History(QTextStream &out, archive::Archive &archive, const archive::DeviceKey &key)
 {
-    for (const archive::ImportEntry &i : archive::DeviceImports(archive, key))
-        out << Moment(i.importedAt) << "\tImport " << i.id << '\t' << i.tester << ' ' << i.testerSerial
-            << '\t' << i.file << '\t' << i.user << '@' << i.host << '\t' << i.version << '\t' << i.added
-            << " neu\n";
-    for (const archive::DeviceChange &c : archive::DeviceChanges(archive, key))
-        out << Moment(c.changedAt) << '\t' << c.field << '\t' << c.oldValue << " -> " << c.newValue << '\t'
-            << c.user << '@' << c.host << '\n';
+    for (const archive::DeviceEvent &event : archive::DeviceHistory(archive, key))
+        if (const auto &i = event.import)
+            out << Moment(i->importedAt) << "\tImport " << i->id << '\t' << i->tester << ' '
+                << i->testerSerial << '\t' << i->file << '\t' << i->user << '@' << i->host << '\t'
+                << i->version << '\t' << i->added << " neu\n";
+        else if (const auto &c = event.change)
+            out << Moment(c->changedAt) << '\t' << c->field << '\t' << c->oldValue << " -> " << c->newValue
+                << '\t' << c->user << '@' << c->host << '\n';
 }
 
 } // namespace

@@ -325,7 +325,8 @@ int Delete(CliContext &context, const QStringList &arguments)
     specdb::Removal removal = specdb::RemovalOf(*store);
     const QString url = context.options().archiveUrl;
     if (archive::KeepingRecords(url, context.options().noArchive))
-        removal.keep = [url, source = context.TesterSource()](const QList<QByteArray> &records) {
+        removal.keep = [url, source = context.TesterSource()](const QList<QByteArray> &records,
+                                                              link::Prompter &) {
             return archive::KeepBeforeDeleting(records, source, url);
         };
     const specdb::RemovalStatus status =

@@ -1,5 +1,5 @@
-// Who the process runs as, for helpers that must not run as the superuser (a database server
-// started by the tests).
+// Who the process runs as: its account's name (who changed the archive), and for helpers that must
+// not run as the superuser (a database server started by the tests).
 #pragma once
 
 #include <QString>
@@ -12,6 +12,8 @@ struct UserIds {
     unsigned group = 0;
 };
 
+// The name of the account the process runs as; empty when the system cannot say.
+QString CurrentUserName();
 // True when running as root; Windows has no such user.
 bool RunningAsSuperUser();
 // The ids of the account `name`, if there is one.

@@ -7,6 +7,14 @@
 
 namespace kalvo::platform {
 
+QString CurrentUserName()
+{
+    // The account itself, not $USER: a service or a container may not set it.
+    if (const passwd *account = ::getpwuid(::geteuid()))
+        return QString::fromLocal8Bit(account->pw_name);
+    return qEnvironmentVariable("USER");
+}
+
 bool RunningAsSuperUser()
 {
     return ::geteuid() == 0;

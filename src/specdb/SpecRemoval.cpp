@@ -63,7 +63,7 @@ bool KeepTestRecords(link::Link &link, link::Prompter &prompter, const QString &
             return tell(RemovalTextIn(RemovalText::ReadFailed, language));
         read << *record;
     }
-    const QString why = removal.keep(read);
+    const QString why = removal.keep(read, prompter);
     if (!why.isEmpty())
         return tell(RemovalTextIn(RemovalText::KeepFailed, language).arg(why));
     return true;

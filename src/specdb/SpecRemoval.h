@@ -30,8 +30,9 @@ enum class RemovalStatus {
 };
 
 // Keeps test records that are about to be deleted (the archive); returns an empty text when they
-// are kept, otherwise why not. Runs where the deletion runs (the device thread).
-using RecordKeeper = std::function<QString(const QList<QByteArray> &records)>;
+// are kept, otherwise why not. Runs where the deletion runs (the device thread); `prompter` is the
+// deletion's, for what keeping must ask (the customer of records that name none).
+using RecordKeeper = std::function<QString(const QList<QByteArray> &records, link::Prompter &prompter)>;
 
 // What the store holds among the records to be deleted, as it was read.
 struct Removal {

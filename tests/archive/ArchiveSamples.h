@@ -134,8 +134,9 @@ public:
         }
         EXPECT_TRUE(query.exec(QStringLiteral("BEGIN IMMEDIATE"))) << query.lastError().text().toStdString();
         EXPECT_TRUE(query.exec(QStringLiteral("UPDATE regulation_intervals SET months = months")));
-        if (exclusive)
+        if (exclusive) {
             EXPECT_TRUE(query.exec(QStringLiteral("COMMIT"))); // the exclusive lock stays after it
+        }
     }
     ~OtherProgram()
     {

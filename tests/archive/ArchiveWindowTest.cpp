@@ -5,12 +5,14 @@
 
 #include "archive/ArchiveQueries.h"
 #include "archive/BackupReminder.h"
+#include "archive/DeviceData.h"
 #include "archive/RecordImport.h"
 #include "archive/ReportSettings.h"
 #include "archive/TestLabels.h"
 #include "archive/ui/ArchiveSettingsDialog.h"
 #include "archive/ui/ArchiveTableModel.h"
 #include "archive/ui/ArchiveWindow.h"
+#include "archive/ui/DeviceDataDialog.h"
 #include "archive/ui/IntervalDialog.h"
 #include "archive/ui/LabelOptionsDialog.h"
 #include "archive/ui/ReportSettingsDialog.h"
@@ -604,6 +606,147 @@ TEST_F(ArchiveWindowTest, SignedReportsAndLabelsOfTheSelectionWithTheReportSetti
     EXPECT_FALSE(signedText->contains(QStringLiteral("K-12"))) << signedText->toStdString();
     EXPECT_TRUE(labelText->contains(QStringLiteral("Kunde: Praxis Dr. Müller"))) << labelText->toStdString();
     EXPECT_TRUE(labelText->contains(QStringLiteral("ID-Nr: K-12"))) << labelText->toStdString();
+}
+
+TEST_F(ArchiveWindowTest, ADevicesDataMovesAndHistoryBelongToItsCustomer)
+{
+    {
+        Archive archive(ParseArchiveUrl(Path()));
+        ImportRecords(
+            archive,
+            {MakeRecord({.device = "E-0815", .date = "01.02.22"}),
+             MakeRecord({.device = "E-0815", .date = "01.02.23"})},
+            {QStringLiteral("PRUEF-7"), QStringLiteral("123456"), {}, {}, QStringLiteral("Kunde A")});
+        ImportRecords(
+            archive, {MakeRecord({.device = "E-0815", .date = "01.06.23", .regulation = '6'})},
+            {QStringLiteral("PRUEF-8"), QStringLiteral("654321"), {}, {}, QStringLiteral("Kunde B")});
+    }
+    auto &window = Open();
+    // Without a chosen record there is no device: the window says so and opens nothing.
+    ui::DeviceDataDialog *dialog = nullptr;
+    QObject::connect(&window, &ui::ArchiveWindow::deviceDataShown, &window,
+                     [&dialog](QDialog *shown) { dialog = qobject_cast<ui::DeviceDataDialog *>(shown); });
+    Click("geraetedaten");
+    EXPECT_FALSE(dialog);
+    EXPECT_EQ(window.status()->text(), QStringLiteral("Bitte zuerst ein Protokoll des Geräts wählen."));
+
+    // The history of Kunde A's E-0815 leaves Kunde B's device of that ID-Nr out.
+    ASSERT_EQ(window.model()->record(0).customerName, QStringLiteral("Kunde B"));
+    Select({1});
+    Click("verlauf");
+    ASSERT_EQ(ListedDevices(), (QStringList{"E-0815", "E-0815"}));
+    EXPECT_EQ(window.model()->record(1).customerName, QStringLiteral("Kunde A"));
+    EXPECT_EQ(Child<QComboBox>("kundenwahl")->currentText(), QStringLiteral("Kunde A"));
+    EXPECT_TRUE(
+        window.status()->text().endsWith(QStringLiteral("nächste Prüfung 01.02.2024 (alle 12 Monate)")))
+        << window.status()->text().toStdString();
+
+    const auto openFor = [&](int row) {
+        dialog = nullptr;
+        Select({row});
+        Click("geraetedaten");
+        return dialog;
+    };
+    ASSERT_TRUE(openFor(0));
+    EXPECT_EQ(dialog->windowModality(), Qt::WindowModal);
+    EXPECT_EQ(dialog->parentWidget(), &window);
+    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Gerät E-0815 bei Kunde A"));
+    EXPECT_EQ(dialog->customer()->currentText(), QStringLiteral("Kunde A"));
+    EXPECT_TRUE(dialog->type()->placeholderText().contains(QStringLiteral("Bohrmaschine")));
+    // Who did what: the import that brought the records, from which tester, by whom.
+    const auto historyRow = [&](int row) {
+        QStringList cells;
+        for (int column = 0; column < dialog->history()->columnCount(); ++column)
+            cells << dialog->history()->item(row, column)->text();
+        return cells;
+    };
+    ASSERT_EQ(dialog->history()->rowCount(), 1);
+    EXPECT_TRUE(historyRow(0)[2].startsWith(QStringLiteral("Import ")));
+    EXPECT_TRUE(historyRow(0)[3].contains(QStringLiteral("2 neu, 0 schon im Archiv; PRUEF-7 123456")))
+        << historyRow(0)[3].toStdString();
+    dialog->manufacturer()->setText(QStringLiteral("Muster Werkzeuge"));
+    dialog->location()->setText(QStringLiteral("Werkstatt 2"));
+    dialog->outOfService()->setChecked(true);
+    dialog->accept();
+    ASSERT_TRUE(Idle());
+    {
+        Archive archive(ParseArchiveUrl(Path()), ArchiveAccess::Read);
+        const DeviceData a =
+            FindDevices(archive, QStringLiteral("E-0815"), QStringLiteral("Kunde A")).value(0);
+        EXPECT_EQ(a.manufacturer, QStringLiteral("Muster Werkzeuge"));
+        EXPECT_EQ(a.location, QStringLiteral("Werkstatt 2"));
+        EXPECT_TRUE(a.outOfService);
+        const DeviceData b =
+            FindDevices(archive, QStringLiteral("E-0815"), QStringLiteral("Kunde B")).value(0);
+        EXPECT_TRUE(b.manufacturer.isEmpty());
+        EXPECT_FALSE(b.outOfService);
+    }
+
+    // Opened again: the data as kept, and each change a row of its own, newest first.
+    ASSERT_TRUE(openFor(0));
+    EXPECT_EQ(dialog->manufacturer()->text(), QStringLiteral("Muster Werkzeuge"));
+    EXPECT_TRUE(dialog->outOfService()->isChecked());
+    ASSERT_EQ(dialog->history()->rowCount(), 4);
+    QStringList what;
+    for (int row = 0; row < 3; ++row)
+        what << historyRow(row)[2] + QStringLiteral(": ") + historyRow(row)[3];
+    what.sort();
+    EXPECT_EQ(what, (QStringList{"Hersteller: - -> Muster Werkzeuge", "Standort: - -> Werkstatt 2",
+                                 "außer Betrieb: nein -> ja"}));
+    EXPECT_TRUE(historyRow(3)[2].startsWith(QStringLiteral("Import ")));
+    Screenshot(*dialog, QStringLiteral("archive-device-data"));
+
+    // Kunde B has an E-0815 of its own: the move is refused and nothing changes.
+    dialog->customer()->setCurrentText(QStringLiteral("Kunde B"));
+    dialog->location()->setText(QStringLiteral("Lager"));
+    dialog->accept();
+    ASSERT_TRUE(Idle());
+    EXPECT_TRUE(window.status()->text().contains(QStringLiteral("gibt es schon ein Gerät mit dieser ID-Nr")))
+        << window.status()->text().toStdString();
+    {
+        Archive archive(ParseArchiveUrl(Path()), ArchiveAccess::Read);
+        EXPECT_EQ(FindDevices(archive, QStringLiteral("E-0815"), QStringLiteral("Kunde A")).value(0).location,
+                  QStringLiteral("Werkstatt 2"));
+    }
+
+    // To a new customer: the device goes with its records and its changes, and the list follows it.
+    Click("suchen");
+    ASSERT_TRUE(openFor(0));
+    dialog->customer()->setCurrentText(QStringLiteral("Kunde C"));
+    dialog->retired()->setChecked(true);
+    dialog->accept();
+    ASSERT_TRUE(Idle());
+    EXPECT_EQ(Child<QComboBox>("kundenwahl")->currentText(), QStringLiteral("Kunde C"));
+    ASSERT_EQ(ListedDevices(), (QStringList{"E-0815", "E-0815"}));
+    EXPECT_EQ(window.model()->record(0).customerName, QStringLiteral("Kunde C"));
+    {
+        Archive archive(ParseArchiveUrl(Path()), ArchiveAccess::Read);
+        EXPECT_TRUE(FindDevices(archive, QStringLiteral("E-0815"), QStringLiteral("Kunde A")).isEmpty());
+        // Retired, it is no longer due; Kunde B's device of that ID-Nr still is.
+        QStringList due;
+        for (const DueDevice &device : DueDevices(archive, QDate(2100, 1, 1)))
+            due << device.customerName + QLatin1Char('/') + device.deviceId;
+        EXPECT_EQ(due, (QStringList{"Kunde B/E-0815"}));
+    }
+    ASSERT_TRUE(openFor(0));
+    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Gerät E-0815 bei Kunde C"));
+    EXPECT_EQ(dialog->history()->rowCount(), 6);
+    EXPECT_EQ(historyRow(0)[2] + historyRow(1)[2], QStringLiteral("ausgemustert (nicht mehr fällig)Kunde"))
+        << (historyRow(0)[2] + historyRow(1)[2]).toStdString();
+    EXPECT_EQ(historyRow(1)[3], QStringLiteral("Kunde A -> Kunde C"));
+
+    // Cancelled, nothing is kept; in English the dialog speaks English.
+    dialog->location()->setText(QStringLiteral("verworfen"));
+    dialog->reject();
+    ASSERT_TRUE(Idle());
+    window.SetLanguage(QStringLiteral("englisch"));
+    ASSERT_TRUE(openFor(0));
+    EXPECT_EQ(dialog->location()->text(), QStringLiteral("Werkstatt 2"));
+    EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Device E-0815 at Kunde C"));
+    EXPECT_EQ(historyRow(1)[2], QStringLiteral("Customer"));
+    EXPECT_EQ(historyRow(0)[3], QStringLiteral("no -> yes"));
+    EXPECT_EQ(Child<QPushButton>("geraetedaten")->text(), QStringLiteral("Device data ..."));
+    dialog->reject();
 }
 
 } // namespace

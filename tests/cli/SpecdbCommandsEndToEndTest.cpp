@@ -246,9 +246,11 @@ TEST(CliSpecdbCommands, DeletingAllKeepsTheTestRecordsInTheArchiveFirst)
     SimProcess sim(Args({"--baud", "0", "--records", "3", "--specifications"}));
     ASSERT_TRUE(sim.started());
     const QString archive = dir.filePath(QStringLiteral("archiv.sqlite"));
-    const RunResult all = RunCli(
-        sim, QStringList{QStringLiteral("--archive"), archive} + Args({"--yes", "specdb", "delete", "--all"}),
-        dir.path());
+    const RunResult all =
+        RunCli(sim,
+               QStringList{QStringLiteral("--archive"), archive} +
+                   Args({"--customer", "Praxis Dr. Weber", "--yes", "specdb", "delete", "--all"}),
+               dir.path());
     EXPECT_EQ(all.exitCode, 0) << all.err.toStdString();
     EXPECT_TRUE(
         all.err.contains(QStringLiteral("Im Kalvomer werden gelöscht: 3 Prüfprotokolle und 2 Prüfabläufe.\n"
@@ -256,8 +258,11 @@ TEST(CliSpecdbCommands, DeletingAllKeepsTheTestRecordsInTheArchiveFirst)
                                         "ins Archiv übernommen. -> OK")))
         << all.err.toStdString();
     EXPECT_EQ(RunCli(sim, Args({"specdb", "list"}), dir.path()).out, QString());
+    // Kept under the customer given for records that name none, as a read keeps them.
     const RunResult listed =
-        RunCli(sim, QStringList{QStringLiteral("--archive"), archive} + Args({"archive", "list", "--json"}),
+        RunCli(sim,
+               QStringList{QStringLiteral("--archive"), archive} +
+                   Args({"archive", "list", "--customer-name", "Praxis Dr. Weber", "--json"}),
                dir.path());
     EXPECT_EQ(QJsonDocument::fromJson(listed.out.toUtf8()).array().size(), 3) << listed.out.toStdString();
 }

@@ -64,10 +64,13 @@ protected:
         return entries;
     }
     QString ArchivePath() const { return m_dir.filePath(QStringLiteral("archiv.sqlite")); }
-    qint64 Archived() const
+    // The records in the archive, or those of the archive's `customer`.
+    qint64 Archived(const QString &customer = QString()) const
     {
         archive::Archive archive(archive::ParseArchiveUrl(ArchivePath()), archive::ArchiveAccess::Read);
-        return archive::CountRecords(archive, {});
+        archive::ArchiveFilter filter;
+        filter.customerName = customer;
+        return archive::CountRecords(archive, filter);
     }
 
     specdb::ui::DatabaseWindow *m_database = nullptr;
@@ -131,11 +134,21 @@ TEST_F(DestructiveQuestionsTest, TestRecordsAreArchivedBeforeTheyAreDeletedAndAF
     })) << m_dialogs.messages.join('|').toStdString();
     EXPECT_EQ(StoreEntries(), 5) << m_dialogs.messages.join('|').toStdString();
 
-    // Again, now that the record can be read: all three are archived, then everything is deleted.
+    EXPECT_TRUE(m_dialogs.prompts.isEmpty()); // nothing read, nothing to ask about
+
+    // Again, now that the record can be read: all three are archived under the customer the
+    // database window asks for, as a read asks, then everything is deleted.
     m_dialogs.confirmations = {true};
+    m_dialogs.inputs = {QStringLiteral("Praxis Dr. Weber")};
     m_dialogs.messages.clear();
+    m_dialogs.seen.clear();
     ASSERT_TRUE(Click("ClearDB"));
     EXPECT_EQ(StoreEntries(), 0) << m_dialogs.messages.join('|').toStdString();
     EXPECT_EQ(Archived(), 3);
+    EXPECT_EQ(Archived(QStringLiteral("Praxis Dr. Weber")), 3);
+    ASSERT_EQ(m_dialogs.prompts.size(), 1);
+    EXPECT_TRUE(m_dialogs.prompts[0].startsWith(QStringLiteral("Kunde der gelesenen Protokolle")));
+    for (const DialogAnswerer::Seen &seen : std::as_const(m_dialogs.seen))
+        EXPECT_EQ(seen.owner.data(), static_cast<QWidget *>(m_database)) << seen.title.toStdString();
     EXPECT_TRUE(m_database->findChild<QListWidget *>(QStringLiteral("IdNr"))->count() == 0);
 }

@@ -341,10 +341,11 @@ TEST_F(LanguageAndKeysTest, EveryWindowOpensWholeInGermanEnglishAndFrench)
             // The titles of the program's own follow the language (the record and modem windows
             // bear fixed ones, and the service window's is "Service" in German and English).
             const QString window = QString::fromLatin1(name);
-            if (code == QLatin1String("de"))
+            if (code == QLatin1String("de")) {
                 germanTitles[window] = child->windowTitle();
-            else if (window == QLatin1String("database") || window == QLatin1String("archive"))
+            } else if (window == QLatin1String("database") || window == QLatin1String("archive")) {
                 EXPECT_NE(child->windowTitle(), germanTitles[window]) << name;
+            }
             child->close();
         }
     }

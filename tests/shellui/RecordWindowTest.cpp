@@ -184,6 +184,9 @@ TEST_F(RecordWindowTest, RecordsReadInTheWindowGoIntoTheArchiveOnceAndShowInTheW
     ASSERT_TRUE(WaitUntil([&] { return m_dialogs.proposals.size() == 2; }));
     EXPECT_EQ(m_dialogs.proposals, (QStringList{"ohne Kunde", "Werkstatt"})); // the last choice
     EXPECT_TRUE(m_dialogs.prompts[0].startsWith(QStringLiteral("Kunde der gelesenen Protokolle")));
+    // The question belongs to the window that read, as every dialog of the read does.
+    for (const DialogAnswerer::Seen &seen : std::as_const(m_dialogs.seen))
+        EXPECT_EQ(seen.owner.data(), static_cast<QWidget *>(m_records)) << seen.title.toStdString();
 
     m_window->findChild<QAction *>(QStringLiteral("archiv"))->trigger();
     archive::ui::ArchiveWindow *window = nullptr;

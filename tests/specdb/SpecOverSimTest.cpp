@@ -170,8 +170,9 @@ TEST(SpecOverSim, TestRecordsAreKeptBeforeTheyAreDeleted)
         QList<QByteArray> expected;
         for (const int number : {3, 4})
             expected << records::ReadRecord(b.link, number, records::FillerRule::Position).value_or("?");
-        if (*c.fault)
+        if (*c.fault) {
             ASSERT_TRUE(b.tester.faults().add(QString::fromLatin1(c.fault)));
+        }
         if (c.addSpecification) {
             auto specifications = sim::SampleSpecifications();
             specifications << specifications.first();
@@ -180,7 +181,7 @@ TEST(SpecOverSim, TestRecordsAreKeptBeforeTheyAreDeleted)
         Removal removal = RemovalOf(store);
         EXPECT_EQ(removal.testRecords, (QList<int>{3, 4}));
         QList<QByteArray> kept;
-        removal.keep = [&](const QList<QByteArray> &records) {
+        removal.keep = [&](const QList<QByteArray> &records, link::Prompter &) {
             kept = records;
             return c.keepFails ? QStringLiteral("Archiv voll") : QString();
         };
@@ -196,7 +197,8 @@ TEST(SpecOverSim, TestRecordsAreKeptBeforeTheyAreDeleted)
         ASSERT_FALSE(b.prompter.messages.empty());
         EXPECT_TRUE(b.prompter.messages.back().text.contains(QStringLiteral("Es wurde nichts gelöscht")))
             << b.prompter.messages.back().text.toStdString();
-        if (c.keepFails)
+        if (c.keepFails) {
             EXPECT_TRUE(b.prompter.messages.back().text.endsWith(QStringLiteral("Archiv voll")));
+        }
     }
 }

@@ -81,7 +81,7 @@ TEST(Removal, OneRecordByItsNumber)
 // records; Cancel on it sends nothing and keeps nothing.
 TEST(Removal, TheQuestionNamesWhatIsLostInTheProgramsLanguage)
 {
-    const RecordKeeper keeper = [](const QList<QByteArray> &) { return QString(); };
+    const RecordKeeper keeper = [](const QList<QByteArray> &, link::Prompter &) { return QString(); };
     const struct {
         const char *language;
         int entries;

@@ -4,6 +4,7 @@
 
 #include "ArchiveSettingsDialog.h"
 #include "ArchiveTableModel.h"
+#include "DeviceCaptions.h"
 #include "IntervalDialog.h"
 
 #include "archive/ArchiveExport.h"
@@ -153,6 +154,8 @@ void ArchiveWindow::BuildForm()
     auto *buttons = new QHBoxLayout;
     auto *history = Named(new QPushButton, "verlauf");
     m_buttons.append({history, Caption::History});
+    auto *deviceData = Named(new QPushButton, "geraetedaten");
+    m_deviceButton = deviceData;
     auto *intervals = Named(new QPushButton, "intervalle");
     m_buttons.append({intervals, Caption::IntervalsTitle});
     auto *settings = Named(new QPushButton, "einstellungen");
@@ -160,6 +163,7 @@ void ArchiveWindow::BuildForm()
     auto *pdf = Named(new QPushButton(QStringLiteral("PDF ...")), "pdf");
     auto *csv = Named(new QPushButton(QStringLiteral("CSV ...")), "csv");
     connect(history, &QPushButton::clicked, this, &ArchiveWindow::ShowHistory);
+    connect(deviceData, &QPushButton::clicked, this, &ArchiveWindow::EditDeviceData);
     connect(intervals, &QPushButton::clicked, this, &ArchiveWindow::EditIntervals);
     connect(settings, &QPushButton::clicked, this, &ArchiveWindow::EditSettings);
     connect(pdf, &QPushButton::clicked, this,
@@ -167,7 +171,7 @@ void ArchiveWindow::BuildForm()
     connect(csv, &QPushButton::clicked, this,
             [this] { AskAndExport(QStringLiteral("CSV (*.csv)|*.csv"), &ArchiveWindow::ExportCsv); });
     buttons->addWidget(m_status, 1);
-    for (QPushButton *button : {history, intervals, settings, pdf, csv})
+    for (QPushButton *button : {history, deviceData, intervals, settings, pdf, csv})
         buttons->addWidget(button);
 
     auto *central = new QWidget;
@@ -204,6 +208,7 @@ void ArchiveWindow::SetLanguage(const QString &language)
     m_useFrom->setText(Text(Caption::From));
     m_useTo->setText(Text(Caption::To));
     m_useDue->setText(Text(Caption::DueBefore));
+    m_deviceButton->setText(DeviceCaptionText(DeviceCaption::Button, language));
     m_model->SetLanguage(language);
     SetBackupLanguage();
 }
@@ -265,15 +270,20 @@ void ArchiveWindow::Search()
     const ArchiveFilter filter = Filter();
     m_model->Show(filter);
     if (!filter.deviceId.isEmpty())
-        ShowDeviceStatus(filter.deviceId);
+        ShowDeviceStatus(filter.deviceId, filter.customerName);
 }
 
 void ArchiveWindow::ShowHistory()
 {
-    const QString device = CurrentDevice().deviceId;
-    if (device.isEmpty())
+    // The device is its ID-Nr at its customer: the same ID-Nr at another customer is another device.
+    const QModelIndex current = m_table->currentIndex();
+    if (!current.isValid())
         return;
-    m_device->setText(device);
+    const ArchivedRecord record = m_model->record(current.row());
+    if (record.deviceId.isEmpty())
+        return;
+    m_device->setText(record.deviceId);
+    ChooseCustomer(record.customerName);
     for (QLineEdit *edit : {m_type, m_customer, m_text})
         edit->clear();
     m_verdict->setCurrentIndex(0);
@@ -283,14 +293,25 @@ void ArchiveWindow::ShowHistory()
     Search();
 }
 
-void ArchiveWindow::ShowDeviceStatus(const QString &deviceId)
+void ArchiveWindow::ChooseCustomer(const QString &name)
+{
+    if (name.isEmpty()) {
+        m_archiveCustomer->setCurrentIndex(0);
+        return;
+    }
+    if (m_archiveCustomer->findText(name) < 0)
+        m_archiveCustomer->addItem(name);
+    m_archiveCustomer->setCurrentIndex(m_archiveCustomer->findText(name));
+}
+
+void ArchiveWindow::ShowDeviceStatus(const QString &deviceId, const QString &customer)
 {
     const quint64 search = m_model->search();
     m_session->Ask(
         this,
-        [deviceId](Archive &archive) {
+        [deviceId, customer](Archive &archive) {
             QList<DueDevice> devices;
-            for (const DeviceData &device : FindDevices(archive, deviceId))
+            for (const DeviceData &device : FindDevices(archive, deviceId, customer))
                 if (const std::optional<DueDevice> status = DeviceStatus(archive, device.key))
                     devices.append(*status);
             return devices;

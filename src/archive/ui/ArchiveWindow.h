@@ -37,6 +37,7 @@ struct LabelSheet;
 namespace kalvo::archive::ui {
 
 class ArchiveTableModel;
+struct DeviceDataChanges;
 struct IntervalChanges;
 
 class ArchiveWindow : public QMainWindow {
@@ -72,6 +73,10 @@ public:
     void ExportLabelsPdf(const QString &path, const LabelSheet &sheet, int firstFree);
     // Company, address, logo and inspector of the signed reports, in a dialog of this window.
     void EditReportSettings();
+    // The selected record's device: its own data, its customer and its history of who did what, in a
+    // dialog of this window (ArchiveWindowDevice.cpp); what is changed there is kept with its change
+    // rows, and the list is searched again. Without a selected record the status line says so.
+    void EditDeviceData();
     // Queries asked for and not yet answered.
     bool busy() const;
 
@@ -98,13 +103,14 @@ signals:
     void settingsShown(QDialog *dialog);
     void reportSettingsShown(QDialog *dialog);
     void labelOptionsShown(QDialog *dialog);
+    void deviceDataShown(QDialog *dialog);
 
 private:
     void BuildForm();
     QString Text(Caption caption) const;
     ArchiveFilter Filter() const;
     void ShowSelectedReport();
-    void ShowDeviceStatus(const QString &deviceId);
+    void ShowDeviceStatus(const QString &deviceId, const QString &customer);
     QList<ArchivedRecord> Selected() const;
     DeviceKey CurrentDevice() const;
     void Fail(const QString &message);
@@ -112,6 +118,9 @@ private:
     // Runs `job(Archive &)` on the archive's thread: `done(path, count)` says what was saved.
     template <typename Job> void Export(const QString &path, Caption saved, Job job);
     void ApplyIntervals(const IntervalChanges &changes);
+    void ApplyDeviceData(const DeviceDataChanges &changes);
+    // Chooses `name` among the archive's customers, adding it when the list does not hold it yet.
+    void ChooseCustomer(const QString &name);
     void ShowStatus(const QString &text);
     // The ids of the selected records, or of everything the search finds: asked on the archive's
     // thread.
@@ -148,6 +157,7 @@ private:
     QPlainTextEdit *m_report;
     QLabel *m_status;
     QLineEdit *m_device, *m_type, *m_customer, *m_text;
+    QPushButton *m_deviceButton = nullptr;
     QComboBox *m_archiveCustomer; // item 0: every customer
     void LoadCustomers();
     QComboBox *m_verdict, *m_regulation;
