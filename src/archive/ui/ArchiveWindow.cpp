@@ -170,15 +170,19 @@ void ArchiveWindow::BuildForm()
             [this] { AskAndExport(QStringLiteral("PDF (*.pdf)|*.pdf"), &ArchiveWindow::ExportPdf); });
     connect(csv, &QPushButton::clicked, this,
             [this] { AskAndExport(QStringLiteral("CSV (*.csv)|*.csv"), &ArchiveWindow::ExportCsv); });
-    buttons->addWidget(m_status, 1);
+    // The status line has a row of its own: a device's next tests at several customers are long.
+    auto *statusRow = new QHBoxLayout;
+    statusRow->addWidget(m_status, 1);
+    buttons->addStretch();
     for (QPushButton *button : {history, deviceData, intervals, settings, pdf, csv})
         buttons->addWidget(button);
 
     auto *central = new QWidget;
     auto *layout = new QVBoxLayout(central);
     layout->addLayout(form);
-    BuildBackupParts(layout, buttons);
+    BuildBackupParts(layout, statusRow);
     layout->addWidget(split, 1);
+    layout->addLayout(statusRow);
     layout->addLayout(buttons);
     layout->addWidget(PaperButtons());
     setCentralWidget(central);
