@@ -16,7 +16,8 @@ bin=$build/bin
 version=$(sed -n 's/^project(kalvo VERSION \([0-9.]*\).*/\1/p' "$here/../../CMakeLists.txt")
 
 # The program folder: the two programs, the data files beside them, the Qt and MinGW DLLs (not
-# Qt's test library), the plugin folders and Qt's translations; no test or benchmark.
+# Qt's test library), the plugin folders, Qt's translations and the libraries' licences; no test
+# or benchmark.
 stage=$build/package/kalvo
 rm -rf "$stage" && mkdir -p "$stage"
 cp "$bin/kalvo.exe" "$bin/kalvo-cli.exe" "$stage"/
@@ -29,6 +30,16 @@ done
 for data in "$here"/../../data/*; do
     cp "$bin/$(basename "$data")" "$stage"/
 done
+# What the shipped libraries' licences ask: their notices and licence texts (README.txt names
+# which is whose). A missing text stops the packaging rather than ship without it.
+licenses=$stage/licenses
+mkdir -p "$licenses"
+cp "$here/THIRD-PARTY.txt" "$licenses/README.txt"
+cp "$here/../../third_party/qrencode/COPYING" "$licenses/libqrencode-LGPL-2.1.txt"
+cp /usr/share/common-licenses/LGPL-3 "$licenses/LGPL-3.0.txt"
+cp /usr/share/common-licenses/GPL-3 "$licenses/GPL-3.0.txt"
+cp /usr/share/doc/gcc-mingw-w64-base/copyright "$licenses/gcc-runtime-copyright.txt"
+cp /usr/share/doc/mingw-w64-common/copyright "$licenses/mingw-w64-copyright.txt"
 
 installer=$out/kalvo-$version-setup.exe
 makensis -V2 -DVERSION="$version" -DSTAGE="$stage" -DOUTFILE="$installer" "$here/kalvo.nsi"
