@@ -630,6 +630,22 @@ TEST_F(ArchiveWindowTest, ADevicesDataMovesAndHistoryBelongToItsCustomer)
     EXPECT_FALSE(dialog);
     EXPECT_EQ(window.status()->text(), QStringLiteral("Bitte zuerst ein Protokoll des Geräts wählen."));
 
+    // One ID-Nr, two devices: each with its own next test, and only Kunde A's is due by mid-2024.
+    Child<QLineEdit>("idNr")->setText(QStringLiteral("E-0815"));
+    Click("suchen");
+    EXPECT_EQ(window.status()->text(),
+              QStringLiteral("3 Protokolle - E-0815 (Kunde A): zuletzt geprüft 01.02.2023, nächste Prüfung "
+                             "01.02.2024 (alle 12 Monate) - E-0815 (Kunde B): zuletzt geprüft 01.06.2023, "
+                             "nächste Prüfung 01.06.2025 (alle 24 Monate)"));
+    Child<QCheckBox>("mitFaellig")->setChecked(true);
+    Child<QDateEdit>("faellig")->setDate(QDate(2024, 6, 1));
+    Click("suchen");
+    ASSERT_EQ(window.model()->rowCount(), 1);
+    EXPECT_EQ(window.model()->record(0).customerName, QStringLiteral("Kunde A"));
+    Child<QCheckBox>("mitFaellig")->setChecked(false);
+    Child<QLineEdit>("idNr")->clear();
+    Click("suchen");
+
     // The history of Kunde A's E-0815 leaves Kunde B's device of that ID-Nr out.
     ASSERT_EQ(window.model()->record(0).customerName, QStringLiteral("Kunde B"));
     Select({1});

@@ -330,13 +330,14 @@ void ArchiveWindow::ShowDeviceStatus(const QString &deviceId, const QString &cus
             // One ID-Nr may be a device at each of several customers, each with its own next test.
             QStringList states;
             for (const DueDevice &device : devices)
-                states.append((devices.size() > 1 ? device.customerName + QStringLiteral(": ") : QString()) +
-                              Text(Caption::DeviceStatus)
-                                  .arg(deviceId,
+                states.append(Text(Caption::DeviceStatus)
+                                  .arg(devices.size() > 1
+                                           ? QStringLiteral("%1 (%2)").arg(deviceId, device.customerName)
+                                           : deviceId,
                                        device.lastTest.date().toString(QStringLiteral("dd.MM.yyyy")),
                                        device.nextTest.toString(QStringLiteral("dd.MM.yyyy")))
                                   .arg(device.intervalMonths));
-            ShowStatus(m_statusText + states.join(QStringLiteral("; ")));
+            ShowStatus(m_statusText + states.join(QString()));
         },
         [this](const QString &message) { Fail(message); });
 }
