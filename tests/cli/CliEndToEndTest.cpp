@@ -166,7 +166,7 @@ const CommandHelp kCommandHelp[] = {
      {"--json", "--regulation", "--class", "--type", "--parts", "--sfc", "--switch", "--limit", "--all"}},
     {"archive",
      {"--json", "--pdf", "--before", "--regulation", "--device", "--failed", "--passed", "--customer",
-      "--customer-name", "--location", "--to"}},
+      "--customer-name", "--location", "--to", "--replace", "--sheet", "--first", "--inspector"}},
 };
 
 TEST(CliEndToEnd, HelpOnTheProgramAndOnEveryCommandGoesToStdoutAndExitsZero)
