@@ -4,6 +4,9 @@
 #include "archive/ArchiveLocation.h"
 #include "archive/ui/ArchiveCaptions.h"
 #include "archive/ui/ArchiveWindow.h"
+#include "archive/ui/BackupCaptions.h"
+#include "archive/ui/DeviceCaptions.h"
+#include "archive/ui/PaperCaptions.h"
 #include "link/LanguageTable.h"
 #include "specdb/ui/DatabaseWindow.h"
 #include "update/ui/UpdateCaptions.h"
@@ -128,7 +131,20 @@ TEST_F(HelpChaptersTest, ChaptersNameTheUpdateAndArchiveCaptionsAsTheWindowsShow
                                Caption::Regulation,    Caption::Passed,   Caption::Failed,
                                Caption::From,          Caption::To,       Caption::DueBefore,
                                Caption::Search,        Caption::History,  Caption::IntervalsTitle,
-                               Caption::SettingsTitle, Caption::Busy};
+                               Caption::SettingsTitle, Caption::Busy,     Caption::RecordCustomer,
+                               Caption::CustomerOfRead};
+    using archive::ui::BackupCaption;
+    using archive::ui::DeviceCaption;
+    using archive::ui::PaperCaption;
+    const DeviceCaption device[] = {
+        DeviceCaption::Button,       DeviceCaption::Customer, DeviceCaption::Type,
+        DeviceCaption::Manufacturer, DeviceCaption::Location, DeviceCaption::Remarks,
+        DeviceCaption::OutOfService, DeviceCaption::Retired,  DeviceCaption::HistoryTitle};
+    const PaperCaption paper[] = {
+        PaperCaption::SignedPdf, PaperCaption::LabelsPdf, PaperCaption::ReportSettings,
+        PaperCaption::Company,   PaperCaption::Address,   PaperCaption::Logo,
+        PaperCaption::Inspector, PaperCaption::Sheet,     PaperCaption::FirstFree};
+    const BackupCaption backup[] = {BackupCaption::Menu, BackupCaption::Backup, BackupCaption::Restore};
     for (const link::LanguageColumn &language : link::LanguageColumns()) {
         QFile file(QDir(m_programDir).filePath(language.helpFile));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << language.helpFile.toStdString();
@@ -139,6 +155,9 @@ TEST_F(HelpChaptersTest, ChaptersNameTheUpdateAndArchiveCaptionsAsTheWindowsShow
         // A caption as it reads on the screen: the ampersand of a menu's Alt key is not shown.
         const auto expectNamed = [&](QString caption) {
             caption.remove(QLatin1Char('&'));
+            // A form's label is named without its colon.
+            while (caption.endsWith(QLatin1Char(':')) || caption.endsWith(QLatin1Char(' ')))
+                caption.chop(1);
             EXPECT_TRUE(text.contains(caption))
                 << language.helpFile.toStdString() << " lacks \"" << caption.toStdString() << "\"";
         };
@@ -146,5 +165,11 @@ TEST_F(HelpChaptersTest, ChaptersNameTheUpdateAndArchiveCaptionsAsTheWindowsShow
             expectNamed(update::ui::UpdateCaptionText(caption, language.name));
         for (Caption caption : archive)
             expectNamed(archive::ui::CaptionText(caption, language.name));
+        for (DeviceCaption caption : device)
+            expectNamed(archive::ui::DeviceCaptionText(caption, language.name));
+        for (PaperCaption caption : paper)
+            expectNamed(archive::ui::PaperCaptionText(caption, language.name));
+        for (BackupCaption caption : backup)
+            expectNamed(archive::ui::BackupText(caption, language.name));
     }
 }
