@@ -12,6 +12,7 @@
 #include "archive/ui/ArchiveSettingsDialog.h"
 #include "archive/ui/ArchiveTableModel.h"
 #include "archive/ui/ArchiveWindow.h"
+#include "archive/ui/CustomerQuestion.h"
 #include "archive/ui/DeviceDataDialog.h"
 #include "archive/ui/IntervalDialog.h"
 #include "archive/ui/LabelOptionsDialog.h"
@@ -763,6 +764,21 @@ TEST_F(ArchiveWindowTest, ADevicesDataMovesAndHistoryBelongToItsCustomer)
     EXPECT_EQ(historyRow(0)[3], QStringLiteral("no -> yes"));
     EXPECT_EQ(Child<QPushButton>("geraetedaten")->text(), QStringLiteral("Device data ..."));
     dialog->reject();
+}
+
+// A window closed while it asks for the customer of a read takes the question with it, not the
+// records: they are kept under "ohne Kunde" as on Cancel.
+TEST(CustomerQuestion, AWindowClosedWhileItAsksLeavesTheRecordsToNoCustomer)
+{
+    auto owner = std::make_unique<QWidget>();
+    owner->show();
+    std::optional<QString> answer;
+    ui::AskCustomerOfRead(owner.get(), QString(), [&answer](const QString &customer) { answer = customer; });
+    ASSERT_TRUE(owner->findChild<QInputDialog *>(QStringLiteral("kundeDerLesung")));
+    EXPECT_FALSE(answer);
+    owner.reset();
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(*answer, QString());
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // The window "Archiv": a device's own data and its history of who did what.
 #include "ArchiveWindow.h"
 
-#include "ArchiveTableModel.h"
 #include "DeviceCaptions.h"
 #include "DeviceDataDialog.h"
 
