@@ -9,7 +9,7 @@
 #include "specdb/SpecChunks.h"
 #include "specdb/SpecDecoding.h"
 #include "specdb/SpecEditor.h"
-#include "specdb/SpecRemoval.h"
+#include "specdb/StoreRemoval.h"
 #include "specdb/SpecStore.h"
 #include "specdb/SpecUpload.h"
 

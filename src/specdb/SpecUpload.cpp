@@ -3,7 +3,7 @@
 #include "SpecUpload.h"
 
 #include "SpecChunks.h"
-#include "SpecRemoval.h"
+#include "StoreRemoval.h"
 
 #include "link/Errors.h"
 #include "link/LanguageTable.h"

@@ -12,7 +12,7 @@
 #include "link/TextIds.h"
 #include "link/UserFiles.h"
 #include "specdb/SpecDecoding.h"
-#include "specdb/SpecRemoval.h"
+#include "specdb/StoreRemoval.h"
 #include "specdb/SpecUpload.h"
 
 #include <QApplication>

@@ -4,7 +4,7 @@
 
 #include "DatabaseCaptions.h"
 #include "specdb/SpecEditor.h"
-#include "specdb/SpecRemoval.h"
+#include "specdb/StoreRemoval.h"
 #include "specdb/SpecStore.h"
 
 #include <QMainWindow>

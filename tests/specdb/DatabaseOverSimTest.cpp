@@ -2,7 +2,7 @@
 #include "specdb/SetFile.h"
 #include "specdb/SpecDecoding.h"
 #include "specdb/SpecEditor.h"
-#include "specdb/SpecRemoval.h"
+#include "specdb/StoreRemoval.h"
 #include "specdb/SpecStore.h"
 #include "specdb/SpecUpload.h"
 
@@ -63,7 +63,7 @@ SpecEditor Composed(int regulation)
 
 } // namespace
 
-TEST(SpecOverSim, AComposedSpecificationReadsBackIntoTheEditorUnchanged)
+TEST(DatabaseOverSim, AComposedSpecificationReadsBackIntoTheEditorUnchanged)
 {
     // The odd style sends the second and third parts without the plain style's ";" in front.
     for (const sim::AnswerStyle style : {sim::AnswerStyle::Plain, sim::AnswerStyle::Odd}) {
@@ -91,7 +91,7 @@ TEST(SpecOverSim, AComposedSpecificationReadsBackIntoTheEditorUnchanged)
     }
 }
 
-TEST(SpecOverSim, RunningNumbersFollowTheStoreAndSetFilesStoreEveryRecord)
+TEST(DatabaseOverSim, RunningNumbersFollowTheStoreAndSetFilesStoreEveryRecord)
 {
     Bench b;
     b.tester.model().records().setSpecifications(sim::SampleSpecifications());
@@ -116,7 +116,7 @@ TEST(SpecOverSim, RunningNumbersFollowTheStoreAndSetFilesStoreEveryRecord)
     EXPECT_EQ((*store.limits[4])[22], ">1.00kV");
 }
 
-TEST(SpecOverSim, DeletionsRenumberAndAClearedStoreTakesSpecificationsAgain)
+TEST(DatabaseOverSim, DeletionsRenumberAndAClearedStoreTakesSpecificationsAgain)
 {
     Bench b(3);
     b.tester.model().records().setSpecifications(sim::SampleSpecifications());
@@ -146,7 +146,7 @@ TEST(SpecOverSim, DeletionsRenumberAndAClearedStoreTakesSpecificationsAgain)
 
 // Test records about to be deleted are read and kept first, exactly as the record reader reads
 // them; a record that cannot be read or kept, or a store changed since it was listed, deletes nothing.
-TEST(SpecOverSim, TestRecordsAreKeptBeforeTheyAreDeleted)
+TEST(DatabaseOverSim, TestRecordsAreKeptBeforeTheyAreDeleted)
 {
     const struct {
         const char *what;

@@ -1,6 +1,6 @@
 // Deleting records: the questions and what they say is lost, the order from the top, and deletions
 // the tester does not take.
-#include "specdb/SpecRemoval.h"
+#include "specdb/StoreRemoval.h"
 
 #include "link/LanguageTable.h"
 #include "link/LinkFixture.h"

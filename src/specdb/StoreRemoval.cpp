@@ -1,6 +1,6 @@
 // Deleting records from the tester's store with "prx!del": all of them, or one; test records among
 // them are read and kept (in the archive) before they go.
-#include "SpecRemoval.h"
+#include "StoreRemoval.h"
 
 #include "RemovalTexts.h"
 #include "SpecStore.h"
