@@ -8,11 +8,14 @@
 #include "support/PostgresCluster.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <random>
+#include <vector>
 
 using namespace kalvo;
 
@@ -102,8 +105,28 @@ void ImportInto(const char *name, const QString &url, int count)
 {
     archive::Archive archive(archive::ParseArchiveUrl(url));
     const double rate = ImportRate(archive, count, false);
-    std::printf("import %d records into %-10s %8.0f records/s   (goal on SQLite: 20000)\n", count, name,
-                rate);
+    std::printf("import %d records into %-10s %8.0f records/s\n", count, name, rate);
+}
+
+// The same import into a new SQLite file kRuns times, and the median: a machine shared with others
+// runs the same work a quarter faster or slower from one minute to the next. Each run removes the
+// file of the one before, whose pages would otherwise still be on their way to the disk; the last
+// file stays for the backup.
+void ImportIntoSQLite(const QString &path)
+{
+    constexpr int kRuns = 5;
+    std::vector<double> rates;
+    for (int run = 0; run < kRuns; ++run) {
+        for (const char *suffix : {"", "-wal", "-shm"})
+            QFile::remove(path + QLatin1String(suffix));
+        archive::Archive archive(archive::ParseArchiveUrl(path));
+        rates.push_back(ImportRate(archive, kImportCount, false));
+    }
+    std::printf("import %d records into SQLite, %d times:", kImportCount, kRuns);
+    for (const double rate : rates)
+        std::printf(" %.0f", rate);
+    std::sort(rates.begin(), rates.end());
+    std::printf(" records/s\n  median %.0f records/s   (goal: at least 20000)\n", rates[kRuns / 2]);
 }
 
 void SearchMillion(const QString &path)
@@ -186,7 +209,7 @@ int main(int argc, char *argv[])
     QCoreApplication app(argc, argv);
     QTemporaryDir dir;
     DescribeRate();
-    ImportInto("SQLite", dir.filePath(QStringLiteral("import.sqlite")), kImportCount);
+    ImportIntoSQLite(dir.filePath(QStringLiteral("import.sqlite")));
     BackupAndRestore("SQLite", dir.filePath(QStringLiteral("import.sqlite")),
                      dir.filePath(QStringLiteral("backup-sqlite.sqlite")),
                      dir.filePath(QStringLiteral("restored.sqlite")));

@@ -2,6 +2,7 @@
 #include "RecordImport.h"
 
 #include "Archive.h"
+#include "BulkStatements.h"
 #include "Customers.h"
 #include "RetestIntervals.h"
 #include "WhoAndWhere.h"
@@ -13,6 +14,7 @@
 #include <QCryptographicHash>
 #include <QHash>
 #include <QMap>
+#include <QScopeGuard>
 #include <QSqlQuery>
 #include <QThreadPool>
 #include <QtConcurrent/QtConcurrentMap>
@@ -55,10 +57,6 @@ QList<int> Numbers(const QByteArray &text, char separator)
     return numbers;
 }
 
-// Rows a statement inserts: one round trip to a server for many records, and fewer statements for
-// SQLite to step through (26 values a row stay far below either database's limit).
-constexpr int kRowsPerStatement = 64;
-
 // %2: " OR IGNORE" on SQLite. Of the records' constraints only the hash can conflict, and that
 // conflict is to be passed over; every NOT NULL column gets a value (text "" rather than NULL). Saying
 // so tells SQLite that the statement cannot fail half-way, which spares it the undo copy of every
@@ -71,9 +69,17 @@ const char kInsertRecord[] =
     " ON CONFLICT (sha256) DO NOTHING RETURNING id, sha256";
 const int kRecordColumns = 28;
 
-// The device's row follows its newest test; an older record read later leaves it alone, and what a
-// person entered about the device stays.
-const char kUpsertDevice[] =
+// A device met for the first time is added; the rows it returns are the devices that were new.
+// Adding them without the update clause below is a third faster on SQLite, which otherwise checks
+// each new row as a possible update.
+const char kAddDevice[] =
+    "INSERT%2 INTO devices (customer_id, device_id, device_type, regulation, last_tested_at, last_record_id,"
+    " next_test) VALUES %1"
+    " ON CONFLICT (customer_id, device_id) DO NOTHING RETURNING customer_id, device_id";
+
+// A device already there follows its newest test; an older record read later leaves it alone, and
+// what a person entered about the device stays.
+const char kUpdateDevice[] =
     "INSERT INTO devices (customer_id, device_id, device_type, regulation, last_tested_at, last_record_id,"
     " next_test) VALUES %1"
     " ON CONFLICT (customer_id, device_id) DO UPDATE SET device_type = excluded.device_type,"
@@ -84,57 +90,6 @@ const char kUpsertDevice[] =
     "devices.last_record_id)";
 const int kDeviceColumns = 7;
 
-// Placeholder names ":p0", ":p1", ..., made once. Qt formats such a name afresh for every value
-// bound by position, which took a fifth of an import's time.
-const QStringList &PlaceholderNames()
-{
-    static const QStringList names = [] {
-        QStringList list;
-        for (int i = 0; i < kRowsPerStatement * kRecordColumns; ++i)
-            list.append(QStringLiteral(":p%1").arg(i));
-        return list;
-    }();
-    return names;
-}
-
-// `sql` with its %1 replaced by `rows` groups of `columns` placeholders.
-QString MultiRow(const QString &sql, int rows, int columns)
-{
-    QStringList groups;
-    for (int row = 0; row < rows; ++row)
-        groups.append(QLatin1Char('(') +
-                      PlaceholderNames().mid(row * columns, columns).join(QLatin1Char(',')) +
-                      QLatin1Char(')'));
-    return QString(sql).replace(QLatin1String("%1"), groups.join(QLatin1Char(',')));
-}
-
-// Prepared statements by their number of rows, made when first needed and kept for the import.
-class Statements {
-public:
-    Statements(Archive &archive, const QString &sql, int columns)
-        : m_archive(archive), m_sql(sql), m_columns(columns)
-    {}
-    QSqlQuery &ForRows(int rows)
-    {
-        auto it = m_prepared.find(rows);
-        if (it == m_prepared.end())
-            it = m_prepared.emplace(rows, m_archive.Prepare(MultiRow(m_sql, rows, m_columns))).first;
-        m_current = &it->second;
-        m_bound = 0;
-        return it->second;
-    }
-    // Binds the next value of the statement ForRows() returned last.
-    void Bind(const QVariant &value) { m_current->bindValue(PlaceholderNames()[m_bound++], value); }
-
-private:
-    Archive &m_archive;
-    QString m_sql;
-    int m_columns;
-    QSqlQuery *m_current = nullptr;
-    int m_bound = 0;
-    std::map<int, QSqlQuery> m_prepared;
-};
-
 QString SearchKey(const ArchivedRecord &r)
 {
     return QStringList{r.deviceId,      r.deviceType,    r.testerName, r.regulation,
@@ -144,18 +99,55 @@ QString SearchKey(const ArchivedRecord &r)
         .toLower();
 }
 
-// A record described, or why it cannot be.
+// A record read for the archive, or why it cannot be stored. `values` are its row's values but the
+// last two, its customer and its import, which only the writing thread knows.
 struct Described {
     ArchivedRecord record;
+    QVariantList values;
     QString refusal;
 };
 
-Described Describe(const QByteArray &raw)
+// The values of a record's row but its customer and its import (kInsertRecord's columns), made where
+// the record is decoded, not by the thread that writes.
+QVariantList RowValues(const ArchivedRecord &r, const QByteArray &raw, const RecordSource &source,
+                       const QVariant &importedAt)
+{
+    return {QString::fromLatin1(r.sha256),
+            raw,
+            TextValue(r.testerName),
+            TextValue(r.deviceId),
+            TextValue(r.deviceType),
+            TimestampValue(r.testedAt),
+            TextValue(r.regulation),
+            r.failed ? 1 : 0,
+            TextValue(r.protectionClass),
+            TextValue(r.appliedPart),
+            TextValue(r.accessoryKind),
+            TextValue(r.accessoryType),
+            TextValue(r.maker),
+            TextValue(r.accessoryDeviceId),
+            TextValue(r.customer),
+            TextValue(r.street),
+            TextValue(r.postCode),
+            TextValue(r.town),
+            TextValue(source.tester),
+            TextValue(source.testerSerial),
+            TextValue(source.accessory),
+            TextValue(source.file),
+            importedAt,
+            TextValue(r.deviceType.toLower()),
+            TextValue(r.customer.toLower()),
+            SearchKey(r)};
+}
+
+Described Describe(const QByteArray &raw, const RecordSource &source, const QVariant &importedAt)
 {
     try {
-        return {DescribeRecord(raw), {}};
+        ArchivedRecord record = DescribeRecord(raw);
+        QVariantList values = RowValues(record, raw, source, importedAt);
+        return {std::move(record), std::move(values), {}};
     } catch (const link::KalvoError &e) {
-        return {{}, e.message()};
+        return {{}, {}, e.message()};
     }
 }
 
@@ -189,23 +181,138 @@ namespace {
 // The customer of each record: the one it names, or the one chosen for the import. The customers
 // known are read at once (a lookup a customer took a third of a large import's time); a new one is
 // added when first met.
-void FindCustomers(Archive &archive, qsizetype count,
-                   const std::function<const ArchivedRecord &(qsizetype)> &described, qint64 chosen,
-                   QList<qint64> &ids)
+class CustomerFinder {
+public:
+    CustomerFinder(Archive &archive, qint64 chosen)
+        : m_archive(archive), m_known(CustomerIds(archive)), m_chosen(chosen)
+    {}
+    qint64 IdFor(const ArchivedRecord &r)
+    {
+        if (r.customer.isEmpty())
+            return m_chosen;
+        auto it = m_known.constFind(r.customer);
+        if (it == m_known.cend())
+            it = m_known.insert(r.customer,
+                                CustomerIdFor(m_archive, {0, r.customer, r.street, r.postCode, r.town}));
+        return *it;
+    }
+
+private:
+    Archive &m_archive;
+    QHash<QString, qint64> m_known;
+    qint64 m_chosen;
+};
+
+// One row to write: the record and its customer.
+struct Row {
+    Described described;
+    qint64 customerId;
+};
+
+// Writes an import's rows a statement at a time: the records, then the devices they tested.
+class RowWriter {
+public:
+    explicit RowWriter(Archive &archive);
+    // Starts a transaction's writing (a retried one starts afresh).
+    void Begin(qint64 importId, RetestIntervals intervals);
+    // Stores `rows` (at most kRowsPerStatement), counting each as added or known.
+    void Write(const QList<Row> &rows, ImportResult &result);
+
+private:
+    // Each device of a statement once, with its newest new record: the row and the record's id.
+    using Newest = QMap<std::pair<qint64, QString>, std::pair<const Row *, qint64>>;
+    QHash<QByteArray, qint64> InsertRecords(const QList<Row> &rows);
+    QSqlQuery &BindDevices(BulkStatements &statements, const Newest &devices);
+
+    Archive &m_archive;
+    BulkStatements m_records;
+    BulkStatements m_newDevices;
+    BulkStatements m_knownDevices;
+    qint64 m_importId = 0;
+    RetestIntervals m_intervals;
+};
+
+// %2 of a statement: " OR IGNORE" on SQLite (see kInsertRecord).
+QString WithOrIgnore(const Archive &archive, const char *sql)
 {
-    QHash<QString, qint64> known = CustomerIds(archive);
-    for (qsizetype k = 0; k < count; ++k) {
-        const ArchivedRecord &r = described(k);
-        if (r.customer.isEmpty()) {
-            ids[k] = chosen;
+    return QString::fromLatin1(sql).replace(
+        QLatin1String("%2"), archive.isPostgres() ? QLatin1String("") : QLatin1String(" OR IGNORE"));
+}
+
+RowWriter::RowWriter(Archive &archive)
+    : m_archive(archive), m_records(archive, WithOrIgnore(archive, kInsertRecord), kRecordColumns),
+      m_newDevices(archive, WithOrIgnore(archive, kAddDevice), kDeviceColumns),
+      m_knownDevices(archive, QString::fromLatin1(kUpdateDevice), kDeviceColumns)
+{}
+
+void RowWriter::Begin(qint64 importId, RetestIntervals intervals)
+{
+    m_importId = importId;
+    m_intervals = std::move(intervals);
+}
+
+void RowWriter::Write(const QList<Row> &rows, ImportResult &result)
+{
+    QHash<QByteArray, qint64> newIds = InsertRecords(rows);
+    Newest newest;
+    for (const Row &row : rows) {
+        const ArchivedRecord &r = row.described.record;
+        const qint64 id = newIds.take(r.sha256);
+        if (id == 0) {
+            ++result.known;
             continue;
         }
-        auto it = known.constFind(r.customer);
-        if (it == known.cend())
-            it = known.insert(r.customer,
-                              CustomerIdFor(archive, {0, r.customer, r.street, r.postCode, r.town}));
-        ids[k] = *it;
+        ++result.added;
+        if (r.deviceId.isEmpty() || !r.testedAt.isValid())
+            continue; // no device to follow, or no date to count from
+        const std::pair<qint64, QString> key{row.customerId, r.deviceId};
+        const auto it = newest.constFind(key);
+        if (it == newest.cend() || it->first->described.record.testedAt <= r.testedAt)
+            newest.insert(key, {&row, id});
     }
+    if (newest.isEmpty())
+        return;
+    QSqlQuery &added = BindDevices(m_newDevices, newest);
+    m_archive.Run(added);
+    while (m_archive.Next(added))
+        newest.remove({added.value(0).toLongLong(), added.value(1).toString()});
+    added.finish();
+    if (!newest.isEmpty())
+        m_archive.Run(BindDevices(m_knownDevices, newest));
+}
+
+// The rows the database kept, by hash: a record already there, or twice in this import, comes back
+// once or not at all.
+QHash<QByteArray, qint64> RowWriter::InsertRecords(const QList<Row> &rows)
+{
+    QSqlQuery &insert = m_records.ForRows(static_cast<int>(rows.size()));
+    for (const Row &row : rows) {
+        for (const QVariant &value : row.described.values)
+            m_records.Bind(value);
+        m_records.Bind(row.customerId);
+        m_records.Bind(m_importId);
+    }
+    m_archive.Run(insert);
+    QHash<QByteArray, qint64> ids;
+    while (m_archive.Next(insert))
+        ids.insert(insert.value(1).toString().toLatin1(), insert.value(0).toLongLong());
+    insert.finish();
+    return ids;
+}
+
+QSqlQuery &RowWriter::BindDevices(BulkStatements &statements, const Newest &devices)
+{
+    QSqlQuery &query = statements.ForRows(static_cast<int>(devices.size()));
+    for (const auto &[row, id] : devices) {
+        const ArchivedRecord &r = row->described.record;
+        const int months = m_intervals.MonthsFor({row->customerId, r.deviceId}, r.regulation);
+        for (const QVariant &value :
+             {QVariant(row->customerId), QVariant(r.deviceId), QVariant(TextValue(r.deviceType)),
+              QVariant(TextValue(r.regulation)), TimestampValue(r.testedAt), QVariant(id),
+              DateValue(NextTestDate(r.testedAt.date(), months))})
+            statements.Bind(value);
+    }
+    return query;
 }
 
 // The import's own row: when, from where, by whom; its counts are written at its end.
@@ -261,114 +368,46 @@ ArchivedRecord DescribeRecord(const QByteArray &raw)
 
 ImportResult ImportRecords(Archive &archive, const QList<QByteArray> &records, const RecordSource &source)
 {
-    // Decoding needs no database: it runs on every core before the transaction starts, and the
-    // refused records are known then. The threads are this call's own and end with it: threads of
-    // the global pool would still exist when the program ends, and on Windows the pool's
-    // destructor then waits for threads the system has already ended, for good.
-    QThreadPool pool;
-    const QList<Described> decoded = QtConcurrent::blockingMapped(&pool, records, Describe);
-    QList<qsizetype> accepted; // the records that can be stored, by their place in `records`
-    ImportResult result;
-    for (qsizetype i = 0; i < records.size(); ++i) {
-        if (decoded[i].refusal.isEmpty()) {
-            accepted.append(i);
-        } else {
-            result.refused.append(QStringLiteral("Protokoll %1: %2").arg(i + 1).arg(decoded[i].refusal));
-        }
-    }
-    const auto described = [&](qsizetype k) -> const ArchivedRecord & { return decoded[accepted[k]].record; };
     const QDateTime now = QDateTime::currentDateTimeUtc();
     const QVariant importedAt = TimestampValue(now);
-    QList<qint64> customerIds(accepted.size()); // by the place in `accepted`, found in the transaction
-    qint64 importId = 0;
-    const auto recordValues = [&](qsizetype k) {
-        const ArchivedRecord &r = described(k);
-        return QVariantList{QString::fromLatin1(r.sha256),
-                            records[accepted[k]],
-                            TextValue(r.testerName),
-                            TextValue(r.deviceId),
-                            TextValue(r.deviceType),
-                            TimestampValue(r.testedAt),
-                            TextValue(r.regulation),
-                            r.failed ? 1 : 0,
-                            TextValue(r.protectionClass),
-                            TextValue(r.appliedPart),
-                            TextValue(r.accessoryKind),
-                            TextValue(r.accessoryType),
-                            TextValue(r.maker),
-                            TextValue(r.accessoryDeviceId),
-                            TextValue(r.customer),
-                            TextValue(r.street),
-                            TextValue(r.postCode),
-                            TextValue(r.town),
-                            TextValue(source.tester),
-                            TextValue(source.testerSerial),
-                            TextValue(source.accessory),
-                            TextValue(source.file),
-                            importedAt,
-                            TextValue(r.deviceType.toLower()),
-                            TextValue(r.customer.toLower()),
-                            SearchKey(r),
-                            customerIds[k],
-                            importId};
-    };
-    // Prepared outside the transaction, so that they outlive its rollback (PostgreSQL cannot free a
-    // statement inside a failed transaction).
-    const QLatin1String orIgnore(archive.isPostgres() ? "" : " OR IGNORE");
-    Statements inserts(archive, QString::fromLatin1(kInsertRecord).replace(QLatin1String("%2"), orIgnore),
-                       kRecordColumns);
-    Statements devices(archive, QString::fromLatin1(kUpsertDevice), kDeviceColumns);
+    // Decoding needs no database: it runs on the other cores while this thread writes the records
+    // before. The threads are this call's own and end with it: threads of the global pool would
+    // still exist when the program ends, and on Windows the pool's destructor then waits for
+    // threads the system has already ended, for good.
+    QThreadPool pool;
+    QFuture<Described> described = QtConcurrent::mapped(
+        &pool, records, [&](const QByteArray &raw) { return Describe(raw, source, importedAt); });
+    const auto stopDecoding = qScopeGuard([&described] {
+        described.cancel();
+        described.waitForFinished();
+    });
+    // Its statements are prepared when first needed and outlive a rollback (PostgreSQL cannot free
+    // a statement inside a failed transaction).
+    RowWriter writer(archive);
+    ImportResult result;
     archive.InBulkTransaction([&] {
-        result.added = result.known = 0; // a retried transaction counts afresh
+        result = {}; // a retried transaction counts afresh
         const qint64 chosenCustomer = CustomerIdFor(archive, {0, source.customer, {}, {}, {}});
-        FindCustomers(archive, accepted.size(), described, chosenCustomer, customerIds);
-        importId = AddImport(archive, source, now, chosenCustomer);
-        const RetestIntervals intervals = LoadIntervals(archive);
-        for (qsizetype first = 0; first < accepted.size(); first += kRowsPerStatement) {
-            const int rows =
-                static_cast<int>(std::min<qsizetype>(kRowsPerStatement, accepted.size() - first));
-            QSqlQuery &insert = inserts.ForRows(rows);
-            for (qsizetype k = first; k < first + rows; ++k)
-                for (const QVariant &value : recordValues(k))
-                    inserts.Bind(value);
-            archive.Run(insert);
-            // The rows the database kept, by hash: a record already there, or twice in this import,
-            // comes back once or not at all.
-            QHash<QByteArray, qint64> newIds;
-            while (archive.Next(insert))
-                newIds.insert(insert.value(1).toString().toLatin1(), insert.value(0).toLongLong());
-            insert.finish();
-            // Each device once a statement, with its newest test of these rows.
-            QMap<std::pair<qint64, QString>, std::pair<qsizetype, qint64>> newest;
-            for (qsizetype k = first; k < first + rows; ++k) {
-                const ArchivedRecord &r = described(k);
-                const qint64 id = newIds.take(r.sha256);
-                if (id == 0) {
-                    ++result.known;
-                    continue;
-                }
-                ++result.added;
-                if (r.deviceId.isEmpty() || !r.testedAt.isValid())
-                    continue; // no device to follow, or no date to count from
-                const std::pair<qint64, QString> key{customerIds[k], r.deviceId};
-                const auto it = newest.constFind(key);
-                if (it == newest.cend() || described(it->first).testedAt <= r.testedAt)
-                    newest.insert(key, {k, id});
-            }
-            if (newest.isEmpty())
+        CustomerFinder customers(archive, chosenCustomer);
+        const qint64 importId = AddImport(archive, source, now, chosenCustomer);
+        writer.Begin(importId, LoadIntervals(archive));
+        QList<Row> rows;
+        rows.reserve(kRowsPerStatement);
+        for (qsizetype i = 0; i < records.size(); ++i) {
+            Described record = described.resultAt(static_cast<int>(i));
+            if (!record.refusal.isEmpty()) {
+                result.refused.append(QStringLiteral("Protokoll %1: %2").arg(i + 1).arg(record.refusal));
                 continue;
-            QSqlQuery &device = devices.ForRows(static_cast<int>(newest.size()));
-            for (const auto &[k, id] : std::as_const(newest)) {
-                const ArchivedRecord &r = described(k);
-                const int months = intervals.MonthsFor({customerIds[k], r.deviceId}, r.regulation);
-                for (const QVariant &value :
-                     {QVariant(customerIds[k]), QVariant(r.deviceId), QVariant(r.deviceType),
-                      QVariant(r.regulation), TimestampValue(r.testedAt), QVariant(id),
-                      DateValue(NextTestDate(r.testedAt.date(), months))})
-                    devices.Bind(value);
             }
-            archive.Run(device);
+            const qint64 customerId = customers.IdFor(record.record);
+            rows.append({std::move(record), customerId});
+            if (rows.size() == kRowsPerStatement) {
+                writer.Write(rows, result);
+                rows.clear();
+            }
         }
+        if (!rows.isEmpty())
+            writer.Write(rows, result);
         archive.Exec(QStringLiteral("UPDATE imports SET added = ?, known = ?, refused = ? WHERE id = ?"),
                      {result.added, result.known, static_cast<int>(result.refused.size()), importId});
     });

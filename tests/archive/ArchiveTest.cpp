@@ -2,6 +2,7 @@
 #include "ArchiveSamples.h"
 
 #include "archive/ArchiveQueries.h"
+#include "archive/BulkStatements.h"
 #include "archive/Customers.h"
 #include "archive/RecordImport.h"
 #include "archive/RetestIntervals.h"
@@ -154,6 +155,22 @@ TEST_P(ArchiveTest, ADeviceHistoryIsNewestFirstAndItsNextTestFollowsTheNewestTes
     // The page the window shows: the second and third.
     EXPECT_EQ(ListRecords(archive(), filter, 2, 1).size(), 2);
     EXPECT_EQ(ListRecords(archive(), filter, 2, 1)[0].testedAt.date(), QDate(2021, 3, 5));
+
+    // One import of several statements: a device added by the first follows the newest test
+    // wherever it stands, and an older test in a later statement leaves it alone.
+    QList<QByteArray> spread;
+    const QDate start(2015, 1, 1);
+    for (int i = 0; i < 3 * kRowsPerStatement + 7; ++i) {
+        const QDate day = i == 0 ? QDate(2024, 1, 1) : start.addDays(i);
+        spread << MakeRecord({.device = i % 2 ? "LAST" : "FIRST",
+                              .date = day.toString(QStringLiteral("dd.MM.yy")).toLatin1()});
+    }
+    ImportRecords(archive(), spread, {});
+    EXPECT_EQ(DeviceStatus(archive(), Key(QStringLiteral("FIRST")))->lastTest.date(), QDate(2024, 1, 1));
+    EXPECT_EQ(DeviceStatus(archive(), Key(QStringLiteral("LAST")))->lastTest.date(),
+              start.addDays(3 * kRowsPerStatement + 5));
+    EXPECT_EQ(DeviceStatus(archive(), Key(QStringLiteral("LAST")))->nextTest,
+              start.addDays(3 * kRowsPerStatement + 5).addMonths(12));
 }
 
 TEST_P(ArchiveTest, IntervalsPerRegulationAndPerDeviceMoveTheNextTest)
