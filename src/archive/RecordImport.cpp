@@ -70,8 +70,8 @@ const char kInsertRecord[] =
 const int kRecordColumns = 28;
 
 // A device met for the first time is added; the rows it returns are the devices that were new.
-// Adding them without the update clause below is a third faster on SQLite, which otherwise checks
-// each new row as a possible update.
+// Adding them without the update clause below takes a fifth less time on SQLite, which otherwise
+// checks each new row as a possible update.
 const char kAddDevice[] =
     "INSERT%2 INTO devices (customer_id, device_id, device_type, regulation, last_tested_at, last_record_id,"
     " next_test) VALUES %1"
